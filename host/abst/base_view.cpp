@@ -1,0 +1,10 @@
+#include "host/abst/base_view.h"
+
+namespace abst {
+
+BaseView::~BaseView() = default;
+void BaseView::addSubView(BaseView* /*view*/) {}
+void BaseView::addSubView(const std::string& /*key*/, BaseView* /*view*/) {}
+SubDocTabView::~SubDocTabView() = default;
+
+}  // namespace abst

@@ -1,0 +1,10 @@
+#include "host/abst/qce/new_project_controller.h"
+#include "host/abst/qce/res_item_controller.h"
+
+namespace abst::qce {
+
+QCENewProjectView::~QCENewProjectView() = default;
+QCENewProjectController::~QCENewProjectController() = default;
+QCEResItemController::~QCEResItemController() = default;
+
+}  // namespace abst::qce

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "contract_export.h"
+
+namespace proxy {
+class Element;
+}
+
+namespace abst::qce {
+
+/// What the resource-item page asks of the host beyond its model.
+class QCE_CONTRACT_EXPORT QCEResItemController {
+ public:
+  virtual ~QCEResItemController();
+
+  /// The sub-projects that the page can be narrowed to: name (UTF-8) and element, in order.
+  virtual std::vector<std::pair<std::string, proxy::Element*>> getSubProjects() const = 0;
+  /// Moves an item one row up or down among its siblings; false when it cannot move.
+  virtual bool moveUp(proxy::Element* item) = 0;
+  virtual bool moveDown(proxy::Element* item) = 0;
+};
+
+}  // namespace abst::qce

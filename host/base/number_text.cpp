@@ -1,0 +1,131 @@
+#include "host/base/number_text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace base {
+namespace {
+
+// digits[0..count) with the decimal point after `point` of them; `point` may lie outside.
+struct Decimal {
+  std::array<char, 24> digits;
+  int count = 0;
+  int point = 0;
+  bool negative = false;
+};
+
+Decimal shortestDecimal(double value) {
+  std::array<char, 40> text;
+  const auto end =
+      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific)
+          .ptr;
+  Decimal d;
+  const char* at = text.data();
+  if (*at == '-') {
+    d.negative = true;
+    ++at;
+  }
+  for (; at != end && *at != 'e'; ++at) {
+    if (*at != '.') d.digits[static_cast<std::size_t>(d.count++)] = *at;
+  }
+  int exponent = 0;
+  ++at;
+  if (*at == '+') ++at;
+  std::from_chars(at, end, exponent);
+  d.point = exponent + 1;
+  return d;
+}
+
+void roundHalfUp(Decimal& d, int precision) {
+  const int keep = d.point + precision;
+  if (keep >= d.count) return;
+  if (keep < 0) {
+    d.count = 0;
+    return;
+  }
+  const bool up = d.digits[static_cast<std::size_t>(keep)] >= '5';
+  d.count = keep;
+  if (!up) return;
+  int i = keep - 1;
+  while (i >= 0 && d.digits[static_cast<std::size_t>(i)] == '9') {
+    d.digits[static_cast<std::size_t>(i)] = '0';
+    --i;
+  }
+  if (i >= 0) {
+    ++d.digits[static_cast<std::size_t>(i)];
+    return;
+  }
+  // 9.99 became 10.0: one more digit before the point.
+  std::copy_backward(d.digits.begin(), d.digits.begin() + d.count, d.digits.begin() + d.count + 1);
+  d.digits[0] = '1';
+  ++d.count;
+  ++d.point;
+}
+
+std::string text(double value, std::optional<int> precision, bool strip, bool group) {
+  if (!std::isfinite(value)) return {};
+  Decimal d = shortestDecimal(value);
+  if (precision) {
+    precision = std::max(*precision, 0);
+    roundHalfUp(d, *precision);
+  }
+  const bool zero =
+      std::all_of(d.digits.begin(), d.digits.begin() + d.count, [](char c) { return c == '0'; });
+  if (zero) d.count = 0;
+  if (strip) {
+    while (d.count > std::max(d.point, 0) && d.digits[static_cast<std::size_t>(d.count - 1)] == '0')
+      --d.count;
+  }
+  int decimals = d.count == 0 ? 0 : std::max(d.count - d.point, 0);
+  if (precision && !strip) decimals = *precision;
+  const auto digit = [&d](int position) {
+    return position >= 0 && position < d.count ? d.digits[static_cast<std::size_t>(position)] : '0';
+  };
+
+  std::string out;
+  const int whole = d.count == 0 ? 0 : std::max(d.point, 0);
+  out.reserve(static_cast<std::size_t>(whole + whole / 3 + decimals + 3));
+  if (d.negative && !zero) out += '-';
+  if (whole == 0) out += '0';
+  for (int i = 0; i < whole; ++i) {
+    if (group && i > 0 && (whole - i) % 3 == 0) out += ',';
+    out += digit(i);
+  }
+  if (decimals > 0) {
+    out += '.';
+    for (int i = 0; i < decimals; ++i) out += d.count == 0 ? '0' : digit(d.point + i);
+  }
+  return out;
+}
+
+}  // namespace
+
+std::string ToPlainString(double value, std::optional<int> precision) {
+  return text(value, precision, false, false);
+}
+
+std::string ToPlainStringWithStripTrailingZeros(double value, std::optional<int> precision) {
+  return text(value, precision, true, false);
+}
+
+std::string ToThousandthsString(double value, std::optional<int> precision) {
+  return text(value, precision, false, true);
+}
+
+std::string ToThousandthsStringWithStripTrailingZeros(double value, std::optional<int> precision) {
+  return text(value, precision, true, true);
+}
+
+double ParseNumberPrefix(const std::string& text) {
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  while (at != end && (*at == ' ' || (*at >= '\t' && *at <= '\r'))) ++at;
+  if (at != end && *at == '+') ++at;
+  double value = 0.0;
+  const auto result = std::from_chars(at, end, value);
+  return result.ec == std::errc() ? value : 0.0;
+}
+
+}  // namespace base

@@ -1,0 +1,7 @@
+#include "host/base/object.h"
+
+namespace base {
+
+Object::~Object() = default;
+
+}  // namespace base

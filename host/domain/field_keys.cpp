@@ -1,0 +1,24 @@
+#include "host/domain/field_keys.h"
+
+namespace domain::keys {
+
+const std::string CostAccount = "QCE_CostAccount";
+const std::string BRIType = "QCE_BRIType";
+const std::string BRICode = "QCE_BRICode";
+const std::string BRIName = "QCE_BRIName";
+const std::string BRISpec = "QCE_BRISpec";
+const std::string BRIUnit = "QCE_BRIUnit";
+const std::string BRIAmount = "QCE_BRIAmount";
+const std::string BRIBudgetTotalCost = "QCE_BRIBudgetTotalCost";
+const std::string BRIExcludedTaxFee = "QCE_BRIExcludedTaxFee";
+const std::string BRITaxRate = "QCE_BRITaxRate";
+const std::string BRIIncludedTaxFee = "QCE_BRIIncludedTaxFee";
+const std::string BRIExcludedTaxTotalCost = "QCE_BRIExcludedTaxTotalCost";
+const std::string BRIIncludedTaxTotalCost = "QCE_BRIIncludedTaxTotalCost";
+const std::string BRIAssociation = "QCE_BRIAssociation";
+const std::string BRIIsProvidedByJia = "QCE_BRIIsProvidedByJia";
+const std::string BRIProvisional = "BRIProvisional";  // an older key, without the prefix
+const std::string BRIPriceAdjustable = "QCE_BRIPriceAdjustable";
+const std::string BRIComment = "QCE_BRIComment";
+
+}  // namespace domain::keys

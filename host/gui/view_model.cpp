@@ -1,0 +1,7 @@
+#include "host/gui/view_model.h"
+
+namespace gui {
+
+ViewModel::~ViewModel() = default;
+
+}  // namespace gui
