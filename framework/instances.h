@@ -1,0 +1,16 @@
+#pragma once
+
+// The instances of the bridge templates that the module's own pages use are compiled once, in the
+// library. A host that includes this header does not compile them again.
+
+#include "framework/filter_view_model.h"
+#include "framework/view_model.h"
+#include "host/abst/qce/res_item_filter_model.h"
+#include "host/abst/qce/res_item_model.h"
+
+namespace gui {
+
+extern template class QCE_EXPORT TViewModel<abst::qce::QCEResItemModel>;
+extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCEResItemFilterModel>;
+
+}  // namespace gui
