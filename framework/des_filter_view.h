@@ -1,0 +1,72 @@
+#pragma once
+
+#include <string>
+
+#include "host/bwidgets/widget.h"
+#include "qce_export.h"
+
+class QCheckBox;
+class QFormLayout;
+class QLineEdit;
+class QPushButton;
+
+namespace gui::qce::destructors {
+
+/// The panel with which a page narrows its tree to the rows whose fields contain the given texts.
+/// It holds the conditions and nothing else: the page connects the buttons and check boxes, reads
+/// the five texts in the order of the getters and hands them to its filter model.
+///
+/// Return and Enter click the start button, whichever box or button has the focus. A space is typed
+/// into a box and presses a focused button or check box; one that nobody used ends at the panel.
+class QCE_EXPORT DesFilterView : public bwidgets::Widget {
+  Q_OBJECT
+
+ public:
+  enum ViewType {
+    SubEngineering = 0,  ///< the fourth box is for project features; the check boxes are shown
+    ResItem = 1          ///< the fourth box is for the specification; no check boxes, since the
+                         ///< filter of resource items knows neither children nor siblings
+  };
+
+  explicit DesFilterView(ViewType viewType, bwidgets::Widget* parent = nullptr);
+  ~DesFilterView() override;
+
+  ViewType viewType() const { return viewType_; }
+
+  // The text of one box each, UTF-8, as typed.
+  std::string getCbkm() const;  ///< cost account
+  std::string getCode() const;
+  std::string getName() const;
+  std::string getFeature() const;  ///< the fourth box, whatever its label
+  std::string getUnit() const;
+
+  /// Empties the five boxes. A filter that is on stays on.
+  void resetConditions();
+
+  // For a page to connect clicked(bool) and stateChanged(int). Never null.
+  QPushButton* startButton() const { return startButton_; }
+  QPushButton* cancelButton() const { return cancelButton_; }
+  QPushButton* resetButton() const { return resetButton_; }
+  QCheckBox* showChildrenBox() const { return showChildrenBox_; }
+  QCheckBox* showSiblingBox() const { return showSiblingBox_; }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  QLineEdit* addBox(QFormLayout* form, const QString& label, const QString& name);
+
+  ViewType viewType_;
+  QLineEdit* cbkmEdit_ = nullptr;
+  QLineEdit* codeEdit_ = nullptr;
+  QLineEdit* nameEdit_ = nullptr;
+  QLineEdit* featureEdit_ = nullptr;
+  QLineEdit* unitEdit_ = nullptr;
+  QCheckBox* showChildrenBox_ = nullptr;
+  QCheckBox* showSiblingBox_ = nullptr;
+  QPushButton* startButton_ = nullptr;
+  QPushButton* cancelButton_ = nullptr;
+  QPushButton* resetButton_ = nullptr;
+};
+
+}  // namespace gui::qce::destructors
