@@ -1,0 +1,71 @@
+#pragma once
+
+#include <set>
+#include <string>
+
+#include "framework/filter_view_model.h"
+#include "qce_export.h"
+
+namespace gui {
+
+/// What a generic resource-item filter was told to show: a text, a category, and columns to hide.
+class QCE_EXPORT ResItemFilterState {
+ public:
+  /// Answers whether something changed.
+  bool setText(const std::string& text);
+  bool setType(const std::string& type);
+  bool setHiddenColumns(const std::set<std::string>& keys);
+
+  /// Whether the element is of the category, and code, name or specification hold the text
+  /// (whatever the case).
+  bool acceptsRow(const domain::Operator* op, const proxy::Element* element) const;
+  bool hidesColumn(const std::string& key) const { return hidden_.count(key) > 0; }
+
+ private:
+  std::string text_;
+  std::string type_;
+  std::set<std::string> hidden_;
+};
+
+/// The host's generic filter of resource items, over the filter interface `F` of a page: by text,
+/// by category (人工, 材料, ...), and with columns left out. Each setter filters again at once.
+template <class F>
+class ResItemFilterModelImpl : public TFilterViewModel<F> {
+ public:
+  using TFilterViewModel<F>::TFilterViewModel;
+
+  /// Keeps the items whose code, name or specification holds `text`; empty keeps all.
+  void filter(const std::string& text) {
+    if (state_.setText(text)) this->invalidate();
+  }
+  /// Keeps the items of one category; "所有" or empty keeps all.
+  void filterType(const std::string& text) {
+    if (state_.setType(text)) this->invalidate();
+  }
+  /// Hides the columns of these field keys, and no others.
+  void blackListOfColumn(const std::set<std::string>& keys) {
+    if (state_.setHiddenColumns(keys)) this->invalidateFilter();
+  }
+  /// Shows the columns again that blackListOfColumn hid.
+  void cleacColumnList() { blackListOfColumn({}); }
+
+ protected:
+  using TFilterViewModel<F>::filterAcceptsRow;
+  using TFilterViewModel<F>::filterAcceptsColumn;
+
+  bool filterAcceptsRow(proxy::Element* element) const override {
+    return state_.acceptsRow(this->getOperator(), element);
+  }
+  bool filterAcceptsColumn(int column) const override {
+    const domain::DisplayTable* table = this->getDisplayTable();
+    const domain::ColumnDescriptor* found =
+        table != nullptr ? table->getHeader()->column(column) : nullptr;
+    return (found == nullptr || !state_.hidesColumn(found->key)) &&
+           TFilterViewModel<F>::filterAcceptsColumn(column);
+  }
+
+ private:
+  ResItemFilterState state_;
+};
+
+}  // namespace gui

@@ -1,0 +1,46 @@
+#include "resitem/condition_cache.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace gui::qce {
+
+// The slot that holds the element, or the free one where it belongs.
+std::size_t ConditionCache::slotOf(const proxy::Element* element) const {
+  const std::size_t mask = slots_.size() - 1;
+  // Addresses of neighbours differ in few bits: spread them before they are cut to the mask.
+  std::uint64_t hash = reinterpret_cast<std::uintptr_t>(element) * 0x9E3779B97F4A7C15ULL;
+  hash ^= hash >> 32;
+  std::size_t slot = static_cast<std::size_t>(hash) & mask;
+  while (slots_[slot].element && slots_[slot].element.get() != element) slot = (slot + 1) & mask;
+  return slot;
+}
+
+std::optional<bool> ConditionCache::find(const proxy::Element* element) const {
+  if (slots_.empty()) return std::nullopt;
+  const Slot& slot = slots_[slotOf(element)];
+  return slot.element ? std::optional<bool>(slot.answer) : std::nullopt;
+}
+
+void ConditionCache::insert(proxy::Element* element, bool answer) {
+  if (2 * (size_ + 1) > slots_.size()) grow();
+  Slot& slot = slots_[slotOf(element)];
+  if (!slot.element) ++size_;
+  slot.element = element;
+  slot.answer = answer;
+}
+
+void ConditionCache::clear() {
+  slots_ = std::vector<Slot>();
+  size_ = 0;
+}
+
+void ConditionCache::grow() {
+  std::vector<Slot> old(slots_.empty() ? 64 : 2 * slots_.size());
+  old.swap(slots_);
+  for (Slot& slot : old) {
+    if (slot.element) slots_[slotOf(slot.element.get())] = std::move(slot);
+  }
+}
+
+}  // namespace gui::qce
