@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QApplication>
+#include <QFont>
+#include <QtTest>
+
+/// main() of a test that shows widgets: Chinese texts get glyphs, and every machine the same font.
+#define QCE_WIDGET_TEST_MAIN(TestClass)                                  \
+  int main(int argc, char** argv) {                                      \
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {                \
+      qputenv("QT_QPA_PLATFORM", "offscreen");                           \
+    }                                                                    \
+    QApplication application(argc, argv);                                \
+    QApplication::setStyle(QStringLiteral("Fusion"));                    \
+    QApplication::setFont(QFont(QStringLiteral("Noto Sans CJK SC"), 9)); \
+    TestClass test;                                                      \
+    return QTest::qExec(&test, argc, argv);                              \
+  }
