@@ -4,6 +4,15 @@
 namespace abst::qce {
 
 QCENewProjectView::~QCENewProjectView() = default;
+
+std::string QCENewProjectView::getCostPlanName() const {
+  return {};
+}
+
+std::string QCENewProjectView::getProjectTemplate() const {
+  return {};
+}
+
 QCENewProjectController::~QCENewProjectController() = default;
 QCEResItemController::~QCEResItemController() = default;
 

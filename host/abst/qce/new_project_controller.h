@@ -19,6 +19,10 @@ class QCE_CONTRACT_EXPORT QCENewProjectView {
   virtual std::string getType() const = 0;
   /// Full path of the chosen report template; empty when there is none.
   virtual std::string getReportTemplatePath() const = 0;
+  /// The name of the cost plan that the project starts with; empty leaves it to the host.
+  virtual std::string getCostPlanName() const;
+  /// What the chosen project template stands for in the host; empty when there is none to choose.
+  virtual std::string getProjectTemplate() const;
 };
 
 /// What the new-project dialog asks of the host when the user confirms.
