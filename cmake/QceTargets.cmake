@@ -44,6 +44,12 @@ function(qce_library name kind)
   qce_folder_sources(sources ${ARG_FOLDERS})
   add_library(${name} ${kind} ${sources})
   add_library(qce::${name} ALIAS ${name})
+  # moc runs again when a list file changed, and the files are globbed: an included list of them
+  # makes it see a header that is added later.
+  set(listing ${CMAKE_CURRENT_BINARY_DIR}/${name}_sources.cmake)
+  list(JOIN sources "\n# " lines)
+  file(CONFIGURE OUTPUT ${listing} CONTENT "# ${lines}\n" @ONLY)
+  include(${listing})
   target_include_directories(${name} PUBLIC
       $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}> $<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/generated>
       $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/qce>)
