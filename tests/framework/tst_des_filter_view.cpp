@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include "framework/des_filter_view.h"
+#include "tests/support/test_main.h"
 
 using gui::qce::destructors::DesFilterView;
 
@@ -212,5 +213,5 @@ void TestDesFilterView::cutsNoText() {
   if (!picture.isEmpty()) QVERIFY(panel.grab().save(picture + "/filter_panel.png"));
 }
 
-QTEST_MAIN(TestDesFilterView)
+QCE_WIDGET_TEST_MAIN(TestDesFilterView)
 #include "tst_des_filter_view.moc"

@@ -17,8 +17,8 @@
 #include "host/app/services.h"
 #include "project/checks.h"
 #include "project/dialog.h"
+#include "tests/support/test_main.h"
 
-using gui::qce::MaxProjectNameLength;
 using gui::qce::ProjectNameProblem;
 using gui::qce::QCENewProjectViewImpl;
 
@@ -144,7 +144,7 @@ class TestDialog : public QObject {
 
  private:
   QString file(const QString& name) {
-    const QString path = folder_->filePath(name);
+    QString path = folder_->filePath(name);
     QDir().mkpath(QFileInfo(path).path());
     QFile made(path);
     if (!made.open(QIODevice::WriteOnly)) qFatal("cannot write %s", qPrintable(path));
@@ -607,5 +607,5 @@ void TestDialog::isDraggedByItsHead() {
   }
 }
 
-QTEST_MAIN(TestDialog)
+QCE_WIDGET_TEST_MAIN(TestDialog)
 #include "tst_dialog.moc"
