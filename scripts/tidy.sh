@@ -34,7 +34,7 @@ done < <(dependencies)
 echo "clang-tidy: $((${#pending[@]} / 2)) files" >&2
 ((${#pending[@]} == 0)) && exit 0
 printf '%s\0' "${pending[@]}" | xargs -0 -n 2 -P "$(nproc)" bash -c '
-  if output=$(clang-tidy -p build/dev --quiet "$0" 2>/dev/null); then
+  if output=$(clang-tidy -p build/dev --quiet --extra-arg=-Wno-unknown-warning-option "$0" 2>/dev/null); then
     touch "$1"
   else
     printf "%s\n" "$output"
