@@ -1,0 +1,251 @@
+#include <QSignalSpy>
+#include <QTest>
+#include <QTreeView>
+#include <random>
+
+#include "framework/filter_view_model.h"
+#include "tests/support/test_elements.h"
+#include "tests/support/tester_proxy.h"
+
+namespace {
+
+using Source = gui::TViewModel<abst::BaseModel>;
+
+class AnyFilter : public abst::BaseModel {
+ public:
+  using SourceModel = abst::BaseModel;
+};
+
+class Filter : public gui::TFilterViewModel<AnyFilter> {
+ public:
+  using TFilterViewModel::TFilterViewModel;
+  std::string wanted;  // a row passes when its name contains this
+  mutable int comparisons = 0;
+
+ protected:
+  bool filterAcceptsRow(proxy::Element* element) const override {
+    return static_cast<test::Node*>(element)->name().find(wanted) != std::string::npos;
+  }
+  using TFilterViewModel::filterAcceptsRow;
+  bool lessThan(const QModelIndex& left, const QModelIndex& right) const override {
+    ++comparisons;
+    return TFilterViewModel::lessThan(left, right);
+  }
+};
+
+domain::DataField typed(int type, std::optional<int> precision = {}, bool thousands = false) {
+  domain::DataField field;
+  field.type = type;
+  field.precision = precision;
+  field.thousandsSeparators = thousands;
+  return field;
+}
+
+}  // namespace
+
+class TestFilterViewModel : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void init() {
+    domain::DisplayRow* header = table_.getHeader();
+    if (header->columnCount() == 0) {
+      header->addColumn("name", typed(domain::StringField));
+      header->addColumn("hidden", typed(domain::StringField)).visible = false;
+      header->addColumn("amount", typed(domain::FloatingPointField, 2));
+      header->addColumn("money", typed(domain::FloatingPointField, 2, true));
+      header->addColumn("flag", typed(domain::BoolField));
+      header->addColumn("odd", typed(9));
+    }
+    op_ = std::make_unique<test::NodeOperator>();
+    source_ = std::make_unique<Source>();
+    source_->setDisplayTable(&table_);
+    source_->setOperator(op_.get());
+    filter_ = std::make_unique<Filter>(source_.get());
+    test::attachTester(source_.get());
+    test::attachTester(filter_.get());
+  }
+  void cleanup() {
+    filter_.reset();
+    source_.reset();
+    base::SetLogSink({});
+  }
+
+  void keepsParentsOfMatchesAndNumbersRows() {
+    rows({"甲", "乙", "丙x"});
+    op_->tree.node(1)->add("子x")->set("name", std::string("子x"));
+    filter_->wanted = "x";
+    filter_->invalidate();
+    QCOMPARE(test::treeText(*filter_), std::string("乙(子x) 丙x"));
+    QCOMPARE(filter_->headerData(1, Qt::Vertical).toInt(), 2);
+    QCOMPARE(filter_->headerData(2, Qt::Vertical).toInt(), 3);
+    const QModelIndex child = filter_->index(0, 0, filter_->index(0, 0));
+    QCOMPARE(filter_->getInternalData(child), op_->tree.node(1)->child(0));
+    QCOMPARE(filter_->makeIndex(op_->tree.node(1)->child(0), 0), child);
+    QVERIFY(!filter_->makeIndex(op_->tree.node(0), 0).isValid());
+  }
+
+  void mapsColumnsAlsoWhileEmpty() {
+    rows({"a"});
+    QCOMPARE(filter_->columnCount(), 5);
+    QCOMPARE(filter_->getColumnName(1), std::string("amount"));
+    QCOMPARE(filter_->getColumnIndex("amount"), 1);
+    QCOMPARE(filter_->getColumnIndex("hidden"), -1);
+    filter_->setColumnWidth(1, 77);
+    int width = 0;
+    QVERIFY(source_->getColumnWidth(2, width) && width == 77);
+    QVERIFY(filter_->getColumnWidth(1, width) && width == 77);
+
+    filter_->wanted = "nothing";
+    filter_->invalidate();
+    QCOMPARE(filter_->rowCount(), 0);
+    QCOMPARE(filter_->getColumnName(1), std::string());
+    QCOMPARE(filter_->getColumnIndex("amount"), 1);
+    QCOMPARE(filter_->getColumnIndex("hidden"), 0);  // accepted columns before it, minus 1
+    QCOMPARE(filter_->getColumnIndex("unknown"), -1);
+  }
+
+  void sortsByTypeAsShown_data() {
+    QTest::addColumn<int>("column");
+    QTest::addColumn<QString>("ascending");
+    QTest::newRow("pinyin") << 0 << "钢筋 混凝土 水泥 砖";
+    QTest::newRow("number") << 1 << "混凝土 钢筋 砖 水泥";
+    // 1,200.00 and 1,000.00 are no numbers to the comparison: both count as 0 and keep their order.
+    QTest::newRow("separators") << 2 << "混凝土 水泥 砖 钢筋";
+    QTest::newRow("flag") << 3 << "混凝土 砖 水泥 钢筋";
+    QTest::newRow("unknown type keeps the order") << 4 << "混凝土 水泥 砖 钢筋";
+  }
+  void sortsByTypeAsShown() {
+    QFETCH(int, column);
+    QFETCH(QString, ascending);
+    materials();
+    filter_->sort(column);
+    QTest::qWait(Filter::SortDelay + 60);
+    QCOMPARE(QString::fromStdString(op_->tree.text()), ascending);
+    QCOMPARE(QString::fromStdString(test::treeText(*filter_)), ascending);
+  }
+
+  void coalescesRequestsAndSortsDescendingStably() {
+    materials();
+    QStringList calls;
+    filter_->connectLayoutAboutToBeChanged([&calls] { calls << "about"; });
+    filter_->connectLayoutChanged([&calls] { calls << "done"; });
+    filter_->sort(0);
+    QTest::qWait(50);
+    filter_->sort(3, Qt::DescendingOrder);
+    QCOMPARE(op_->tree.text(), std::string("混凝土 水泥 砖 钢筋"));
+    QTest::qWait(Filter::SortDelay + 60);
+    QCOMPARE(op_->tree.text(), std::string("水泥 钢筋 混凝土 砖"));
+    QCOMPARE(calls, (QStringList{"about", "done"}));
+
+    op_->hasRoot = false;
+    source_->setOperator(op_.get());
+    filter_->sort(0);
+    QTest::qWait(Filter::SortDelay + 60);
+    QCOMPARE(calls.size(), 2);
+    filter_->sort(0);  // dies with the proxy
+    filter_.reset();
+    QTest::qWait(Filter::SortDelay + 60);
+  }
+
+  void keepsSelectionExpansionAndPersistentIndexesThroughASort() {
+    materials();
+    auto* cement = op_->tree.node(1);
+    cement->add("袋装")->set("name", std::string("袋装"));
+    cement->add("白")->set("name", std::string("白"));
+    source_->setOperator(op_.get());
+    QTreeView view;
+    view.setModel(filter_.get());
+    view.expand(filter_->makeIndex(cement, 0));
+    view.setCurrentIndex(filter_->makeIndex(cement->child(0), 0));
+    const QPersistentModelIndex child(filter_->makeIndex(cement->child(0), 1));
+    auto* bagged = cement->child(0);
+    filter_->sort(0, Qt::DescendingOrder);
+    QTest::qWait(Filter::SortDelay + 60);
+    QCOMPARE(op_->tree.text(), std::string("砖 水泥(袋装 白) 混凝土 钢筋"));
+    QVERIFY(view.isExpanded(filter_->makeIndex(cement, 0)));
+    QCOMPARE(filter_->getInternalData(view.currentIndex()), bagged);
+    QCOMPARE(filter_->getInternalData(child), bagged);
+    QCOMPARE(child.row(), bagged->row());
+  }
+
+  void readsEachCellOncePerSort() {
+    std::mt19937 random(1);
+    source_->setOperator(nullptr);
+    for (int i = 0; i < 500; ++i) {
+      op_->tree.add("n")->set("name", "n" + std::to_string(random() % 1000));
+    }
+    source_->setOperator(op_.get());
+    filter_->comparisons = 0;
+    op_->reads = 0;
+    filter_->sort(0);
+    QTest::qWait(Filter::SortDelay + 60);
+    QVERIFY(filter_->comparisons > 2000);
+    QCOMPARE(op_->reads, 500);
+  }
+
+  void passesTheAbstractModelOn() {
+    rows({"a", "b"});
+    QCOMPARE(filter_->getRoot(), source_->getRoot());
+    QCOMPARE(filter_->getOperator(), source_->getOperator());
+    QCOMPARE(filter_->getDisplayTable(), &table_);
+    QVERIFY(filter_->canMoveDown(op_->tree.node(0)) && !filter_->canMoveUp(op_->tree.node(0)));
+    filter_->beginAddItem(nullptr, 1, nullptr);
+    op_->tree.insert(2, "c", nullptr)->set("name", std::string("c"));
+    filter_->endAddItem();
+    filter_->beginDelItem(op_->tree.node(0), 1, nullptr);
+    op_->tree.remove(0, 1, nullptr);
+    filter_->endDelItem();
+    filter_->beginMoveUpItem(op_->tree.node(1), nullptr);
+    op_->tree.move(1, 0, nullptr);
+    filter_->endMoveUpItem();
+    QCOMPARE(test::treeText(*filter_), std::string("c b"));
+    filter_->beginMoveDownItem(op_->tree.node(0), nullptr);
+    op_->tree.move(0, 1, nullptr);
+    filter_->endMoveDownItem();
+    QCOMPARE(test::treeText(*filter_), std::string("b c"));
+  }
+
+  void rejectsARowWithoutElement() {
+    rows({"a"});
+    QStringList logged;
+    base::SetLogSink([&logged](base::LogLevel, const std::string& text) {
+      logged << QString::fromStdString(text);
+    });
+    struct Opened : Filter {
+      using Filter::Filter;
+      bool ask(int row) const { return TFilterViewModel::filterAcceptsRow(row, QModelIndex()); }
+    } opened(source_.get());
+    QVERIFY(opened.ask(0));
+    QVERIFY(!opened.ask(5));
+    QCOMPARE(logged, QStringList{"filterAcceptsRow: proxy::Element* ptr = NULLPTR"});
+  }
+
+ private:
+  void rows(const QStringList& names) {
+    source_->setOperator(nullptr);
+    op_->tree.clear();
+    for (const QString& name : names) {
+      op_->tree.add(name.toStdString())->set("name", name.toStdString());
+    }
+    source_->setOperator(op_.get());
+  }
+  void materials() {
+    rows({"混凝土", "水泥", "砖", "钢筋"});
+    const double amounts[] = {9, 100, 10.5, 9.2};
+    const double money[] = {1200, 1000, 0, 12};
+    const bool flags[] = {false, true, false, true};
+    for (int i = 0; i < 4; ++i) {
+      op_->tree.node(i)->set("amount", amounts[i])->set("money", money[i]);
+      op_->tree.node(i)->set("flag", Qt::CheckStateRole, flags[i]);
+    }
+  }
+
+  domain::DisplayTable table_;
+  std::unique_ptr<test::NodeOperator> op_;
+  std::unique_ptr<Source> source_;
+  std::unique_ptr<Filter> filter_;
+};
+
+QTEST_MAIN(TestFilterViewModel)
+#include "tst_filter_view_model.moc"

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <QAbstractItemModel>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "host/domain/display_table.h"
+#include "host/domain/operator.h"
+#include "host/proxy/element.h"
+
+namespace test {
+
+/// A record with free fields: a value for a key and role.
+class Node : public proxy::Element {
+ public:
+  explicit Node(std::string name);
+
+  proxy::Element* parent() const override { return parent_; }
+  int row() const override { return row_; }
+  int childCount() const override { return static_cast<int>(children_.size()); }
+  proxy::Element* child(int row) const override { return node(row); }
+  std::int64_t id() const override { return id_; }
+
+  Node* node(int row) const;
+  Node* add(const std::string& name);
+  /// Sets the value for display and edit.
+  Node* set(const std::string& key, domain::Value value);
+  Node* set(const std::string& key, int role, domain::Value value);
+  const domain::Value* find(const std::string& key, int role) const;
+  const std::string& name() const { return name_; }
+
+ private:
+  friend class Tree;
+  std::string name_;
+  Node* parent_ = nullptr;
+  int row_ = 0;
+  std::int64_t id_;
+  std::vector<scoped_refptr<Node>> children_;
+  std::unordered_map<std::string, std::unordered_map<int, domain::Value>> values_;
+};
+
+/// The top level, with the structural changes that a host makes between its announcements.
+class Tree : public proxy::ElementGroup {
+ public:
+  int size() const override { return static_cast<int>(members_.size()); }
+  proxy::Element* member(int row) const override { return node(row); }
+  void reorder(const Less& less) override;
+
+  Node* node(int row) const;
+  Node* add(const std::string& name) { return insert(size(), name, nullptr); }
+  Node* insert(int row, const std::string& name, Node* parent);
+  void remove(int row, int count, Node* parent);
+  void move(int from, int to, Node* parent);
+  void clear() { members_.clear(); }
+  /// "a(b c) d": the names, children in brackets.
+  std::string text() const;
+
+ private:
+  std::vector<scoped_refptr<Node>>& siblings(Node* parent) {
+    return parent != nullptr ? parent->children_ : members_;
+  }
+  static void renumber(std::vector<scoped_refptr<Node>>& nodes, Node* parent);
+  static void reorder(std::vector<scoped_refptr<Node>>& nodes, const Less& less);
+
+  std::vector<scoped_refptr<Node>> members_;
+};
+
+/// An operator over a Tree: answers what the nodes hold, writes what it is not told to refuse.
+/// Counts what it is asked.
+class NodeOperator : public domain::Operator {
+ public:
+  proxy::ElementGroup* getRoot() override { return hasRoot ? &tree : nullptr; }
+  bool getValue(const proxy::Element* element, const std::string& key, int role,
+                domain::Value& out) const override;
+  bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
+                int role) override;
+  bool isEnabled(const proxy::Element*, const std::string& key) const override {
+    return disabledKey != key;
+  }
+  bool isEditable(const proxy::Element*, const std::string& key) const override {
+    return readOnlyKey != key;
+  }
+  bool isCheckable(const proxy::Element*, const std::string& key) const override {
+    return checkableKey == key;
+  }
+
+  Tree tree;
+  bool hasRoot = true;
+  bool refuse = false;
+  std::string disabledKey, readOnlyKey, checkableKey;
+  mutable int reads = 0;
+  domain::Value lastWritten;
+  int lastRole = -1;
+};
+
+/// "a(b c) d" as a model shows it in column 0, for comparing a tree as one short text.
+std::string treeText(const QAbstractItemModel& model);
+
+}  // namespace test
