@@ -4,6 +4,7 @@
 #include <QFont>
 #include <QStringList>
 #include <array>
+#include <cmath>
 #include <cstdio>
 
 #include "host/base/number_text.h"
@@ -42,6 +43,12 @@ std::string sixDecimals(double value) {
   return std::string(text.data(), static_cast<std::size_t>(size));
 }
 
+// Whether the text with `precision` decimals reads back as a double of the same decimal: true up to
+// 15 digits. Grouping that double then groups the same digits.
+bool isReadBackExactly(double value, int precision) {
+  return precision >= 0 && precision <= 4 && std::fabs(value) < 1e11;
+}
+
 }  // namespace
 
 QVariant toQVariant(const domain::Value& value) {
@@ -50,6 +57,10 @@ QVariant toQVariant(const domain::Value& value) {
 
 std::string formatNumber(const domain::DataField& field, double value) {
   const bool strip = field.stripTrailingZeros.value_or(false);
+  if (field.thousandsSeparators && field.precision && isReadBackExactly(value, *field.precision)) {
+    return strip ? base::ToThousandthsStringWithStripTrailingZeros(value, field.precision)
+                 : base::ToThousandthsString(value, field.precision);
+  }
   std::string text;
   if (field.precision) {
     text = strip ? base::ToPlainStringWithStripTrailingZeros(value, field.precision)

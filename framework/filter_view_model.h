@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -110,9 +111,9 @@ class TFilterViewModel : public QSortFilterProxyModel, public gui::ViewModel, pu
   void connectLayoutChanged(const LayoutSlot& slot) override { layoutDidChange_.connect(slot); }
 
   // The Qt proxy.
-  QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override {
-    return mapFromSource(mapToSource(QSortFilterProxyModel::index(row, column, parent)));
-  }
+  // The proxy's own index is normalised already: mapping it to the source and back gives the same
+  // one, so nothing is mapped here, where every painted cell passes.
+  using QSortFilterProxyModel::index;
   QVariant headerData(int section, Qt::Orientation orientation,
                       int role = Qt::DisplayRole) const override;
   void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
@@ -142,6 +143,8 @@ class TFilterViewModel : public QSortFilterProxyModel, public gui::ViewModel, pu
 
  private:
   void sortNow(int column, Qt::SortOrder order);
+  /// The field type of a source cell's column; empty when the header row does not know its key.
+  std::optional<int> comparedType(const QModelIndex& sourceIndex) const;
 
   SourceModel* source_;
   SourceViewModel* qtSource_;
@@ -149,6 +152,9 @@ class TFilterViewModel : public QSortFilterProxyModel, public gui::ViewModel, pu
   LayoutSignal layoutDidChange_;
   std::unique_ptr<QTimer> pendingSort_;
   mutable SortInputs sortInputs_;
+  // While a sort runs: its source column (-1 otherwise) and what comparedType says of it.
+  int sortedColumn_ = -1;
+  std::optional<int> sortedType_;
 };
 
 template <class F>
@@ -168,7 +174,7 @@ int TFilterViewModel<F>::getColumnIndex(const std::string& key) const {
   if (qtSource_ == nullptr) return -1;
   const int column = qtSource_->getColumnIndex(key);
   if (rowCount() > 0) {
-    const QModelIndex first = mapToSource(QSortFilterProxyModel::index(0, 0));
+    const QModelIndex first = mapToSource(index(0, 0));
     return mapFromSource(first.sibling(first.row(), column)).column();
   }
   int accepted = 0;
@@ -214,13 +220,18 @@ bool TFilterViewModel<F>::filterAcceptsColumn(int column) const {
 }
 
 template <class F>
-bool TFilterViewModel<F>::lessThan(const QModelIndex& left, const QModelIndex& right) const {
+std::optional<int> TFilterViewModel<F>::comparedType(const QModelIndex& sourceIndex) const {
   const domain::DisplayTable* table = getDisplayTable();
-  const std::string key = left.data(domain::FieldKeyRole).toString().toStdString();
-  if (table == nullptr || table->getHeader()->column(key) == nullptr) {
-    return QSortFilterProxyModel::lessThan(left, right);
-  }
-  return cellLessThan(left.data(domain::FieldTypeRole).toInt(), left, right, sortInputs_);
+  const std::string key = sourceIndex.data(domain::FieldKeyRole).toString().toStdString();
+  if (table == nullptr || table->getHeader()->column(key) == nullptr) return {};
+  return sourceIndex.data(domain::FieldTypeRole).toInt();
+}
+
+template <class F>
+bool TFilterViewModel<F>::lessThan(const QModelIndex& left, const QModelIndex& right) const {
+  const std::optional<int> type = left.column() == sortedColumn_ ? sortedType_ : comparedType(left);
+  if (!type) return QSortFilterProxyModel::lessThan(left, right);
+  return cellLessThan(*type, left, right, sortInputs_);
 }
 
 template <class F>
@@ -241,12 +252,16 @@ void TFilterViewModel<F>::sortNow(int column, Qt::SortOrder order) {
 
   layoutAboutToChange_();
   const int source = sourceColumn(column);
-  if (source >= 0) {
+  const QModelIndex first = qtSource_->index(0, source);
+  if (first.isValid()) {
     sortInputs_.begin();
+    sortedType_ = comparedType(first);
+    sortedColumn_ = source;
     qtSource_->reorder([this, source, order](proxy::Element* a, proxy::Element* b) {
       if (order == Qt::DescendingOrder) std::swap(a, b);
       return lessThan(qtSource_->makeIndex(a, source), qtSource_->makeIndex(b, source));
     });
+    sortedColumn_ = -1;
     sortInputs_.end();
   }
   invalidate();

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 
 namespace base {
 namespace {
@@ -64,8 +65,53 @@ void roundHalfUp(Decimal& d, int precision) {
   ++d.point;
 }
 
+// `units` of 10^-precision as text.
+std::string unitsText(std::uint64_t units, int precision, bool negative, bool strip, bool group) {
+  std::array<char, 40> buffer;
+  char* const end = buffer.data() + buffer.size();
+  char* at = end;
+  int decimals = precision;
+  const bool zero = units == 0;
+  if (strip) {
+    while (decimals > 0 && units % 10 == 0) {
+      units /= 10;
+      --decimals;
+    }
+  }
+  for (int i = 0; i < decimals; ++i, units /= 10) *--at = static_cast<char>('0' + units % 10);
+  if (decimals > 0) *--at = '.';
+  int whole = 0;
+  do {
+    if (group && whole > 0 && whole % 3 == 0) *--at = ',';
+    *--at = static_cast<char>('0' + units % 10);
+    units /= 10;
+    ++whole;
+  } while (units != 0);
+  if (negative && !zero) *--at = '-';
+  return std::string(at, end);
+}
+
+// The common case without the shortest decimal: few enough digits that the product with a power of
+// ten tells on which side of a half the value lies. Too close to a half, the digits decide.
+std::optional<std::uint64_t> clearUnits(double magnitude, int precision) {
+  static constexpr std::array<double, 7> powers = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
+  if (precision >= static_cast<int>(powers.size())) return {};
+  const double scaled = magnitude * powers[static_cast<std::size_t>(precision)];
+  if (!(scaled < 1e13)) return {};  // the product is off by less than a hundredth
+  const auto units = static_cast<std::uint64_t>(scaled);
+  const double rest = scaled - static_cast<double>(units);
+  if (std::fabs(rest - 0.5) < 1e-2) return {};
+  return units + (rest > 0.5 ? 1 : 0);
+}
+
 std::string text(double value, std::optional<int> precision, bool strip, bool group) {
   if (!std::isfinite(value)) return {};
+  if (precision) {
+    const int places = std::max(*precision, 0);
+    if (const auto units = clearUnits(std::fabs(value), places)) {
+      return unitsText(*units, places, value < 0, strip, group);
+    }
+  }
   Decimal d = shortestDecimal(value);
   if (precision) {
     precision = std::max(*precision, 0);
