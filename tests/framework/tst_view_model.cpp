@@ -48,7 +48,7 @@ class TestViewModel : public QObject {
 
  private slots:
   void init() {
-    op_ = std::make_unique<test::NodeOperator>();
+    op_ = std::make_unique<tests::NodeOperator>();
     table_ = std::make_unique<domain::DisplayTable>();
     model_ = std::make_unique<StrictModel>();
     domain::DisplayRow* header = table_->getHeader();
@@ -62,7 +62,7 @@ class TestViewModel : public QObject {
     header->column("price")->title = "单价";
     model_->setDisplayTable(table_.get());
     model_->setOperator(op_.get());
-    test::attachTester(model_.get());
+    tests::attachTester(model_.get());
     app::InstallServices({&undo_, nullptr, nullptr, nullptr, nullptr});
     undo_.log.clear();
   }
@@ -342,7 +342,7 @@ class TestViewModel : public QObject {
   }
 
  private:
-  test::Node* fresh() {
+  tests::Node* fresh() {
     model_->setOperator(nullptr);
     op_->tree.clear();
     auto* row = op_->tree.add("row");
@@ -351,7 +351,7 @@ class TestViewModel : public QObject {
   }
 
   RecordingUndo undo_;
-  std::unique_ptr<test::NodeOperator> op_;
+  std::unique_ptr<tests::NodeOperator> op_;
   std::unique_ptr<domain::DisplayTable> table_;
   std::unique_ptr<StrictModel> model_;
 };

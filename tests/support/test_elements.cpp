@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace test {
+namespace tests {
 
 Node::Node(std::string name) : name_(std::move(name)) {
   static std::int64_t next = 1;
@@ -136,4 +136,4 @@ std::string treeText(const QAbstractItemModel& model) {
   return Writer::of(model, {});
 }
 
-}  // namespace test
+}  // namespace tests

@@ -9,7 +9,7 @@
 #include "host/domain/operator.h"
 #include "host/proxy/element.h"
 
-namespace test {
+namespace tests {
 
 /// A record with free fields: a value for a key and role.
 class Node : public proxy::Element {
@@ -97,4 +97,4 @@ class NodeOperator : public domain::Operator {
 /// "a(b c) d" as a model shows it in column 0, for comparing a tree as one short text.
 std::string treeText(const QAbstractItemModel& model);
 
-}  // namespace test
+}  // namespace tests
