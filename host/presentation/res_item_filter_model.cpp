@@ -27,6 +27,8 @@ std::string shownText(const domain::Operator& op, const proxy::Element* element,
 
 }  // namespace
 
+ResItemTextFilter::~ResItemTextFilter() = default;
+
 bool ResItemFilterState::setText(const std::string& text) {
   return assign(text_, text);
 }

@@ -27,19 +27,27 @@ class QCE_EXPORT ResItemFilterState {
   std::set<std::string> hidden_;
 };
 
+/// How a page drives a resource-item filter without knowing what it filters.
+class QCE_EXPORT ResItemTextFilter {
+ public:
+  virtual ~ResItemTextFilter();
+  /// Keeps the items whose code, name or specification holds `text`; empty keeps all.
+  virtual void filter(const std::string& text) = 0;
+  /// Keeps the items of one category; "所有" or empty keeps all.
+  virtual void filterType(const std::string& text) = 0;
+};
+
 /// The host's generic filter of resource items, over the filter interface `F` of a page: by text,
 /// by category (人工, 材料, ...), and with columns left out. Each setter filters again at once.
 template <class F>
-class ResItemFilterModelImpl : public TFilterViewModel<F> {
+class ResItemFilterModelImpl : public TFilterViewModel<F>, public ResItemTextFilter {
  public:
   using TFilterViewModel<F>::TFilterViewModel;
 
-  /// Keeps the items whose code, name or specification holds `text`; empty keeps all.
-  void filter(const std::string& text) {
+  void filter(const std::string& text) override {
     if (state_.setText(text)) this->invalidate();
   }
-  /// Keeps the items of one category; "所有" or empty keeps all.
-  void filterType(const std::string& text) {
+  void filterType(const std::string& text) override {
     if (state_.setType(text)) this->invalidate();
   }
   /// Hides the columns of these field keys, and no others.

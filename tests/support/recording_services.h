@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/app/services.h"
+#include "workbench/services/channels.h"
+
+namespace test {
+
+/// Keeps the outermost undo scopes as "name" or, abandoned, "name!".
+class RecordingUndo : public app::UndoService {
+ public:
+  void beginScope(const std::string& name) override {
+    if (depth_++ == 0) {
+      name_ = name;
+      abandoned_ = false;
+    }
+  }
+  void endScope() override {
+    if (--depth_ == 0) steps.push_back(name_ + (abandoned_ ? "!" : ""));
+  }
+  void abandonScope() override { abandoned_ = true; }
+  std::vector<std::string> steps;
+
+ private:
+  int depth_ = 0;
+  std::string name_;
+  bool abandoned_ = false;
+};
+
+/// Both of them installed for as long as this lives; both channels are the same one.
+class RecordingServices {
+ public:
+  RecordingServices() {
+    app::Services services;
+    services.undo = &undo;
+    services.channel = &channel;
+    services.qceChannel = &channel;
+    before_ = app::InstallServices(services);
+  }
+  ~RecordingServices() { app::InstallServices(before_); }
+  RecordingServices(const RecordingServices&) = delete;
+  RecordingServices& operator=(const RecordingServices&) = delete;
+
+  services::RecordingChannel channel;
+  RecordingUndo undo;
+
+ private:
+  app::Services before_;
+};
+
+}  // namespace test
