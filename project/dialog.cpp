@@ -13,6 +13,8 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyleOptionComboBox>
+#include <QStylePainter>
 #include <QVBoxLayout>
 
 #include "host/app/services.h"
@@ -26,7 +28,24 @@ QIcon newProjectIcon() {
   return QIcon(QStringLiteral(":/project/新建.png"));
 }
 
-/// An empty box says so and cannot be opened; a filled one starts at its first item.
+/// A choice that says so when there is nothing to choose. (Qt's own placeholder stays unpainted in
+/// a box that cannot be edited.)
+class ChoiceBox : public QComboBox {
+ public:
+  using QComboBox::QComboBox;
+
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    if (count() == 0) option.currentText = QStringLiteral("（无可选模板）");
+    QStylePainter painter(this);
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+  }
+};
+
+/// An empty box cannot be opened; a filled one starts at its first item.
 void settle(QComboBox* box) {
   box->setEnabled(box->count() > 0);
   box->setCurrentIndex(box->count() > 0 ? 0 : -1);
@@ -91,9 +110,8 @@ void QCENewProjectViewImpl::buildForm() {
   nameEdit_->setObjectName(QStringLiteral("name"));
   costPlanEdit_ = new QLineEdit(this);
   costPlanEdit_->setObjectName(QStringLiteral("costPlan"));
-  projectTemplateBox_ = new QComboBox(this);
+  projectTemplateBox_ = new ChoiceBox(this);
   projectTemplateBox_->setObjectName(QStringLiteral("projectTemplate"));
-  projectTemplateBox_->setPlaceholderText(QStringLiteral("（无可选模板）"));
   tenderButton_ = new QRadioButton(QStringLiteral("投标成本测算"), this);
   targetButton_ = new QRadioButton(QStringLiteral("目标成本测算"), this);
   auto* types = new QButtonGroup(this);
@@ -101,9 +119,8 @@ void QCENewProjectViewImpl::buildForm() {
   types->addButton(tenderButton_);
   types->addButton(targetButton_);
   tenderButton_->setChecked(true);
-  reportTemplateBox_ = new QComboBox(this);
+  reportTemplateBox_ = new ChoiceBox(this);
   reportTemplateBox_->setObjectName(QStringLiteral("reportTemplate"));
-  reportTemplateBox_->setPlaceholderText(QStringLiteral("（无可选模板）"));
   for (QComboBox* box : {projectTemplateBox_, reportTemplateBox_}) {
     // A long text must not push the fixed layout apart.
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
