@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+#include "host/abst/qce/new_project_controller.h"
+#include "workbench/store/project_file.h"
+
+namespace controllers {
+
+/// Makes project files from the answers of the new-project dialog.
+class NewProjectController : public abst::qce::QCENewProjectController {
+ public:
+  /// Answers the path of the project file to write, having asked the user whether an existing file
+  /// is to be replaced; empty when the user gave up. `proposal` is the project's name.
+  using ChooseTarget = std::function<QString(const QString& proposal)>;
+  /// Hears that a project file is there.
+  using Created = std::function<void(const QString& path)>;
+
+  NewProjectController(ChooseTarget chooseTarget, Created created);
+
+  /// For the progress of reading and writing, 0 to 100; false cancels.
+  void setProgress(store::Progress progress) { progress_ = std::move(progress); }
+
+  std::string checkSource(const std::string& path, const std::string& type) const override;
+  bool createProject(const abst::qce::QCENewProjectView& answers) override;
+
+ private:
+  ChooseTarget chooseTarget_;
+  Created created_;
+  store::Progress progress_;
+};
+
+}  // namespace controllers

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+
+#include "host/domain/display_table.h"
+#include "workbench/controllers/res_item_controller.h"
+#include "workbench/operators/res_item_operator.h"
+#include "workbench/services/undo_history.h"
+#include "workbench/store/project_file.h"
+
+namespace controllers {
+
+/// An open project with everything that its pages are bound to. Whoever opens it installs undo()
+/// among the services, and takes pages and models away before it goes.
+class OpenProject {
+ public:
+  /// Null when the file cannot be opened; `failure` then says why.
+  static std::unique_ptr<OpenProject> open(const QString& path, store::Failure& failure,
+                                           const store::Progress& progress = {});
+
+  const QString& path() const { return file_->path(); }
+  records::Project& project() { return file_->project(); }
+  const records::Facts& facts() { return project().facts; }
+  /// Of the whole project, for the status bar.
+  const costing::Totals& totals() { return project().totals(); }
+
+  services::UndoHistory& undo() { return *undo_; }  ///< undo().stack() for the menus
+  operators::ResItemOperator& resItemOperator() { return *resItemOperator_; }
+  domain::DisplayTable& resItemTable() { return *resItemTable_; }
+  ResItemController& resItemController() { return *resItemController_; }
+
+ private:
+  explicit OpenProject(std::unique_ptr<store::ProjectFile> file);
+
+  std::unique_ptr<store::ProjectFile> file_;
+  std::unique_ptr<services::UndoHistory> undo_;
+  std::unique_ptr<domain::DisplayTable> resItemTable_;
+  std::unique_ptr<operators::ResItemOperator> resItemOperator_;
+  std::unique_ptr<ResItemController> resItemController_;
+};
+
+}  // namespace controllers

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <functional>
+#include <unordered_set>
+#include <vector>
+
+#include "host/abst/qce/res_item_controller.h"
+#include "host/abst/qce/res_item_model.h"
+#include "workbench/records/project.h"
+
+namespace controllers {
+
+/// The host side of the resource-item page: its commands, and the way back from changed records to
+/// the models that show them.
+class ResItemController : public abst::qce::QCEResItemController, private records::Observer {
+ public:
+  /// The project must outlive the controller.
+  explicit ResItemController(records::Project& project);
+  ~ResItemController() override;
+
+  /// The model that hears of inserted, removed and moved rows, and is told to rebuild its groups
+  /// when more than that has changed. Not owned; null for none. Give it the *item* model, not a
+  /// filter over it.
+  void setModel(abst::qce::QCEResItemModel* model) { model_ = model; }
+  /// Called at the end of each edit, undo and redo, once for each item and each grouping row with
+  /// other values; the caller announces all cells of that row.
+  void setElementChanged(std::function<void(proxy::Element*)> callback) {
+    elementChanged_ = std::move(callback);
+  }
+  /// Called at the end of each edit, undo and redo: totals may be other ones.
+  void setTotalsChanged(std::function<void()> callback) { totalsChanged_ = std::move(callback); }
+
+  std::vector<std::pair<std::string, proxy::Element*>> getSubProjects() const override;
+  bool moveUp(proxy::Element* item) override;
+  bool moveDown(proxy::Element* item) override;
+
+ private:
+  void itemChanged(records::ResourceItem& item) override;
+  void aboutToInsert(records::ResourceGroup& parent, int row) override;
+  void inserted() override;
+  void aboutToRemove(records::ResourceGroup& parent, int row) override;
+  void removed() override;
+  void aboutToSwap(records::ResourceGroup& group, int upper) override;
+  void swapped() override;
+  void rearranged(records::ResourceGroup& group) override;
+  void stepFinished() override;
+  void note(proxy::Element* element);
+
+  records::Project& project_;
+  abst::qce::QCEResItemModel* model_ = nullptr;
+  std::function<void(proxy::Element*)> elementChanged_;
+  std::function<void()> totalsChanged_;
+  std::vector<scoped_refptr<proxy::Element>> changed_;
+  std::unordered_set<proxy::Element*> known_;
+  bool rebuild_ = false;
+};
+
+}  // namespace controllers

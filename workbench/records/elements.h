@@ -1,0 +1,155 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "workbench/costing/packed_decimal.h"
+#include "workbench/costing/rules.h"
+#include "workbench/records/record.h"
+#include "workbench/records/text.h"
+
+/// The records of a cost project. Texts are UTF-8, money is in yuan, rates are per cent.
+namespace records {
+
+/// 人工, 材料, 机械, 主材, 设备; the numbers are stored.
+enum class Category : std::uint8_t { Labour, Material, Machinery, MainMaterial, Equipment };
+constexpr int CategoryCount = 5;
+const std::string& nameOf(Category category);
+
+/// 成本科目, a tree.
+class CostAccount : public Branch {
+ public:
+  using Branch::Branch;
+
+  std::string sourceId, code, name;
+  std::optional<Category> defaultFor;
+};
+
+/// 单项工程, 单位工程, 分部; the numbers are stored.
+enum class StructureKind : std::uint8_t { SingleProject, UnitWork, Section };
+
+class StructureNode : public Branch {
+ public:
+  StructureNode(std::int64_t id, StructureKind kind) : Branch(id), kind(kind) {}
+
+  const StructureKind kind;
+  std::string sourceId, code, name, specialty;
+  /// Money that the source file declares for a unit work, where it does.
+  std::optional<costing::Decimal> declaredBills, declaredResources, declaredFees;
+};
+
+/// 清单. Its children are its budget items.
+class Bill : public Branch {
+ public:
+  using Branch::Branch;
+
+  Text sourceId, code, name, features, unit;
+  CostAccount* account = nullptr;
+  costing::PackedDecimal quantity;
+  std::optional<costing::PackedDecimal> unitPrice, amount;  ///< of the kinds that price bills
+};
+
+class ResourceItem;
+
+/// A budget resource item (清单预算工料机): what one unit of a bill uses of a resource.
+class BudgetItem : public Record {
+ public:
+  using Record::Record;
+
+  Text sourceId, code, name, spec, unit;
+  ResourceItem* resourceItem = nullptr;  ///< the resource item that it was gathered to
+  costing::PackedDecimal content;        ///< per unit of the bill
+  costing::PackedDecimal price;          ///< excluding tax
+  costing::PackedDecimal taxRate;
+  costing::PackedDecimal amount;  ///< revenue, 2 places
+  Category category = Category::Material;
+  bool ownerSupplied = false, provisional = false, priceAdjustable = false;
+};
+
+class ResourceGroup;
+
+/// A cost resource item (成本工料机) of one unit work. Written through records::Project alone.
+class ResourceItem : public Record {
+ public:
+  using Record::Record;
+
+  CostAccount* account() const { return account_; }  ///< may be null
+  Category category() const { return category_; }
+  Text code() const { return code_; }
+  Text name() const { return name_; }
+  Text spec() const { return spec_; }
+  Text unit() const { return unit_; }
+  Text annotation() const { return annotation_; }
+  costing::PackedDecimal quantity() const { return quantity_; }
+  costing::PackedDecimal price() const { return price_; }  ///< excluding tax
+  costing::PackedDecimal taxRate() const { return taxRate_; }
+  bool ownerSupplied() const { return ownerSupplied_; }
+  bool provisional() const { return provisional_; }
+  bool priceAdjustable() const { return priceAdjustable_; }
+  bool associated() const { return associated_; }
+  /// The place in its group that is stored; a sorted view may show another.
+  int position() const { return position_; }
+
+  // What follows from the fields above.
+  costing::PackedDecimal budgetAmount() const { return budgetAmount_; }
+  costing::PackedDecimal excludedAmount() const { return excludedAmount_; }
+  costing::PackedDecimal includedAmount() const { return includedAmount_; }
+  costing::Totals totals() const;
+
+  ResourceGroup* group() const;
+
+ private:
+  friend class Project;
+
+  /// Computes the amounts from the fields; throws std::overflow_error where one does not fit.
+  void recompute();
+
+  CostAccount* account_ = nullptr;
+  Text code_, name_, spec_, unit_, annotation_;
+  costing::PackedDecimal quantity_, price_, taxRate_;
+  costing::PackedDecimal budgetAmount_, excludedAmount_, includedAmount_;
+  int position_ = 0;
+  Category category_ = Category::Material;
+  bool ownerSupplied_ = false, provisional_ = false, priceAdjustable_ = false, associated_ = false;
+};
+
+/// A grouping row of the resource items: a sub-project, or one category in it.
+class ResourceGroup : public Branch {
+ public:
+  /// A sub-project's row.
+  explicit ResourceGroup(StructureNode& unitWork);
+  ResourceGroup(StructureNode& unitWork, Category category);
+
+  StructureNode& unitWork() const { return *unitWork_; }
+  std::optional<Category> category() const { return category_; }  ///< empty: the sub-project
+  const costing::Totals& totals() const { return totals_; }
+
+ private:
+  friend class Project;
+
+  StructureNode* unitWork_;
+  std::optional<Category> category_;
+  costing::Totals totals_;
+};
+
+/// 间接费.
+class IndirectFeeGroup : public Branch {
+ public:
+  using Branch::Branch;
+
+  std::string sourceId, code, name;
+  StructureNode* unitWork = nullptr;  ///< top groups only; null: the whole project
+};
+
+class IndirectFeeItem : public Record {
+ public:
+  using Record::Record;
+
+  std::string sourceId, code, name, basis;
+  CostAccount* account = nullptr;
+  std::optional<costing::Decimal> base, rate;  ///< both or neither
+  costing::Decimal amount;                     ///< 2 places
+};
+
+}  // namespace records

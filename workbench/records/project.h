@@ -1,0 +1,154 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "workbench/records/change.h"
+
+namespace records {
+
+/// Facts about the whole project, as its source file and the new-project dialog give them.
+struct Facts {
+  std::string name;      ///< as the dialog gives it
+  std::string costType;  ///< 投标成本测算 or 目标成本测算
+  std::string reportTemplate;
+  std::string sourceKind;  ///< the source file's extension; empty for an empty project
+  std::string sourceName, code, builder, tenderer, region, date, pricingBasis, structure;
+  std::string taxMethod;
+  costing::Decimal taxRate, buildingArea;
+  std::optional<costing::Decimal> declaredBills, declaredResources, declaredFees;
+  /// Money that the project was made with; the budget never changes afterwards.
+  costing::Decimal readBills, readResources, readFees;
+};
+
+/// The fields of a resource item that is to be made. An id of 0 gives it a new one, a negative
+/// position the last place.
+struct ResourceItemData {
+  std::int64_t id = 0;
+  CostAccount* account = nullptr;
+  Category category = Category::Material;
+  Text code, name, spec, unit, annotation;
+  costing::Decimal quantity, price, taxRate, budgetAmount;
+  bool ownerSupplied = false, provisional = false, priceAdjustable = false, associated = false;
+  int position = -1;
+};
+
+/// Hears what happens to the records. Each "about to" is followed by the change and its end.
+class Observer {
+ public:
+  virtual ~Observer();
+  virtual void itemChanged(ResourceItem& /*item*/) {}
+  /// A row comes in below `parent` at `row`.
+  virtual void aboutToInsert(ResourceGroup& /*parent*/, int /*row*/) {}
+  virtual void inserted() {}
+  virtual void aboutToRemove(ResourceGroup& /*parent*/, int /*row*/) {}
+  virtual void removed() {}
+  /// The row below `upper` moves up over it.
+  virtual void aboutToSwap(ResourceGroup& /*group*/, int /*upper*/) {}
+  virtual void swapped() {}
+  /// The stored places of the group's items have changed in a way that its rows do not show before
+  /// the next Project::arrange.
+  virtual void rearranged(ResourceGroup& /*group*/) {}
+  /// An edit, an undo or a redo is complete.
+  virtual void stepFinished() {}
+};
+
+/// A cost project in memory. All writing goes through set, add, remove, moveUp and moveDown, which
+/// record what they do; whoever ends an edit takes the record (takeRecorded) to store it and to be
+/// able to take it back (apply).
+class Project {
+ public:
+  Project();
+  ~Project();
+  Project(const Project&) = delete;
+  Project& operator=(const Project&) = delete;
+
+  Facts facts;
+  TextPool texts;
+
+  Group& structure() { return *structure_; }
+  Group& accounts() { return *accounts_; }
+  Group& feeGroups() { return *feeGroups_; }
+  /// A row for each unit work, below it one for each category that has items, below these the
+  /// items. Ordering this group is the order of a view: it is neither stored nor undone.
+  Group& subProjects() { return *subProjects_; }
+  const std::vector<StructureNode*>& unitWorks() const { return unitWorks_; }
+  /// All accounts, each before those below it.
+  const std::vector<CostAccount*>& allAccounts() const { return allAccounts_; }
+  /// The account with this text ("code name"), code or name; null when there is none.
+  CostAccount* findAccount(const std::string& text) const;
+
+  /// The grouping row of a unit work.
+  ResourceGroup* subProject(const StructureNode& unitWork) const;
+  /// The row of a category in it; not among the rows while it has no items.
+  ResourceGroup* categoryGroup(const StructureNode& unitWork, Category category) const;
+  const costing::Totals& totals() const { return totals_; }
+  std::int64_t itemCount() const { return itemCount_; }
+  costing::Decimal feeTotal() const;
+
+  FieldValue value(const ResourceItem& item, ItemField field) const;
+
+  // Editing. An unchanged value records nothing. std::overflow_error: an amount would not fit, and
+  // nothing has changed.
+  void set(ResourceItem& item, ItemField field, const FieldValue& value);
+  /// Appends an item to the group of its category.
+  void add(StructureNode& unitWork, const ResourceItemData& data);
+  void remove(ResourceItem& item);
+  /// Moves the item one row up or down inside its group; the order that the rows then have becomes
+  /// the stored one. False when there is no row to pass.
+  bool moveUp(ResourceItem& item);
+  bool moveDown(ResourceItem& item);
+
+  bool hasRecorded() const { return !recorded_.empty(); }
+  ChangeSet takeRecorded();
+  enum class Direction { Forward, Backward };
+  /// Does the changes again or takes them back, without recording.
+  void apply(const ChangeSet& changes, Direction direction);
+  /// Tells the observers that a step is complete.
+  void finishStep();
+
+  void addObserver(Observer* observer);  ///< not owned
+  void removeObserver(Observer* observer);
+
+  /// Orders the items of each group by their stored places. Changes the rows.
+  void arrange();
+
+  /// All that is stored, as text: two projects with the same content have the same dump.
+  std::string dump() const;
+
+ private:
+  friend class ProjectBuilder;
+
+  struct SubProject {
+    scoped_refptr<ResourceGroup> row;
+    std::array<scoped_refptr<ResourceGroup>, CategoryCount> categories;
+  };
+
+  std::int64_t newId() { return ++lastId_; }
+  scoped_refptr<ResourceItem> makeItem(const ResourceItemData& data);
+  void record(Change change);
+  void perform(const Change& change, Direction direction);
+  void write(ResourceItem& item, ItemField field, const FieldValue& value);
+  void link(const StructureNode& unitWork, const scoped_refptr<ResourceItem>& item);
+  void unlink(ResourceItem& item);
+  void place(const Reposition& change, Direction direction);
+  void count(ResourceGroup& group, const costing::Totals& before, const costing::Totals& after);
+  bool swapWithNext(ResourceGroup& group, int upper);
+
+  scoped_refptr<Group> structure_, accounts_, feeGroups_, subProjects_;
+  std::vector<StructureNode*> unitWorks_;
+  std::unordered_map<std::int64_t, SubProject> bySubProject_;
+  std::vector<CostAccount*> allAccounts_;
+  std::unordered_map<std::string, CostAccount*> accountByText_;
+  costing::Totals totals_;
+  std::int64_t itemCount_ = 0;
+  std::int64_t lastId_ = 0;
+  ChangeSet recorded_;
+  std::vector<Observer*> observers_;
+};
+
+}  // namespace records

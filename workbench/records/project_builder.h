@@ -1,0 +1,29 @@
+#pragma once
+
+#include "workbench/records/project.h"
+
+namespace records {
+
+/// Fills an empty project, from a source file or from storage. Ids of 0 give new ones; a null
+/// parent is the top level. What it adds is neither recorded nor announced.
+class ProjectBuilder {
+ public:
+  explicit ProjectBuilder(Project& project) : project_(project) {}
+
+  CostAccount& addAccount(CostAccount* parent, std::int64_t id, const std::string& code,
+                          const std::string& name);
+  StructureNode& addNode(StructureNode* parent, std::int64_t id, StructureKind kind);
+  Bill& addBill(StructureNode& section, std::int64_t id);
+  BudgetItem& addBudgetItem(Bill& bill, std::int64_t id);
+  ResourceItem& addItem(StructureNode& unitWork, const ResourceItemData& data);
+  IndirectFeeGroup& addFeeGroup(IndirectFeeGroup* parent, std::int64_t id);
+  IndirectFeeItem& addFeeItem(IndirectFeeGroup& group, std::int64_t id);
+
+ private:
+  std::int64_t use(std::int64_t id);
+  void add(Branch* parent, Group& top, scoped_refptr<Record> record);
+
+  Project& project_;
+};
+
+}  // namespace records
