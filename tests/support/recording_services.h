@@ -6,7 +6,7 @@
 #include "host/app/services.h"
 #include "workbench/services/channels.h"
 
-namespace test {
+namespace tests {
 
 /// Keeps the outermost undo scopes as "name" or, abandoned, "name!".
 class RecordingUndo : public app::UndoService {
@@ -50,4 +50,4 @@ class RecordingServices {
   app::Services before_;
 };
 
-}  // namespace test
+}  // namespace tests

@@ -32,7 +32,7 @@ class TestInputDialog : public QObject {
   }
   void refusesWhatIsNoNumberWithinTheBounds() {
     QFETCH(QString, typed);
-    test::RecordingServices recorded;
+    tests::RecordingServices recorded;
     gui::CInputDialog dialog("标题", "数值:", 50, {-1.0, 100.0, 2}, nullptr);
     auto* edit = show(dialog);
     QTest::keyClick(edit, Qt::Key_Delete);

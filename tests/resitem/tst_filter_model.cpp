@@ -1,0 +1,233 @@
+#include "resitem/filter_model.h"
+
+#include <QtTest>
+
+#include "resitem/model.h"
+#include "tests/support/fake_res_item_operator.h"
+#include "tests/support/tester_proxy.h"
+
+namespace keys = domain::keys;
+using Fake = tests::FakeResItemOperator;
+
+class TestFilterModel : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void init() {
+    op_ = std::make_unique<Fake>();
+    model_ = std::make_unique<gui::qce::QCEResItemModelImpl>();
+    filter_ = std::make_unique<Filter>(model_.get());
+    tests::attachTester(model_.get());
+    tests::attachTester(filter_.get());
+    tests::Node* steel = op_->group("S");
+    rebar_ = Fake::item(steel, "s1", "螺纹钢筋", 10.0);
+    rebar_->set(keys::BRISpec, std::string("HRB400 φ12"))
+        ->set(keys::CostAccount, std::string("材料费"))
+        ->set(keys::BRIAssociation, std::string("√"))
+        ->set(keys::BRIIsProvidedByJia, true);
+    wire_ = Fake::item(steel, "s2", "ab wire", 9.0);
+    wire_->set(keys::BRIAssociation, std::string("√ "))->set(keys::BRIProvisional, true);
+    tests::Node* labour = op_->group("L");
+    worker_ = Fake::item(labour, "l1", "综合用工", 100.0);
+    worker_->set(keys::BRIUnit, std::string("工日"))
+        ->set(keys::BRIAssociation, std::string("\xE2\x9C\x93"))
+        ->set(keys::BRIPriceAdjustable, true);
+    model_->setDisplayTable(&op_->table);
+    model_->setOperator(op_.get());
+  }
+  void cleanup() {
+    filter_.reset();
+    model_.reset();
+    op_.reset();
+  }
+
+  void filtersByFlag_data() {
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QString>("rows");
+    QTest::newRow("owner") << 28 << "S(s1)";
+    QTest::newRow("provisional") << 29 << "S(s2)";
+    QTest::newRow("adjustable") << 30 << "L(l1)";
+    QTest::newRow("none") << 27 << "S(s1 s2) L(l1)";
+  }
+  void filtersByFlag() {
+    QFETCH(int, type);
+    QFETCH(QString, rows);
+    op_->setFilterType(type);
+    QCOMPARE(shown(), QString("S(s1 s2) L(l1)"));  // nothing changes before the filter is told
+    filter_->invalidate();
+    QCOMPARE(shown(), rows);
+    QVERIFY(!filter_->dynamicSortFilter());
+  }
+
+  void refusesValuesOfAnotherKind() {
+    Filter filter(model_.get());  // nothing is mapped yet, so that only accepts() filters
+    rebar_->set(keys::BRIProvisional, 1);
+    op_->setFilterType(29);
+    QVERIFY_EXCEPTION_THROWN(filter.accepts(rebar_), std::bad_variant_access);
+    op_->setFilterType(0);
+    filter.setShowAll(false);
+    rebar_->set(keys::BRIAssociation, true);
+    QVERIFY_EXCEPTION_THROWN(filter.accepts(rebar_), std::bad_variant_access);
+    filter.setShowAll(true);
+    rebar_->set(keys::BRICode, 7);
+    std::vector<std::string> words = {"", "7"};
+    filter.setFilterField(words);
+    filter.setIsFilterByCondition(true);
+    QVERIFY_EXCEPTION_THROWN(filter.accepts(rebar_), std::bad_variant_access);
+    QVERIFY(filter.accepts(op_->tree.node(0)) == false);
+  }
+
+  void filtersByAssociationMark() {
+    filter_->setShowAll(false);
+    filter_->setShowAssociation(true);
+    filter_->invalidate();
+    QCOMPARE(shown(), QString("S(s1)"));
+    filter_->setShowAssociation(false);
+    filter_->invalidate();
+    // A blank behind the mark, and another check sign, are no marks.
+    QCOMPARE(shown(), QString("S(s2) L(l1)"));
+  }
+
+  void filtersByConditions_data() {
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QString>("rows");
+    QTest::newRow("all empty") << QStringList{"", "", "", "", ""} << "S(s1 s2) L(l1)";
+    QTest::newRow("no words") << QStringList{} << "S(s1 s2) L(l1)";
+    QTest::newRow("part of a name") << QStringList{"", "", "钢", "", ""} << "S(s1)";
+    QTest::newRow("case counts") << QStringList{"", "", "Ab", "", ""} << "";
+    QTest::newRow("as written") << QStringList{"", "", "ab", "", ""} << "S(s2)";
+    QTest::newRow("not trimmed") << QStringList{"", "", "ab wire ", "", ""} << "";
+    QTest::newRow("no wildcard") << QStringList{"", "", "a*", "", ""} << "";
+    QTest::newRow("fourth is spec") << QStringList{"", "", "", "HRB", ""} << "S(s1)";
+    QTest::newRow("account") << QStringList{"材料", "", "", "", ""} << "S(s1)";
+    QTest::newRow("unit") << QStringList{"", "", "", "", "工日"} << "L(l1)";
+    QTest::newRow("all must match") << QStringList{"", "s", "钢", "HRB4", "t"} << "S(s1)";
+    QTest::newRow("one does not") << QStringList{"", "s", "钢", "HRB4", "kg"} << "";
+  }
+  void filtersByConditions() {
+    QFETCH(QStringList, words);
+    QFETCH(QString, rows);
+    condition(words);
+    QCOMPARE(shown(), rows);
+    filter_->setIsFilterByCondition(false);
+    QCOMPARE(shown(), QString("S(s1 s2) L(l1)"));
+  }
+
+  void conditionsDoNotOverruleTheFlag() {
+    op_->setFilterType(29);
+    condition({"", "", "钢", "", ""});
+    QCOMPARE(shown(), QString());
+  }
+
+  void keepsAnswersUntilToldToForgetThem() {
+    condition({"", "", "钢", "", ""});
+    QCOMPARE(shown(), QString("S(s1)"));
+    std::vector<std::string> words = {"", "", "用工", "", ""};
+    const int reads = op_->fieldReads;
+    filter_->setFilterField(words);
+    QVERIFY(filter_->accepts(rebar_));
+    QVERIFY(!filter_->accepts(worker_));
+    // A reset of the source alone does not forget them either.
+    filter_->rebuildGroup();
+    QCOMPARE(shown(), QString("S(s1)"));
+    QCOMPARE(op_->fieldReads, reads);
+    filter_->invalidate();
+    QCOMPARE(shown(), QString("L(l1)"));
+    QVERIFY(!filter_->accepts(rebar_));
+    words = {"", "", "wire", "", ""};
+    filter_->setFilterField(words);
+    filter_->setIsFilterByCondition(true);
+    QCOMPARE(shown(), QString("S(s2)"));
+  }
+
+  // Answers go by element: one that the host drops must not lend its address to a new one.
+  void doesNotTakeANewItemForAnOldOne() {
+    tests::Node* group = op_->tree.node(1);
+    condition({"", "", "钢", "", ""});
+    for (int i = 0; i < 100; ++i) {
+      model_->beginDelItem(group->node(0), 1, group);
+      op_->tree.remove(0, 1, group);
+      model_->endDelItem();
+      tests::Node* added = Fake::item(group, "n", i % 2 == 0 ? "型钢" : "木材");
+      model_->setOperator(op_.get());
+      QCOMPARE(filter_->accepts(added), i % 2 == 0);
+    }
+  }
+
+  void sortsQuantitiesAsNumbers() {
+    wire_->set(keys::BRIAmount, domain::DisplayRole, std::string("none"));
+    Fake::item(op_->tree.node(0), "s3", "x", 9.0);
+    model_->setOperator(op_.get());
+    sort(keys::BRIAmount, Qt::AscendingOrder);
+    QCOMPARE(op_->tree.node(0)->node(1)->name(), std::string("s3"));  // 9 before 10
+    QCOMPARE(op_->tree.node(0)->node(0)->name(), std::string("s2"));  // no number counts as 0
+    sort(keys::BRIAmount, Qt::DescendingOrder);
+    QCOMPARE(op_->tree.node(0)->node(0)->name(), std::string("s1"));
+    sort(keys::BRICode, Qt::DescendingOrder);
+    QCOMPARE(op_->tree.text(), std::string("S(s3 s2 s1) L(l1)"));
+  }
+
+  void forwardsToTheItemModel() {
+    std::string comment;
+    QVERIFY(filter_->setComment(rebar_, "询价"));
+    QVERIFY(filter_->getComment(rebar_, comment));
+    QCOMPARE(comment, std::string("询价"));
+    filter_->setExcludeTaxPrice(rebar_, 5.0);
+    QCOMPARE(std::get<double>(*rebar_->find(keys::BRIExcludedTaxFee, domain::EditRole)), 5.0);
+    filter_->setSubProject(rebar_);
+    filter_->rebuildGroup();
+    QCOMPARE(op_->subProject, rebar_);
+    QCOMPARE(op_->rebuilt, 1);
+    QCOMPARE(filter_->getHeadName(4), keys::BRIAmount);
+
+    gui::qce::QCEResItemFilterModelImpl orphan(nullptr);
+    QCOMPARE(orphan.getHeadName(4), std::string());
+    QVERIFY(!orphan.getComment(rebar_, comment));
+    orphan.setSubProject(nullptr);
+    orphan.invalidate();
+  }
+
+  void hidesColumnsOfABlackList() {
+    const int columns = filter_->columnCount();
+    filter_->blackListOfColumn({keys::BRISpec, keys::BRIUnit, "unknown"});
+    QCOMPARE(filter_->columnCount(), columns - 2);
+    QCOMPARE(filter_->getColumnIndex(keys::BRIAmount), 2);
+    filter_->cleacColumnList();
+    QCOMPARE(filter_->columnCount(), columns);
+  }
+
+ private:
+  // The row hook, asked as the proxy asks it.
+  class Filter : public gui::qce::QCEResItemFilterModelImpl {
+   public:
+    using QCEResItemFilterModelImpl::QCEResItemFilterModelImpl;
+    bool accepts(proxy::Element* element) const { return isAcceptRow(element); }
+  };
+
+  QString shown() const { return QString::fromStdString(tests::treeText(*filter_)); }
+  void condition(const QStringList& words) {
+    std::vector<std::string> keywords;
+    for (const QString& word : words) keywords.push_back(word.toStdString());
+    filter_->setFilterField(keywords);
+    filter_->setIsFilterByCondition(true);
+  }
+  void sort(const std::string& key, Qt::SortOrder order) {
+    bool sorted = false;
+    const auto connection = connect(filter_.get(), &QAbstractItemModel::layoutChanged, this,
+                                    [&sorted] { sorted = true; });
+    filter_->sort(filter_->getColumnIndex(key), order);
+    QTRY_VERIFY(sorted);
+    disconnect(connection);
+    QCOMPARE(tests::treeText(*filter_), op_->tree.text());
+  }
+
+  std::unique_ptr<Fake> op_;
+  std::unique_ptr<gui::qce::QCEResItemModelImpl> model_;
+  std::unique_ptr<Filter> filter_;
+  tests::Node* rebar_ = nullptr;
+  tests::Node* wire_ = nullptr;
+  tests::Node* worker_ = nullptr;
+};
+
+QTEST_GUILESS_MAIN(TestFilterModel)
+#include "tst_filter_model.moc"

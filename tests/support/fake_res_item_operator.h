@@ -1,0 +1,128 @@
+#pragma once
+
+#include <string>
+
+#include "host/domain/field_keys.h"
+#include "host/domain/qce/res_item_operator.h"
+#include "tests/support/test_elements.h"
+
+namespace tests {
+
+/// The host side of the resource-item page in memory: items below grouping rows, and a table of
+/// the columns that the page works with.
+class FakeResItemOperator : public domain::qce::QCEResItemOperator {
+ public:
+  FakeResItemOperator() {
+    using namespace domain;
+    DisplayRow& header = *table.getHeader();
+    header.addColumn(keys::BRICode, text("编码"));
+    header.addColumn(keys::BRIName, text("名称"));
+    header.addColumn(keys::BRISpec, text("规格型号"));
+    header.addColumn(keys::BRIUnit, text("单位"));
+    header.addColumn(keys::BRIAmount, number("数量", 3));
+    header.addColumn(keys::BRIExcludedTaxFee, number("不含税单价", 2));
+    header.addColumn(keys::BRIExcludedTaxTotalCost, number("不含税合价", 2));
+    header.addColumn(keys::CostAccount, text("成本科目"));
+    header.addColumn(keys::BRIAssociation, text("关联"));
+    header.addColumn(keys::BRIIsProvidedByJia, {"甲供", BoolField, {}, {}, {}, false});
+  }
+
+  /// A grouping row that is named in the code column.
+  Node* group(const std::string& caption) {
+    return tree.add(caption)->set(domain::keys::BRICode, domain::DisplayRole, caption);
+  }
+
+  static Node* item(Node* group, const std::string& code, const std::string& name,
+                    double amount = 1.0, double price = 1.0) {
+    using namespace domain;
+    return group->add(code)
+        ->set(keys::BRICode, code)
+        ->set(keys::BRIName, name)
+        ->set(keys::BRIUnit, std::string("t"))
+        ->set(keys::BRIAmount, amount)
+        ->set(keys::BRIExcludedTaxFee, price)
+        ->set(keys::BRIExcludedTaxTotalCost, amount * price)
+        ->set(keys::BRIComment, std::string());
+  }
+
+  static bool isItem(const proxy::Element* element) {
+    return static_cast<const Node*>(element)->find(domain::keys::BRIName, domain::EditRole) !=
+           nullptr;
+  }
+
+  proxy::ElementGroup* getRoot() override { return &tree; }
+
+  bool getValue(const proxy::Element* element, const std::string& key, int role,
+                domain::Value& out) const override {
+    const domain::Value* found = static_cast<const Node*>(element)->find(key, role);
+    if (found == nullptr) return false;
+    out = *found;
+    return true;
+  }
+  bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
+                int /*role*/) override {
+    if (!isItem(element) || element == refused) return false;
+    static_cast<Node*>(element)->set(key, value);
+    return true;
+  }
+  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
+  bool isEditable(const proxy::Element* element, const std::string& key) const override {
+    return isItem(element) && key != domain::keys::BRIExcludedTaxTotalCost;
+  }
+  bool isCheckable(const proxy::Element* element, const std::string& key) const override {
+    return isItem(element) && key == domain::keys::BRIIsProvidedByJia;
+  }
+
+  void setSubProject(proxy::Element* element) override { subProject = element; }
+  void rebuildGroup() override { ++rebuilt; }
+
+  bool getField(const proxy::Element* element, const std::string& key,
+                domain::Value& out) const override {
+    ++fieldReads;
+    const domain::Value* found = static_cast<const Node*>(element)->find(key, domain::EditRole);
+    const bool flag = key == domain::keys::BRIIsProvidedByJia ||
+                      key == domain::keys::BRIProvisional ||
+                      key == domain::keys::BRIPriceAdjustable;
+    if (found != nullptr) {
+      out = *found;
+    } else if (flag) {
+      out = false;
+    } else {
+      domain::AssignText(out, {});
+    }
+    return true;
+  }
+
+  bool getComment(const proxy::Element* element, std::string& out) const override {
+    if (!isItem(element)) return false;
+    out = std::get<std::string>(
+        *static_cast<const Node*>(element)->find(domain::keys::BRIComment, domain::EditRole));
+    return true;
+  }
+  bool setComment(proxy::Element* element, const std::string& comment) override {
+    if (!isItem(element) || element == refused) return false;
+    static_cast<Node*>(element)->set(domain::keys::BRIComment, comment);
+    return true;
+  }
+
+  int getFilterType() const override { return filterType; }
+  void setFilterType(int type) override { filterType = type; }
+
+  domain::DisplayTable table;
+  Tree tree;
+  proxy::Element* refused = nullptr;  ///< an item that takes no writes
+  proxy::Element* subProject = nullptr;
+  int rebuilt = 0;
+  int filterType = domain::qce::FilterAll;
+  mutable int fieldReads = 0;
+
+ private:
+  static domain::DataField text(const char* name) {
+    return {name, domain::StringField, {}, {}, {}, false};
+  }
+  static domain::DataField number(const char* name, int precision) {
+    return {name, domain::FloatingPointField, precision, {}, {}, false};
+  }
+};
+
+}  // namespace tests
