@@ -132,7 +132,8 @@ std::string text(double value, std::optional<int> precision, bool strip, bool gr
 
   std::string out;
   const int whole = d.count == 0 ? 0 : std::max(d.point, 0);
-  out.reserve(static_cast<std::size_t>(whole + whole / 3 + decimals + 3));
+  const int length = whole + whole / 3 + decimals + 3;
+  out.reserve(static_cast<std::size_t>(length));
   if (d.negative && !zero) out += '-';
   if (whole == 0) out += '0';
   for (int i = 0; i < whole; ++i) {
