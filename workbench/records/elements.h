@@ -31,7 +31,7 @@ enum class StructureKind : std::uint8_t { SingleProject, UnitWork, Section };
 
 class StructureNode : public Branch {
  public:
-  StructureNode(std::int64_t id, StructureKind kind) : Branch(id), kind(kind) {}
+  StructureNode(std::int64_t id, StructureKind ofKind) : Branch(id), kind(ofKind) {}
 
   const StructureKind kind;
   std::string sourceId, code, name, specialty;
