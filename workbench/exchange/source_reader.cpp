@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "workbench/exchange/guarded_device.h"
+#include "workbench/exchange/source_attributes.h"
 
 namespace exchange {
 namespace {
@@ -19,13 +20,7 @@ namespace {
 using costing::Decimal;
 
 constexpr qint64 ProgressBytes = 256 * 1024;
-constexpr int LabelCharacters = 40;
 
-struct Refusal {
-  qint64 line = 0;
-  qint64 column = 0;
-  QString reason;
-};
 struct Cancel {};
 
 QString text(const std::string& utf8) {
@@ -36,20 +31,11 @@ QString money(const Decimal& value) {
   return text(value.toString(2));
 }
 
-QString clipped(const QString& value) {
-  return value.size() <= LabelCharacters ? value : value.left(LabelCharacters) + QChar(0x2026);
-}
-
 // "投标文件（TBQD）"
 QString titleOf(SourceKind kind) {
   return QStringLiteral("%1（%2）").arg(text(nameOf(kind)), text(extensionOf(kind)));
 }
 
-/// The Chinese nouns of the elements, for messages.
-struct ElementName {
-  const char* tag;
-  const char* noun;
-};
 constexpr ElementName Root{"costSource", "根元素"};
 constexpr ElementName Project{"project", "工程概况"};
 constexpr ElementName Accounts{"costAccounts", "成本科目表"};
@@ -69,12 +55,6 @@ constexpr std::array<ElementName, 14> Names{Root,   Project,  Accounts, Account,
                                             Single, Work,     Part,     BillRow, ResourceRow,
                                             Fees,   FeeGroup, FeeItem,  Totals};
 
-/// Upper bound (exclusive) and places of a figure.
-struct NumberRule {
-  const char* limit;
-  int places;
-  int wholeDigits;  // of the limit: a figure with more of them is beyond it
-};
 constexpr NumberRule Quantity{"1000000000", 4, 9};
 constexpr NumberRule Content{"100000", 6, 5};
 constexpr NumberRule UnitPrice{"1000000000", 2, 9};
@@ -83,16 +63,6 @@ constexpr NumberRule Rate{"1000", 4, 3};
 constexpr NumberRule Area{"1000000000", 2, 9};
 constexpr NumberRule Amount{"10000000000000", 2, 13};
 constexpr NumberRule Sum{"10000000000000000000", 2, 19};
-
-struct Needs {
-  bool required = true;
-  int maximum = SourceBounds::TextCharacters;
-  bool lines = false;  // may hold line breaks
-};
-constexpr Needs Required{};
-constexpr Needs Optional{false};
-constexpr Needs RequiredCode{true, SourceBounds::CodeCharacters};
-constexpr Needs OptionalCode{false, SourceBounds::CodeCharacters};
 
 QString xmlReason(const QXmlStreamReader& xml) {
   if (xml.error() == QXmlStreamReader::PrematureEndOfDocumentError) {
@@ -119,40 +89,6 @@ QString xmlReason(const QXmlStreamReader& xml) {
   return QStringLiteral("不是规范的 XML（%1）：请用来源软件重新导出").arg(detail);
 }
 
-class Parser;
-
-/// The attributes of the element that the parser stands on. Each is asked for once; the ones that
-/// nobody asked for are refused.
-class Attributes {
- public:
-  Attributes(Parser& parser, const ElementName& element);
-
-  std::string id();
-  std::string string(const char* name, const char* noun, const Needs& needs = Required);
-  std::optional<Decimal> number(const char* name, const char* noun, const NumberRule& rule,
-                                bool required = true);
-  Decimal requiredNumber(const char* name, const char* noun, const NumberRule& rule) {
-    return *number(name, noun, rule);
-  }
-  bool flag(const char* name, const char* noun);
-  std::string account();
-  /// Refuses the attribute if it is there.
-  void forbid(const char* name, const char* noun);
-  /// Refuses what was not asked for.
-  void finish() const;
-
-  const QString& where() const { return where_; }
-
- private:
-  const QXmlStreamAttribute* take(const char* name, const char* noun, bool required);
-  [[noreturn]] void refuse(const char* name, const char* noun, const QString& what) const;
-
-  Parser& parser_;
-  const QXmlStreamAttributes attributes_;
-  quint32 taken_ = 0;
-  QString where_;
-};
-
 class Parser {
  public:
   Parser(QIODevice& device, qint64 total, const SourceReader::Progress& progress)
@@ -167,11 +103,10 @@ class Parser {
   void readBody(ReadResult& result);
 
   [[noreturn]] void refuse(const QString& reason) const { throw Refusal{line_, column_, reason}; }
-  const QXmlStreamReader& xml() const { return xml_; }
-  void claimId(const std::string& id, const QString& where);
-  bool hasAccount(const std::string& id) const { return accounts_.count(id) > 0; }
 
  private:
+  std::string claimId(Attributes& attributes);
+  std::string accountOf(Attributes& attributes) const;
   bool next();
   bool nextIs(const ElementName& element);
   void leaveEmpty(const ElementName& element);
@@ -193,8 +128,9 @@ class Parser {
   IndirectFeeItem readFeeItem();
   void readTotals(DeclaredTotals& totals, MoneyLine& line);
 
-  Decimal amountOf(const QString& where, const char* noun, const Decimal& amount) const;
-  void note(const QString& where, const Decimal& declared, const Decimal& read);
+  Decimal amountOf(const Attributes& attributes, const char* noun, const Decimal& amount) const;
+  void note(const Attributes& attributes, const char* noun, const Decimal& declared,
+            const Decimal& read);
 
   GuardedDevice guard_;
   QXmlStreamReader xml_;
@@ -222,154 +158,6 @@ class Parser {
   std::size_t resourceCount_ = 0;
   std::size_t feeCount_ = 0;
 };
-
-Attributes::Attributes(Parser& parser, const ElementName& element)
-    : parser_(parser), attributes_(parser.xml().attributes()) {
-  where_ = QString::fromUtf8(element.noun);
-  for (const char* name : {"code", "name"}) {
-    const QStringRef value = attributes_.value(QLatin1String(name));
-    if (!value.isEmpty()) where_ += QStringLiteral(" “%1”").arg(clipped(value.toString()));
-  }
-  if (attributes_.size() > 32) {
-    parser_.refuse(QStringLiteral("%1：属性过多，请检查文件是否损坏").arg(where_));
-  }
-}
-
-void Attributes::refuse(const char* name, const char* noun, const QString& what) const {
-  parser_.refuse(QStringLiteral("%1的%2（%3）%4")
-                     .arg(where_, QString::fromUtf8(noun), QLatin1String(name), what));
-}
-
-const QXmlStreamAttribute* Attributes::take(const char* name, const char* noun, bool required) {
-  for (int i = 0; i < attributes_.size(); ++i) {
-    if (attributes_[i].qualifiedName() == QLatin1String(name)) {
-      taken_ |= 1U << static_cast<unsigned>(i);
-      return &attributes_[i];
-    }
-  }
-  if (required) refuse(name, noun, QStringLiteral("缺失：请补上该属性"));
-  return nullptr;
-}
-
-std::string Attributes::id() {
-  const std::string id = string("id", "编号", RequiredCode);
-  const bool plain = std::all_of(id.begin(), id.end(), [](char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' ||
-           c == '_' || c == '.';
-  });
-  if (!plain) {
-    refuse("id", "编号",
-           QStringLiteral("“%1”含有不允许的字符：只能用字母、数字、点、横线和下划线")
-               .arg(clipped(text(id))));
-  }
-  parser_.claimId(id, where_);
-  return id;
-}
-
-std::string Attributes::string(const char* name, const char* noun, const Needs& needs) {
-  const QXmlStreamAttribute* attribute = take(name, noun, needs.required);
-  if (!attribute) return {};
-  const QStringRef value = attribute->value();
-  if (value.size() > needs.maximum) {
-    refuse(name, noun,
-           QStringLiteral("有 %1 个字符，超过 %2 个的上限：请缩短")
-               .arg(value.size())
-               .arg(needs.maximum));
-  }
-  bool blank = true;
-  for (const QChar c : value) {
-    if (c.unicode() < 0x20 && !(needs.lines && c == QLatin1Char('\n'))) {
-      refuse(name, noun, QStringLiteral("含有换行或控制字符：请删除"));
-    }
-    blank = blank && c.isSpace();
-  }
-  if (needs.required && blank) refuse(name, noun, QStringLiteral("为空：请填写"));
-  const QByteArray utf8 = value.toUtf8();
-  return std::string(utf8.constData(), static_cast<std::size_t>(utf8.size()));
-}
-
-std::optional<Decimal> Attributes::number(const char* name, const char* noun,
-                                          const NumberRule& rule, bool required) {
-  const QXmlStreamAttribute* attribute = take(name, noun, required);
-  if (!attribute) return {};
-  const QStringRef value = attribute->value();
-  const auto fault = [&](const QString& what) {
-    refuse(name, noun, QStringLiteral("“%1”%2").arg(clipped(value.toString()), what));
-  };
-  if (value.isEmpty()) refuse(name, noun, QStringLiteral("为空：请填写数值"));
-
-  std::array<char, 48> digits{};
-  std::size_t size = 0;
-  int whole = 0;
-  int places = -1;  // -1 before the point
-  bool leading = true;
-  for (const QChar c : value) {
-    const ushort u = c.unicode();
-    const bool digit = u >= '0' && u <= '9';
-    if (!digit && !(u == '.' && places < 0 && size > 0)) {
-      if (u == '-' && size == 0) fault(QStringLiteral("是负数：请改为不小于 0 的数"));
-      if ((u == 'e' || u == 'E') && size > 0) {
-        fault(QStringLiteral("用了科学计数法：请写成普通小数"));
-      }
-      if (u == ',') fault(QStringLiteral("含有千位分隔符：请去掉"));
-      fault(QStringLiteral("不是数字：请写成普通小数，例如 12.50"));
-    }
-    if (u == '.') {
-      places = 0;
-    } else if (places >= 0) {
-      ++places;
-    } else {
-      leading = leading && u == '0';
-      if (!leading) ++whole;
-    }
-    if (whole > rule.wholeDigits || size == digits.size()) {
-      fault(QStringLiteral("过大或过长：必须小于 %1").arg(QLatin1String(rule.limit)));
-    }
-    digits[size++] = static_cast<char>(u);
-  }
-  if (places == 0) fault(QStringLiteral("不是数字：小数点后没有数字"));
-  if (places > rule.places) {
-    fault(QStringLiteral("的小数超过 %1 位：请取舍到 %1 位").arg(rule.places));
-  }
-  const std::optional<Decimal> number = Decimal::parse({digits.data(), size});
-  if (!number) fault(QStringLiteral("不是数字：请写成普通小数，例如 12.50"));
-  return number;
-}
-
-bool Attributes::flag(const char* name, const char* noun) {
-  const QXmlStreamAttribute* attribute = take(name, noun, false);
-  if (!attribute || attribute->value() == QLatin1String("false")) return false;
-  if (attribute->value() != QLatin1String("true")) {
-    refuse(name, noun,
-           QStringLiteral("“%1”不可识别：只能是 true 或 false")
-               .arg(clipped(attribute->value().toString())));
-  }
-  return true;
-}
-
-std::string Attributes::account() {
-  std::string id = string("account", "成本科目", OptionalCode);
-  if (!id.empty() && !parser_.hasAccount(id)) {
-    refuse("account", "成本科目",
-           QStringLiteral("“%1”不存在：请在成本科目表中补上，或去掉该引用").arg(text(id)));
-  }
-  return id;
-}
-
-void Attributes::forbid(const char* name, const char* noun) {
-  if (take(name, noun, false)) {
-    refuse(name, noun, QStringLiteral("不该出现：这一类文件不携带它，请去掉或改用正确的文件类型"));
-  }
-}
-
-void Attributes::finish() const {
-  for (int i = 0; i < attributes_.size(); ++i) {
-    if (!(taken_ >> static_cast<unsigned>(i) & 1U)) {
-      parser_.refuse(QStringLiteral("%1含有不认识的属性“%2”：请去掉")
-                         .arg(where_, clipped(attributes_[i].qualifiedName().toString())));
-    }
-  }
-}
 
 bool Parser::next() {
   for (;;) {
@@ -461,11 +249,24 @@ void Parser::limit(std::size_t& count, int most, const ElementName& element) {
   }
 }
 
-void Parser::claimId(const std::string& id, const QString& where) {
+std::string Parser::claimId(Attributes& attributes) {
+  std::string id = attributes.id();
   if (!ids_.insert(id).second) {
-    refuse(QStringLiteral("%1的编号（id）“%2”与前面的元素重复：编号在整个文件中必须唯一")
-               .arg(where, text(id)));
+    attributes.refuse(
+        "id", "编号",
+        QStringLiteral("“%1”与前面的元素重复：编号在整个文件中必须唯一").arg(text(id)));
   }
+  return id;
+}
+
+std::string Parser::accountOf(Attributes& attributes) const {
+  std::string id = attributes.string("account", "成本科目", OptionalCode);
+  if (!id.empty() && accounts_.count(id) == 0) {
+    attributes.refuse(
+        "account", "成本科目",
+        QStringLiteral("“%1”不存在：请在成本科目表中补上，或去掉该引用").arg(clipped(text(id))));
+  }
+  return id;
 }
 
 SourceKind Parser::readRoot() {
@@ -473,7 +274,7 @@ SourceKind Parser::readRoot() {
     refuse(QStringLiteral("根元素是“%1”，不是“costSource”：这不是造价源文件，请另选文件")
                .arg(clipped(xml_.qualifiedName().toString())));
   }
-  Attributes attributes(*this, Root);
+  Attributes attributes(xml_, Root, line_, column_);
   const std::string version = attributes.string("version", "格式版本", RequiredCode);
   if (version != "1") {
     refuse(QStringLiteral("文件格式版本是“%1”，本程序只能读版本 1：请升级程序，或按版本 1 重新导出")
@@ -540,8 +341,8 @@ void Parser::readBody(ReadResult& result) {
 }
 
 void Parser::readFacts(ProjectFacts& facts) {
-  Attributes attributes(*this, Project);
-  facts.id = attributes.id();
+  Attributes attributes(xml_, Project, line_, column_);
+  facts.id = claimId(attributes);
   facts.name = attributes.string("name", "名称");
   facts.code = attributes.string("code", "工程编号", OptionalCode);
   facts.builder = attributes.string("builder", "建设单位", Optional);
@@ -573,7 +374,7 @@ void Parser::readFacts(ProjectFacts& facts) {
 }
 
 void Parser::readAccounts() {
-  Attributes(*this, Accounts).finish();
+  Attributes(xml_, Accounts, line_, column_).finish();
   while (next()) {
     if (xml_.qualifiedName() != QLatin1String(Account.tag)) {
       refuseElement(Accounts, QStringLiteral("成本科目（account）"));
@@ -583,7 +384,7 @@ void Parser::readAccounts() {
 }
 
 CostAccount Parser::readAccount(int depth) {
-  Attributes attributes(*this, Account);
+  Attributes attributes(xml_, Account, line_, column_);
   if (depth > SourceBounds::AccountDepth) {
     refuse(QStringLiteral("%1的嵌套超过 %2 层：请减少层次")
                .arg(attributes.where())
@@ -591,7 +392,7 @@ CostAccount Parser::readAccount(int depth) {
   }
   limit(accountCount_, SourceBounds::Accounts, Account);
   CostAccount account;
-  account.id = attributes.id();
+  account.id = claimId(attributes);
   accounts_.insert(account.id);
   account.code = attributes.string("code", "科目编码", RequiredCode);
   account.name = attributes.string("name", "名称");
@@ -620,7 +421,7 @@ CostAccount Parser::readAccount(int depth) {
 }
 
 void Parser::readWorks() {
-  Attributes(*this, Works).finish();
+  Attributes(xml_, Works, line_, column_).finish();
   while (next()) {
     if (xml_.qualifiedName() != QLatin1String(Single.tag)) {
       refuseElement(Works, QStringLiteral("单项工程（singleProject）"));
@@ -633,9 +434,9 @@ void Parser::readWorks() {
 }
 
 SingleProject Parser::readSingle() {
-  Attributes attributes(*this, Single);
+  Attributes attributes(xml_, Single, line_, column_);
   SingleProject project;
-  project.id = attributes.id();
+  project.id = claimId(attributes);
   project.code = attributes.string("code", "编码", OptionalCode);
   project.name = attributes.string("name", "名称");
   attributes.finish();
@@ -651,11 +452,11 @@ SingleProject Parser::readSingle() {
 
 UnitWork Parser::readWork() {
   const QString expected = QStringLiteral("分部（section）或合计（totals）");
-  Attributes attributes(*this, Work);
+  Attributes attributes(xml_, Work, line_, column_);
   std::size_t count = report_.unitWorks.size();
   limit(count, SourceBounds::UnitWorks, Work);
   UnitWork work;
-  work.id = attributes.id();
+  work.id = claimId(attributes);
   work.code = attributes.string("code", "编码", OptionalCode);
   work.name = attributes.string("name", "名称");
   work.specialty = attributes.string("specialty", "专业", Optional);
@@ -687,7 +488,7 @@ UnitWork Parser::readWork() {
 }
 
 Section Parser::readSection(int depth) {
-  Attributes attributes(*this, Part);
+  Attributes attributes(xml_, Part, line_, column_);
   if (depth > SourceBounds::SectionDepth) {
     refuse(QStringLiteral("%1的嵌套超过 %2 层：请减少层次")
                .arg(attributes.where())
@@ -695,7 +496,7 @@ Section Parser::readSection(int depth) {
   }
   limit(sectionCount_, SourceBounds::Sections, Part);
   Section section;
-  section.id = attributes.id();
+  section.id = claimId(attributes);
   section.code = attributes.string("code", "编码", OptionalCode);
   section.name = attributes.string("name", "名称");
   attributes.finish();
@@ -716,27 +517,32 @@ Section Parser::readSection(int depth) {
   return section;
 }
 
-Decimal Parser::amountOf(const QString& where, const char* noun, const Decimal& amount) const {
+Decimal Parser::amountOf(const Attributes& attributes, const char* noun,
+                         const Decimal& amount) const {
   static const Decimal most = *Decimal::parse(Amount.limit);
   if (amount >= most) {
     refuse(QStringLiteral("%1的%2 %3 过大：必须小于 %4，请检查数量和单价")
-               .arg(where, QString::fromUtf8(noun), money(amount), QLatin1String(Amount.limit)));
+               .arg(attributes.where(), QString::fromUtf8(noun), money(amount),
+                    QLatin1String(Amount.limit)));
   }
   return amount;
 }
 
-void Parser::note(const QString& where, const Decimal& declared, const Decimal& read) {
+void Parser::note(const Attributes& attributes, const char* noun, const Decimal& declared,
+                  const Decimal& read) {
   if (declared == read) return;
   if (++report_.differenceCount <= MoneyReport::ListedDifferences) {
-    report_.differences.push_back({where, declared, read, line_, column_});
+    report_.differences.push_back(
+        {QStringLiteral("%1的%2").arg(attributes.where(), QString::fromUtf8(noun)), declared, read,
+         line_, column_});
   }
 }
 
 Bill Parser::readBill() {
-  Attributes attributes(*this, BillRow);
+  Attributes attributes(xml_, BillRow, line_, column_);
   limit(billCount_, SourceBounds::Bills, BillRow);
   Bill bill;
-  bill.id = attributes.id();
+  bill.id = claimId(attributes);
   bill.code = attributes.string("code", "项目编码", RequiredCode);
   if (bill.code.size() != 12 || !std::all_of(bill.code.begin(), bill.code.end(),
                                              [](char c) { return c >= '0' && c <= '9'; })) {
@@ -747,7 +553,7 @@ Bill Parser::readBill() {
   bill.features =
       attributes.string("features", "项目特征", {false, SourceBounds::FeatureCharacters, true});
   bill.unit = attributes.string("unit", "计量单位", {true, SourceBounds::UnitCharacters});
-  bill.accountId = attributes.account();
+  bill.accountId = accountOf(attributes);
   bill.quantity = attributes.requiredNumber("quantity", "工程量", Quantity);
   if (rules_.billPrices) {
     bill.unitPrice = attributes.requiredNumber("unitPrice", "综合单价", UnitPrice);
@@ -758,9 +564,8 @@ Bill Parser::readBill() {
   }
   attributes.finish();
   if (bill.unitPrice) {
-    const Decimal amount =
-        amountOf(attributes.where(), "合价", billAmount(bill.quantity, *bill.unitPrice));
-    note(attributes.where() + QStringLiteral("的合价"), *bill.declaredAmount, amount);
+    const Decimal amount = amountOf(attributes, "合价", billAmount(bill.quantity, *bill.unitPrice));
+    note(attributes, "合价", *bill.declaredAmount, amount);
     workMoney_.bills += amount;
   }
   while (next()) {
@@ -773,10 +578,10 @@ Bill Parser::readBill() {
 }
 
 Resource Parser::readResource(const Bill& bill) {
-  Attributes attributes(*this, ResourceRow);
+  Attributes attributes(xml_, ResourceRow, line_, column_);
   limit(resourceCount_, SourceBounds::Resources, ResourceRow);
   Resource resource;
-  resource.id = attributes.id();
+  resource.id = claimId(attributes);
   const std::string category = attributes.string("category", "类别", RequiredCode);
   const std::optional<ResourceCategory> known = categoryOfName(category);
   if (!known) {
@@ -788,7 +593,7 @@ Resource Parser::readResource(const Bill& bill) {
   resource.name = attributes.string("name", "名称");
   resource.spec = attributes.string("spec", "规格型号", Optional);
   resource.unit = attributes.string("unit", "单位", {true, SourceBounds::UnitCharacters});
-  resource.accountId = attributes.account();
+  resource.accountId = accountOf(attributes);
   resource.content = attributes.requiredNumber("content", "含量", Content);
   if (rules_.resourcePrices) {
     resource.price = attributes.requiredNumber("price", "不含税单价", ResourcePrice);
@@ -800,14 +605,14 @@ Resource Parser::readResource(const Bill& bill) {
   resource.provisional = attributes.flag("provisional", "暂估标记");
   resource.priceAdjustable = attributes.flag("priceAdjustable", "可调价标记");
   attributes.finish();
-  workMoney_.resources += amountOf(attributes.where(), "合价",
-                                   resourceAmount(bill.quantity, resource.content, resource.price));
+  workMoney_.resources +=
+      amountOf(attributes, "合价", resourceAmount(bill.quantity, resource.content, resource.price));
   leaveEmpty(ResourceRow);
   return resource;
 }
 
 void Parser::readFees() {
-  Attributes(*this, Fees).finish();
+  Attributes(xml_, Fees, line_, column_).finish();
   while (next()) {
     if (xml_.qualifiedName() != QLatin1String(FeeGroup.tag)) {
       refuseElement(Fees, QStringLiteral("间接费分组（group）"));
@@ -817,7 +622,7 @@ void Parser::readFees() {
 }
 
 IndirectFeeGroup Parser::readFeeGroup(int depth, const std::string& workId) {
-  Attributes attributes(*this, FeeGroup);
+  Attributes attributes(xml_, FeeGroup, line_, column_);
   if (depth > SourceBounds::FeeGroupDepth) {
     refuse(QStringLiteral("%1的嵌套超过 %2 层：请减少层次")
                .arg(attributes.where())
@@ -825,7 +630,7 @@ IndirectFeeGroup Parser::readFeeGroup(int depth, const std::string& workId) {
   }
   limit(feeCount_, SourceBounds::FeeItems, FeeGroup);
   IndirectFeeGroup group;
-  group.id = attributes.id();
+  group.id = claimId(attributes);
   group.code = attributes.string("code", "编码", OptionalCode);
   group.name = attributes.string("name", "名称");
   if (depth == 1) {
@@ -863,14 +668,14 @@ IndirectFeeGroup Parser::readFeeGroup(int depth, const std::string& workId) {
 }
 
 IndirectFeeItem Parser::readFeeItem() {
-  Attributes attributes(*this, FeeItem);
+  Attributes attributes(xml_, FeeItem, line_, column_);
   limit(feeCount_, SourceBounds::FeeItems, FeeItem);
   IndirectFeeItem item;
-  item.id = attributes.id();
+  item.id = claimId(attributes);
   item.code = attributes.string("code", "编码", OptionalCode);
   item.name = attributes.string("name", "名称");
   item.basis = attributes.string("basis", "计算基础", Optional);
-  item.accountId = attributes.account();
+  item.accountId = accountOf(attributes);
   item.base = attributes.number("base", "基数", Amount, false);
   item.rate = attributes.number("rate", "费率", Rate, false);
   item.declaredAmount = attributes.requiredNumber("amount", "金额", Amount);
@@ -881,8 +686,8 @@ IndirectFeeItem Parser::readFeeItem() {
                     item.base ? QStringLiteral("基数（base）") : QStringLiteral("费率（rate）")));
   }
   if (item.base) {
-    const Decimal amount = amountOf(attributes.where(), "金额", feeAmount(*item.base, *item.rate));
-    note(attributes.where() + QStringLiteral("的金额"), item.declaredAmount, amount);
+    const Decimal amount = amountOf(attributes, "金额", feeAmount(*item.base, *item.rate));
+    note(attributes, "金额", item.declaredAmount, amount);
   }
   leaveEmpty(FeeItem);
   return item;
@@ -894,7 +699,7 @@ void Parser::readTotals(DeclaredTotals& totals, MoneyLine& line) {
   }
   line.line = line_;
   line.column = column_;
-  Attributes attributes(*this, Totals);
+  Attributes attributes(xml_, Totals, line_, column_);
   if (rules_.billPrices) {
     totals.bills = attributes.requiredNumber("bills", "清单合计", Sum);
   } else {
@@ -907,52 +712,6 @@ void Parser::readTotals(DeclaredTotals& totals, MoneyLine& line) {
   line.resources.declared = totals.resources;
   line.fees.declared = totals.fees;
   leaveEmpty(Totals);
-}
-
-QString figureText(const char* noun, const MoneyFigure& figure) {
-  const QString name = QString::fromUtf8(noun);
-  if (!figure.declared) return QStringLiteral("%1未申报，读入 %2").arg(name, money(figure.read));
-  if (figure.agrees()) {
-    return QStringLiteral("%1申报 %2，读入 %3，一致")
-        .arg(name, money(*figure.declared), money(figure.read));
-  }
-  return QStringLiteral("%1申报 %2，读入 %3，相差 %4")
-      .arg(name, money(*figure.declared), money(figure.read),
-           money(figure.read - *figure.declared));
-}
-
-QString lineText(const QString& title, const MoneyLine& line) {
-  return QStringLiteral("%1：%2；%3；%4")
-      .arg(title, figureText("清单合计", line.bills), figureText("人材机合计", line.resources),
-           figureText("间接费合计", line.fees));
-}
-
-/// The first difference of a report, as the reason of a refusal.
-void explainDifference(ReadResult& result) {
-  const QString cure =
-      QStringLiteral("。请让编制方核对后重新导出；确认无误时也可以选择按读入的金额继续");
-  const MoneyReport& report = result.report;
-  if (!report.differences.empty()) {
-    const MoneyDifference& first = report.differences.front();
-    result.line = first.line;
-    result.column = first.column;
-    result.reason = QStringLiteral("%1申报 %2，计算得 %3，相差 %4")
-                        .arg(first.place, money(first.declared), money(first.read),
-                             money(first.read - first.declared)) +
-                    cure;
-    return;
-  }
-  const auto work = std::find_if(report.unitWorks.begin(), report.unitWorks.end(),
-                                 [](const MoneyLine& line) { return !line.agrees(); });
-  const bool inWork = work != report.unitWorks.end();
-  const MoneyLine& line = inWork ? *work : report.project;
-  result.line = line.line;
-  result.column = line.column;
-  result.reason = lineText(QStringLiteral("%1“%2”的金额前后不一致")
-                               .arg(inWork ? QStringLiteral("单位工程") : QStringLiteral("工程"),
-                                    text(line.name)),
-                           line) +
-                  cure;
 }
 
 ReadResult refused(const QString& reason) {
@@ -1025,7 +784,10 @@ ReadResult readDevice(QIODevice& device, const QString& path, qint64 total,
   if (!result.report.agrees() && !allowMoneyDifference) {
     result.status = ReadResult::Status::MoneyDiffers;
     result.document = SourceDocument();
-    explainDifference(result);
+    const MoneyReport::Explanation first = result.report.explanation();
+    result.line = first.line;
+    result.column = first.column;
+    result.reason = first.reason;
     return result;
   }
   result.status = ReadResult::Status::Ok;
@@ -1033,30 +795,6 @@ ReadResult readDevice(QIODevice& device, const QString& path, qint64 total,
 }
 
 }  // namespace
-
-bool MoneyReport::agrees() const {
-  return differenceCount == 0 && project.agrees() &&
-         std::all_of(unitWorks.begin(), unitWorks.end(),
-                     [](const MoneyLine& line) { return line.agrees(); });
-}
-
-QString MoneyReport::toText() const {
-  QStringList lines;
-  lines << lineText(QStringLiteral("工程“%1”").arg(text(project.name)), project);
-  for (const MoneyLine& work : unitWorks) {
-    lines << lineText(QStringLiteral("单位工程“%1”").arg(text(work.name)), work);
-  }
-  for (const MoneyDifference& difference : differences) {
-    lines << QStringLiteral("第 %1 行第 %2 列：%3申报 %4，计算得 %5")
-                 .arg(difference.line)
-                 .arg(difference.column)
-                 .arg(difference.place, money(difference.declared), money(difference.read));
-  }
-  if (differenceCount > differences.size()) {
-    lines << QStringLiteral("另有 %1 处金额不一致").arg(differenceCount - differences.size());
-  }
-  return lines.join(QLatin1Char('\n'));
-}
 
 QString ReadResult::message() const {
   if (line <= 0) return reason;
