@@ -90,17 +90,19 @@ bool LinesOperator::isCheckable(const proxy::Element* /*element*/,
 
 void addColumns(domain::DisplayTable& table) {
   domain::DataField text;
-  domain::DataField number;
-  number.type = domain::FloatingPointField;
-  number.precision = 2;
-  number.thousandsSeparators = true;
+  domain::DataField money;
+  money.type = domain::FloatingPointField;
+  money.precision = 2;
+  money.thousandsSeparators = true;
+  domain::DataField quantity = money;
+  quantity.precision = 3;
   const auto add = [&](const char* key, const char* title, domain::DataField field) {
     field.displayName = title;
     table.getHeader()->addColumn(key, std::move(field));
   };
   add("name", "名称", text);
   add("unit", "单位", text);
-  add("quantity", "工程量", number);
-  add("price", "单价（元）", number);
-  add("amount", "合价（元）", number);
+  add("quantity", "工程量", quantity);
+  add("price", "单价（元）", money);
+  add("amount", "合价（元）", money);
 }

@@ -51,7 +51,7 @@ bool checkEditAndUndo(LinesPage& page, QAction& undo) {
   undo.trigger();
   steps << shown();
   QTextStream(stdout) << steps.join('\n') << '\n';
-  return steps == QStringList{"120.50|62,660.00", "200.00|104,000.00", "120.50|62,660.00"};
+  return steps == QStringList{"120.500|62,660.00", "200.000|104,000.00", "120.500|62,660.00"};
 }
 
 }  // namespace
