@@ -45,6 +45,8 @@ class ResItemController : public abst::qce::QCEResItemController, private record
   void rearranged(records::ResourceGroup& group) override;
   void stepFinished() override;
   void note(proxy::Element* element);
+  /// Whether the element is among the model's rows; those of other sub-projects may not be.
+  bool isShown(const proxy::Element* element) const;
 
   records::Project& project_;
   abst::qce::QCEResItemModel* model_ = nullptr;
@@ -53,6 +55,7 @@ class ResItemController : public abst::qce::QCEResItemController, private record
   std::vector<scoped_refptr<proxy::Element>> changed_;
   std::unordered_set<proxy::Element*> known_;
   bool rebuild_ = false;
+  bool announced_ = false;  // between a begin and its end
 };
 
 }  // namespace controllers

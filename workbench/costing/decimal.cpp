@@ -1,8 +1,10 @@
 #include "workbench/costing/decimal.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <stdexcept>
 
 namespace costing {
@@ -88,6 +90,7 @@ std::optional<Decimal> Decimal::fromDouble(double value) {
 }
 
 std::string Decimal::toString(int places) const {
+  places = std::clamp(places, 0, Places);
   const Decimal shown = rounded(places);
   std::string text = Units(boost::multiprecision::abs(shown.units_)).str();
   if (text.size() <= Places) text.insert(0, Places + 1 - text.size(), '0');
@@ -103,6 +106,27 @@ std::string Decimal::toString() const {
   text.resize(text.find_last_not_of('0') + 1);
   if (text.back() == '.') text.pop_back();
   return text;
+}
+
+Decimal Decimal::fromDigits(std::int64_t digits, int places) {
+  // At most 19 digits and 12 zeros: in range.
+  Decimal result;
+  result.units_ = Units(digits) * Units(powerOfTen(Places - std::clamp(places, 0, Places)));
+  return result;
+}
+
+std::optional<std::int64_t> Decimal::significantDigits(int& places) const {
+  Units digits = units_;
+  places = Places;
+  while (places > 0 && digits % 10 == 0) {
+    digits /= 10;
+    --places;
+  }
+  if (digits > std::numeric_limits<std::int64_t>::max() ||
+      digits < std::numeric_limits<std::int64_t>::min()) {
+    return {};
+  }
+  return digits.convert_to<std::int64_t>();
 }
 
 double Decimal::toDouble() const {

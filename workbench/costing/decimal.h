@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/multiprecision/cpp_int.hpp>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,9 +28,15 @@ class Decimal {
 
   /// Plain text without trailing zeros: "12.5", "-0.03", "0".
   std::string toString() const;
-  /// Text with exactly `places` digits after the point, rounded half away from zero.
+  /// Text with exactly `places` (0 to 12) digits after the point, rounded half away from zero.
   std::string toString(int places) const;
   double toDouble() const;
+
+  /// digits × 10^-places, for places from 0 to 12.
+  static Decimal fromDigits(std::int64_t digits, int places);
+  /// The value as digits and the least number of `places` (0 to 12); empty when the digits do not
+  /// fit.
+  std::optional<std::int64_t> significantDigits(int& places) const;
 
   /// Rounded half away from zero to `places` (0 to 12) digits after the point.
   Decimal rounded(int places) const;

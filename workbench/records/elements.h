@@ -23,6 +23,7 @@ class CostAccount : public Branch {
   using Branch::Branch;
 
   std::string sourceId, code, name;
+  std::string label;  ///< "code name", as cells show it
   std::optional<Category> defaultFor;
 };
 
@@ -88,6 +89,8 @@ class ResourceItem : public Record {
   bool provisional() const { return provisional_; }
   bool priceAdjustable() const { return priceAdjustable_; }
   bool associated() const { return associated_; }
+  /// Budget items were gathered to it: it cannot be removed.
+  bool gathered() const { return gathered_; }
   /// The place in its group that is stored; a sorted view may show another.
   int position() const { return position_; }
 
@@ -101,6 +104,7 @@ class ResourceItem : public Record {
 
  private:
   friend class Project;
+  friend class ProjectBuilder;
 
   /// Computes the amounts from the fields; throws std::overflow_error where one does not fit.
   void recompute();
@@ -112,6 +116,7 @@ class ResourceItem : public Record {
   int position_ = 0;
   Category category_ = Category::Material;
   bool ownerSupplied_ = false, provisional_ = false, priceAdjustable_ = false, associated_ = false;
+  bool gathered_ = false;
 };
 
 /// A grouping row of the resource items: a sub-project, or one category in it.

@@ -97,7 +97,8 @@ class Project {
   void set(ResourceItem& item, ItemField field, const FieldValue& value);
   /// Appends an item to the group of its category.
   void add(StructureNode& unitWork, const ResourceItemData& data);
-  void remove(ResourceItem& item);
+  /// False, and nothing removed, for an item that budget items were gathered to.
+  bool remove(ResourceItem& item);
   /// Moves the item one row up or down inside its group; the order that the rows then have becomes
   /// the stored one. False when there is no row to pass.
   bool moveUp(ResourceItem& item);

@@ -16,6 +16,7 @@ class ProjectBuilder {
   Bill& addBill(StructureNode& section, std::int64_t id);
   BudgetItem& addBudgetItem(Bill& bill, std::int64_t id);
   ResourceItem& addItem(StructureNode& unitWork, const ResourceItemData& data);
+  void gather(BudgetItem& budgetItem, ResourceItem& item);
   IndirectFeeGroup& addFeeGroup(IndirectFeeGroup* parent, std::int64_t id);
   IndirectFeeItem& addFeeItem(IndirectFeeGroup& group, std::int64_t id);
 

@@ -44,8 +44,9 @@ class UndoHistory : public QObject, public app::UndoService {
   QString name_;
   int depth_ = 0;
   bool abandoned_ = false;
-  bool skip_ = false;   // the command's records are already as they should be
-  int restoreTo_ = -1;  // index of the stack after a failed undo or redo
+  bool skip_ = false;    // the records are already as the command would leave them
+  bool failed_ = false;  // the step that the stack is about to count was taken back
+  int done_ = 0;         // how many of the stack's commands the records have
 };
 
 }  // namespace services

@@ -1,0 +1,23 @@
+#include "workbench/controllers/open_project.h"
+
+#include <utility>
+
+namespace controllers {
+
+std::unique_ptr<OpenProject> OpenProject::open(const QString& path, store::Failure& failure,
+                                               const store::Progress& progress) {
+  std::unique_ptr<store::ProjectFile> file = store::ProjectFile::open(path, failure, progress);
+  if (!file) return nullptr;
+  return std::unique_ptr<OpenProject>(new OpenProject(std::move(file)));
+}
+
+OpenProject::OpenProject(std::unique_ptr<store::ProjectFile> file)
+    : file_(std::move(file)),
+      undo_(std::make_unique<services::UndoHistory>(
+          file_->project(), [this](const records::ChangeSet& changes,
+                                   QString& message) { return file_->commit(changes, message); })),
+      resItemTable_(operators::makeResItemTable()),
+      resItemOperator_(std::make_unique<operators::ResItemOperator>(file_->project())),
+      resItemController_(std::make_unique<ResItemController>(file_->project())) {}
+
+}  // namespace controllers

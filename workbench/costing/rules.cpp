@@ -1,0 +1,63 @@
+#include "workbench/costing/rules.h"
+
+#include <algorithm>
+#include <array>
+
+namespace costing {
+namespace {
+
+constexpr std::array<std::string_view, 24> CountedUnits = {
+    "个", "台", "套", "根", "件", "只", "组",   "樘", "块", "座", "副", "项",
+    "把", "支", "片", "张", "条", "株", "系统", "站", "处", "部", "口", "棵"};
+
+Decimal withTax(const Decimal& taxRate) {
+  return Decimal(1) + taxRate / 100;
+}
+
+}  // namespace
+
+int quantityPlaces(std::string_view unit) {
+  const bool counted =
+      std::find(CountedUnits.begin(), CountedUnits.end(), unit) != CountedUnits.end();
+  return counted ? 2 : MaxQuantityPlaces;
+}
+
+Decimal storedQuantity(const Decimal& quantity, std::string_view unit) {
+  return quantity.rounded(quantityPlaces(unit));
+}
+
+Decimal consumption(const Decimal& billQuantity, const Decimal& content) {
+  return billQuantity * content;
+}
+
+Decimal budgetAmount(const Decimal& billQuantity, const Decimal& content, const Decimal& price) {
+  return (consumption(billQuantity, content) * price).rounded(MoneyPlaces);
+}
+
+Decimal includedTaxPrice(const Decimal& price, const Decimal& taxRate) {
+  return price * withTax(taxRate);
+}
+
+Decimal excludedTaxAmount(const Decimal& quantity, const Decimal& price) {
+  return (quantity * price).rounded(MoneyPlaces);
+}
+
+Decimal includedTaxAmount(const Decimal& quantity, const Decimal& price, const Decimal& taxRate) {
+  return (quantity * price * withTax(taxRate)).rounded(MoneyPlaces);
+}
+
+Totals& Totals::operator+=(const Totals& other) {
+  budget += other.budget;
+  excluded += other.excluded;
+  included += other.included;
+  return *this;
+}
+
+Totals& Totals::operator-=(const Totals& other) {
+  budget -= other.budget;
+  excluded -= other.excluded;
+  included -= other.included;
+  return *this;
+}
+
+}  // namespace costing

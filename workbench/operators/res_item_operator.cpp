@@ -1,0 +1,493 @@
+#include "workbench/operators/res_item_operator.h"
+
+#include <array>
+#include <optional>
+#include <stdexcept>
+#include <unordered_map>
+#include <utility>
+
+#include "host/app/scoped_undo.h"
+#include "host/app/services.h"
+#include "host/base/number_text.h"
+#include "host/domain/field_keys.h"
+#include "host/domain/qce/res_item_marks.h"
+
+namespace operators {
+namespace {
+
+using costing::Decimal;
+using costing::PackedDecimal;
+using domain::Value;
+using records::ItemField;
+using records::ResourceGroup;
+using records::ResourceItem;
+
+constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbers are the toolkit's
+
+constexpr int MaxPricePlaces = 6;
+constexpr int MaxTaxRatePlaces = 4;
+constexpr std::size_t MaxCodeBytes = 64 * 3;
+constexpr std::size_t MaxTextBytes = 500 * 3;
+constexpr std::size_t MaxAnnotationBytes = 4000 * 3;
+
+enum Column {
+  Association,
+  Account,
+  Type,
+  Code,
+  Name,
+  Spec,
+  Unit,
+  Amount,
+  Budget,
+  ExcludedPrice,
+  TaxRate,
+  IncludedPrice,
+  ExcludedTotal,
+  IncludedTotal,
+  OwnerSupplied,
+  Provisional,
+  PriceAdjustable,
+  Comment,
+  ColumnCount
+};
+
+struct ColumnInfo {
+  const std::string& key;
+  const char* name;
+  int type;
+  int width;
+  std::optional<ItemField> field;  ///< when it can be edited
+  bool money = false;
+};
+
+// A function, since the keys must be there first.
+const std::array<ColumnInfo, ColumnCount>& columns() {
+  using namespace domain;
+  static const std::array<ColumnInfo, ColumnCount> all = {{
+      {keys::BRIAssociation, "关联", StringField, 50, {}},
+      {keys::CostAccount, "成本科目", StringField, 150, ItemField::Account},
+      {keys::BRIType, "类别", StringField, 60, {}},
+      {keys::BRICode, "编码", StringField, 110, ItemField::Code},
+      {keys::BRIName, "名称", StringField, 180, ItemField::Name},
+      {keys::BRISpec, "规格型号", StringField, 140, ItemField::Spec},
+      {keys::BRIUnit, "单位", StringField, 60, {}},
+      {keys::BRIAmount, "数量", FloatingPointField, 110, {}},
+      {keys::BRIBudgetTotalCost, "预算合价（元）", FloatingPointField, 130, {}, true},
+      {keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 130, ItemField::Price,
+       true},
+      {keys::BRITaxRate, "税率（%）", FloatingPointField, 80, ItemField::TaxRate},
+      {keys::BRIIncludedTaxFee, "含税单价（元）", FloatingPointField, 120, {}, true},
+      {keys::BRIExcludedTaxTotalCost, "不含税合价（元）", FloatingPointField, 130, {}, true},
+      {keys::BRIIncludedTaxTotalCost, "含税合价（元）", FloatingPointField, 130, {}, true},
+      {keys::BRIIsProvidedByJia, "甲供", BoolField, 50, ItemField::OwnerSupplied},
+      {keys::BRIProvisional, "暂估", BoolField, 50, ItemField::Provisional},
+      {keys::BRIPriceAdjustable, "可调价", BoolField, 60, ItemField::PriceAdjustable},
+      {keys::BRIComment, "批注", StringField, 180, ItemField::Annotation},
+  }};
+  return all;
+}
+
+int columnOf(const std::string& key) {
+  static const std::unordered_map<std::string, int> numbers = [] {
+    std::unordered_map<std::string, int> result;
+    for (int i = 0; i < ColumnCount; ++i) result[columns()[static_cast<std::size_t>(i)].key] = i;
+    return result;
+  }();
+  const auto found = numbers.find(key);
+  return found == numbers.end() ? -1 : found->second;
+}
+
+const ResourceItem* itemOf(const proxy::Element* element) {
+  return dynamic_cast<const ResourceItem*>(element);
+}
+
+ResourceItem* itemOf(proxy::Element* element) {
+  return dynamic_cast<ResourceItem*>(element);
+}
+
+bool refuse(const std::string& message) {
+  app::qce::GetQCEChannel()->message(message, OkButton);
+  return false;
+}
+
+std::string nameOf(const ResourceItem& item) {
+  return "“" + item.code().str() + " " + item.name().str() + "”";
+}
+
+/// The exact decimal that was typed or handed over; nothing for the empty value and blank text.
+/// False for what is no number.
+bool readDecimal(const Value& value, std::optional<Decimal>& out) {
+  if (std::holds_alternative<std::monostate>(value)) return true;
+  if (const auto* number = std::get_if<double>(&value)) {
+    out = Decimal::fromDouble(*number);
+  } else if (const auto* integer = std::get_if<int>(&value)) {
+    out = Decimal(*integer);
+  } else if (const auto* text = std::get_if<std::string>(&value)) {
+    if (text->empty()) return true;
+    out = Decimal::parse(*text);
+  }
+  return out.has_value();
+}
+
+std::optional<bool> readBool(const Value& value) {
+  if (const auto* flag = std::get_if<bool>(&value)) return *flag;
+  if (const auto* number = std::get_if<int>(&value)) return *number != 0;
+  if (std::holds_alternative<std::monostate>(value)) return false;
+  return {};
+}
+
+std::string trimmed(const std::string& text) {
+  constexpr char Blanks[] = " \t\r\n";
+  const auto first = text.find_first_not_of(Blanks);
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
+}
+
+bool flag(const ResourceItem& item, int column) {
+  return column == OwnerSupplied ? item.ownerSupplied()
+         : column == Provisional ? item.provisional()
+                                 : item.priceAdjustable();
+}
+
+bool isFlag(int column) {
+  return column == OwnerSupplied || column == Provisional || column == PriceAdjustable;
+}
+
+}  // namespace
+
+std::unique_ptr<domain::DisplayTable> makeResItemTable() {
+  auto table = std::make_unique<domain::DisplayTable>("QCE_ResItem");
+  domain::DisplayRow& header = *table->getHeader();
+  for (const ColumnInfo& info : columns()) {
+    domain::DataField field;
+    field.displayName = info.name;
+    field.type = info.type;
+    if (info.type == domain::FloatingPointField) {
+      field.precision = info.money ? costing::MoneyPlaces : costing::MaxQuantityPlaces;
+      field.stripTrailingZeros = !info.money;
+      field.thousandsSeparators = info.money;
+      field.zeroShowsEmpty = false;
+    }
+    header.addColumn(info.key, std::move(field)).width = info.width;
+  }
+  header.addHeaderGroup(
+      "QCE_ResItemPrice", "成本单价",
+      {domain::keys::BRIExcludedTaxFee, domain::keys::BRITaxRate, domain::keys::BRIIncludedTaxFee});
+  header.addHeaderGroup(
+      "QCE_ResItemTotal", "成本合价",
+      {domain::keys::BRIExcludedTaxTotalCost, domain::keys::BRIIncludedTaxTotalCost});
+  header.addHeaderGroup("QCE_ResItemFlags", "标记",
+                        {domain::keys::BRIIsProvidedByJia, domain::keys::BRIProvisional,
+                         domain::keys::BRIPriceAdjustable});
+  return table;
+}
+
+ResItemOperator::ResItemOperator(records::Project& project) : project_(project) {
+  rebuildGroup();
+}
+
+ResItemOperator::~ResItemOperator() = default;
+
+proxy::ElementGroup* ResItemOperator::getRoot() {
+  return root_.get();
+}
+
+bool ResItemOperator::display(const ResourceItem& item, int column, Value& out) const {
+  switch (column) {
+    case Association: {
+      static const std::string mark = "√";
+      static const std::string none;
+      domain::AssignText(out, item.associated() ? mark : none);
+      return true;
+    }
+    case Account: {
+      static const std::string none;
+      domain::AssignText(out, item.account() != nullptr ? item.account()->label : none);
+      return true;
+    }
+    case Type:
+      domain::AssignText(out, records::nameOf(item.category()));
+      return true;
+    case Code:
+      domain::AssignText(out, item.code().str());
+      return true;
+    case Name:
+      domain::AssignText(out, item.name().str());
+      return true;
+    case Spec:
+      domain::AssignText(out, item.spec().str());
+      return true;
+    case Unit:
+      domain::AssignText(out, item.unit().str());
+      return true;
+    case Amount:
+      out = item.quantity().toDouble();
+      return true;
+    case Budget:
+      out = item.budgetAmount().toDouble();
+      return true;
+    case ExcludedPrice:
+      out = item.price().toDouble();
+      return true;
+    case TaxRate:
+      out = item.taxRate().toDouble();
+      return true;
+    case IncludedPrice:
+      out = costing::includedTaxPrice(item.price().value(), item.taxRate().value()).toDouble();
+      return true;
+    case ExcludedTotal:
+      out = item.excludedAmount().toDouble();
+      return true;
+    case IncludedTotal:
+      out = item.includedAmount().toDouble();
+      return true;
+    case OwnerSupplied:
+    case Provisional:
+    case PriceAdjustable:
+      out = flag(item, column);
+      return true;
+    case Comment:
+      domain::AssignText(out, item.annotation().str());
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool ResItemOperator::displayGroup(const ResourceGroup& group, int column, Value& out) const {
+  switch (column) {
+    case Name:
+      domain::AssignText(
+          out, group.category() ? records::nameOf(*group.category()) : group.unitWork().name);
+      return true;
+    case Code:
+      if (group.category()) return false;
+      domain::AssignText(out, group.unitWork().code);
+      return true;
+    case Amount:
+    case ExcludedPrice:
+    case TaxRate:
+    case IncludedPrice: {
+      // An empty text: a missing number would be shown as 0.
+      static const std::string none;
+      domain::AssignText(out, none);
+      return true;
+    }
+    case Budget:
+      out = group.totals().budget.toDouble();
+      return true;
+    case ExcludedTotal:
+      out = group.totals().excluded.toDouble();
+      return true;
+    case IncludedTotal:
+      out = group.totals().included.toDouble();
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool ResItemOperator::getValue(const proxy::Element* element, const std::string& key, int role,
+                               Value& out) const {
+  const int column = columnOf(key);
+  if (column < 0) return false;
+  const ResourceItem* item = itemOf(element);
+  if (item == nullptr) {
+    const auto* group = dynamic_cast<const ResourceGroup*>(element);
+    if (group == nullptr) return false;
+    switch (role) {
+      case domain::DisplayRole:
+        return displayGroup(*group, column, out);
+      case domain::FontRole:
+        out = base::Font{true, "Noto Sans CJK SC"};
+        return true;
+      case domain::BackgroundRole:
+        out = group->category() ? base::Color{245, 248, 252} : base::Color{226, 236, 247};
+        return true;
+      default:
+        return false;
+    }
+  }
+  switch (role) {
+    case domain::DisplayRole:
+    case domain::EditRole:
+      // A flag is a check box, without a text beside it.
+      if (isFlag(column) && role == domain::DisplayRole) return false;
+      return display(*item, column, out);
+    case domain::CheckStateRole:
+      if (!isFlag(column)) return false;
+      out = flag(*item, column);
+      return true;
+    case domain::BackgroundRole:
+      if (column == Name && !item->annotation().empty()) {
+        out = domain::qce::marks::Annotated;
+      } else if (item->ownerSupplied()) {
+        out = domain::qce::marks::ProvidedByJia;
+      } else {
+        return false;
+      }
+      return true;
+    case domain::ForegroundRole:
+      if (!item->provisional()) return false;
+      out = domain::qce::marks::Provisional;
+      return true;
+    case domain::ToolTipRole:
+      if (item->annotation().empty()) return false;
+      domain::AssignText(out, item->annotation().str());
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool ResItemOperator::getField(const proxy::Element* element, const std::string& key,
+                               Value& out) const {
+  const int column = columnOf(key);
+  if (column < 0) return false;
+  if (const ResourceItem* item = itemOf(element)) return display(*item, column, out);
+  const auto* group = dynamic_cast<const ResourceGroup*>(element);
+  if (group == nullptr) return false;
+  if (displayGroup(*group, column, out)) return true;
+  // Filters read flags and texts of every row, grouping rows too.
+  const int type = columns()[static_cast<std::size_t>(column)].type;
+  if (type == domain::BoolField) {
+    out = false;
+  } else if (type == domain::StringField) {
+    out = std::string();
+  } else {
+    return false;
+  }
+  return true;
+}
+
+bool ResItemOperator::setValue(proxy::Element* element, const std::string& key, const Value& value,
+                               int role) {
+  const int column = columnOf(key);
+  ResourceItem* item = itemOf(element);
+  if (column < 0 || item == nullptr) return false;
+  const std::optional<ItemField> field = columns()[static_cast<std::size_t>(column)].field;
+  if (!field || (role != domain::EditRole && !(role == domain::CheckStateRole && isFlag(column)))) {
+    return false;
+  }
+  const std::string& title = records::nameOf(*field);
+  const auto write = [&](const records::FieldValue& content) {
+    const app::ScopedUndo undo("");
+    try {
+      project_.set(*item, *field, content);
+    } catch (const std::overflow_error&) {
+      return refuse(nameOf(*item) + "的" + title + "过大，合价超出可计算的范围，未修改。");
+    }
+    return true;
+  };
+
+  switch (*field) {
+    case ItemField::OwnerSupplied:
+    case ItemField::Provisional:
+    case ItemField::PriceAdjustable: {
+      const std::optional<bool> on = readBool(value);
+      return on && write(*on);
+    }
+    case ItemField::Price:
+    case ItemField::TaxRate: {
+      // A cleared price is no price: 0, as in a list that is still to be priced.
+      std::optional<Decimal> number;
+      if (!readDecimal(value, number)) {
+        return refuse(nameOf(*item) + "的" + title + "应为数字，请重新输入。");
+      }
+      const Decimal content = number.value_or(Decimal());
+      const bool price = *field == ItemField::Price;
+      const Decimal limit = price ? Decimal(1000000000) : Decimal(100);
+      if (content.isNegative() || content > limit) {
+        return refuse(nameOf(*item) + "的" + title + "应在 0 到 " +
+                      (price ? "1,000,000,000" : "100") + " 之间，请重新输入。");
+      }
+      const int places = price ? MaxPricePlaces : MaxTaxRatePlaces;
+      if (content.rounded(places) != content) {
+        return refuse(nameOf(*item) + "的" + title + "最多 " + std::to_string(places) +
+                      " 位小数，请重新输入。");
+      }
+      return write(PackedDecimal(content));
+    }
+    default:
+      break;
+  }
+
+  std::string text;
+  if (const auto* typed = std::get_if<std::string>(&value)) {
+    text = *field == ItemField::Annotation ? *typed : trimmed(*typed);
+  } else if (!std::holds_alternative<std::monostate>(value)) {
+    return false;
+  }
+  if (*field == ItemField::Account) {
+    records::CostAccount* account = nullptr;
+    if (!text.empty()) {
+      account = project_.findAccount(text);
+      if (account == nullptr) {
+        return refuse("没有成本科目“" + text + "”，请输入已有科目的编码或名称。");
+      }
+    }
+    return write(account);
+  }
+  if ((*field == ItemField::Code || *field == ItemField::Name) && text.empty()) {
+    return refuse(nameOf(*item) + "的" + title + "不能为空，请重新输入。");
+  }
+  const std::size_t limit = *field == ItemField::Code         ? MaxCodeBytes
+                            : *field == ItemField::Annotation ? MaxAnnotationBytes
+                                                              : MaxTextBytes;
+  if (text.size() > limit) {
+    return refuse(nameOf(*item) + "的" + title + "过长，最多 " + std::to_string(limit / 3) +
+                  " 个汉字，请缩短后再输入。");
+  }
+  return write(project_.texts.intern(text));
+}
+
+bool ResItemOperator::isEnabled(const proxy::Element* element, const std::string& key) const {
+  return element != nullptr && columnOf(key) >= 0;
+}
+
+bool ResItemOperator::isEditable(const proxy::Element* element, const std::string& key) const {
+  const int column = columnOf(key);
+  return column >= 0 && !isFlag(column) && itemOf(element) != nullptr &&
+         columns()[static_cast<std::size_t>(column)].field.has_value();
+}
+
+bool ResItemOperator::isCheckable(const proxy::Element* element, const std::string& key) const {
+  return isFlag(columnOf(key)) && itemOf(element) != nullptr;
+}
+
+void ResItemOperator::setSubProject(proxy::Element* subProject) {
+  subProject_ = dynamic_cast<records::StructureNode*>(subProject);
+  if (const auto* row = dynamic_cast<ResourceGroup*>(subProject)) subProject_ = &row->unitWork();
+  rebuildGroup();
+}
+
+void ResItemOperator::rebuildGroup() {
+  // The rows go back to the whole project's group first: a row stands in one group at a time.
+  root_.reset();
+  project_.arrange();
+  if (subProject_ == nullptr) {
+    root_.reset(&project_.subProjects());
+    return;
+  }
+  root_.reset(new records::Group);
+  for (const records::StructureNode* unitWork : project_.unitWorks()) {
+    const proxy::Element* node = unitWork;
+    while (node != nullptr && node != subProject_) node = node->parent();
+    if (node == nullptr) continue;
+    root_->rows().append(scoped_refptr<records::Record>(project_.subProject(*unitWork)));
+  }
+}
+
+bool ResItemOperator::getComment(const proxy::Element* element, std::string& out) const {
+  const ResourceItem* item = itemOf(element);
+  if (item == nullptr) return false;
+  out = item->annotation().str();
+  return true;
+}
+
+bool ResItemOperator::setComment(proxy::Element* element, const std::string& comment) {
+  return setValue(element, domain::keys::BRIComment, comment, domain::EditRole);
+}
+
+}  // namespace operators

@@ -1,0 +1,68 @@
+#include "workbench/records/record.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace records {
+
+RowList::~RowList() {
+  clear();
+}
+
+void RowList::append(scoped_refptr<Record> record) {
+  insert(size(), std::move(record));
+}
+
+void RowList::insert(int row, scoped_refptr<Record> record) {
+  record->parent_ = parent_;
+  rows_.insert(rows_.begin() + row, std::move(record));
+  renumber(row);
+}
+
+scoped_refptr<Record> RowList::take(int row) {
+  scoped_refptr<Record> taken = rows_[static_cast<std::size_t>(row)];
+  rows_.erase(rows_.begin() + row);
+  renumber(row);
+  taken->parent_ = nullptr;
+  taken->row_ = 0;
+  return taken;
+}
+
+void RowList::swap(int a, int b) {
+  std::swap(rows_[static_cast<std::size_t>(a)], rows_[static_cast<std::size_t>(b)]);
+  rows_[static_cast<std::size_t>(a)]->row_ = a;
+  rows_[static_cast<std::size_t>(b)]->row_ = b;
+}
+
+void RowList::clear() {
+  // Whoever still holds a record must not follow it to a parent that is gone.
+  for (const scoped_refptr<Record>& record : rows_) record->parent_ = nullptr;
+  rows_.clear();
+}
+
+void RowList::reorder(const proxy::ElementGroup::Less& less) {
+  reorderFlat(less);
+  for (const scoped_refptr<Record>& record : rows_) {
+    if (auto* branch = dynamic_cast<Branch*>(record.get())) branch->rows().reorder(less);
+  }
+}
+
+void RowList::reorderFlat(const proxy::ElementGroup::Less& less) {
+  // The copy is ordered, so that nothing has changed while (or if) less looks at the rows.
+  std::vector<Record*> order;
+  order.reserve(rows_.size());
+  for (const scoped_refptr<Record>& record : rows_) order.push_back(record.get());
+  std::stable_sort(order.begin(), order.end(),
+                   [&less](Record* a, Record* b) { return less(a, b); });
+  for (scoped_refptr<Record>& record : rows_) record.detach();
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    rows_[i] = scoped_refptr<Record>(order[i], false);  // takes over the reference given up above
+  }
+  renumber(0);
+}
+
+void RowList::renumber(int from) {
+  for (int row = from; row < size(); ++row) rows_[static_cast<std::size_t>(row)]->row_ = row;
+}
+
+}  // namespace records

@@ -1,0 +1,652 @@
+#include "workbench/store/project_rows.h"
+
+#include <QSqlError>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "workbench/records/project_builder.h"
+#include "workbench/store/database.h"
+
+namespace store {
+namespace {
+
+using costing::Decimal;
+using records::Category;
+
+constexpr qint64 ReportEvery = 2000;
+
+QVariant cell(const std::string& text) {
+  // A null text would be stored as NULL.
+  return text.empty() ? QVariant(QStringLiteral("")) : QVariant(QString::fromStdString(text));
+}
+QVariant cell(records::Text text) {
+  return cell(text.str());
+}
+QVariant cell(const Decimal& number) {
+  return QString::fromStdString(number.toString());
+}
+QVariant cell(costing::PackedDecimal number) {
+  return cell(number.value());
+}
+QVariant cell(bool flag) {
+  return flag ? 1 : 0;
+}
+QVariant cell(Category category) {
+  return static_cast<int>(category);
+}
+QVariant cell(int number) {
+  return number;
+}
+QVariant cell(std::int64_t number) {
+  return static_cast<qlonglong>(number);
+}
+template <class Number>
+QVariant cell(const std::optional<Number>& number) {
+  return number ? cell(*number) : QVariant(QVariant::String);
+}
+QVariant idOf(const proxy::Element* element) {
+  return element != nullptr ? cell(element->id()) : QVariant(QVariant::LongLong);
+}
+
+/// A prepared statement whose places are filled in order.
+class Statement {
+ public:
+  Statement(Database& database, const char* sql)
+      : query_(database.prepare(QString::fromLatin1(sql))) {}
+
+  /// Runs it and answers how many rows it changed.
+  int run(const std::vector<QVariant>& cells) {
+    for (std::size_t i = 0; i < cells.size(); ++i) query_.bindValue(static_cast<int>(i), cells[i]);
+    Database::run(query_);
+    return query_.numRowsAffected();
+  }
+
+ private:
+  QSqlQuery query_;
+};
+
+std::vector<QVariant> itemCells(const records::ResourceItem& item,
+                                const records::StructureNode& unitWork) {
+  return {cell(unitWork.id()),
+          cell(item.category()),
+          cell(item.position()),
+          idOf(item.account()),
+          cell(item.code()),
+          cell(item.name()),
+          cell(item.spec()),
+          cell(item.unit()),
+          cell(item.quantity()),
+          cell(item.price()),
+          cell(item.taxRate()),
+          cell(item.budgetAmount()),
+          cell(item.excludedAmount()),
+          cell(item.includedAmount()),
+          cell(item.ownerSupplied()),
+          cell(item.provisional()),
+          cell(item.priceAdjustable()),
+          cell(item.associated()),
+          cell(item.annotation()),
+          cell(item.id())};
+}
+
+constexpr char InsertItem[] =
+    "INSERT INTO resource_item (unit_work_id, category, position, account_id, code, name, spec,"
+    " unit, quantity, price, tax_rate, budget_amount, excluded_amount, included_amount,"
+    " owner_supplied, provisional, price_adjustable, associated, annotation, id)"
+    " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+constexpr char UpdateItem[] =
+    "UPDATE resource_item SET unit_work_id = ?, category = ?, position = ?, account_id = ?,"
+    " code = ?, name = ?, spec = ?, unit = ?, quantity = ?, price = ?, tax_rate = ?,"
+    " budget_amount = ?, excluded_amount = ?, included_amount = ?, owner_supplied = ?,"
+    " provisional = ?, price_adjustable = ?, associated = ?, annotation = ? WHERE id = ?";
+
+struct FactRow {
+  const char* name;
+  std::string records::Facts::*text;
+};
+constexpr FactRow TextFacts[] = {
+    {"name", &records::Facts::name},
+    {"cost_type", &records::Facts::costType},
+    {"report_template", &records::Facts::reportTemplate},
+    {"source_kind", &records::Facts::sourceKind},
+    {"source_name", &records::Facts::sourceName},
+    {"code", &records::Facts::code},
+    {"builder", &records::Facts::builder},
+    {"tenderer", &records::Facts::tenderer},
+    {"region", &records::Facts::region},
+    {"date", &records::Facts::date},
+    {"pricing_basis", &records::Facts::pricingBasis},
+    {"structure", &records::Facts::structure},
+    {"tax_method", &records::Facts::taxMethod},
+};
+struct NumberRow {
+  const char* name;
+  Decimal records::Facts::*number;
+};
+constexpr NumberRow NumberFacts[] = {
+    {"tax_rate", &records::Facts::taxRate},     {"building_area", &records::Facts::buildingArea},
+    {"read_bills", &records::Facts::readBills}, {"read_resources", &records::Facts::readResources},
+    {"read_fees", &records::Facts::readFees},
+};
+struct DeclaredRow {
+  const char* name;
+  std::optional<Decimal> records::Facts::*number;
+};
+constexpr DeclaredRow DeclaredFacts[] = {
+    {"declared_bills", &records::Facts::declaredBills},
+    {"declared_resources", &records::Facts::declaredResources},
+    {"declared_fees", &records::Facts::declaredFees},
+};
+
+/// Writes a whole project, each record after those it refers to.
+class Writer {
+ public:
+  Writer(Database& database, records::Project& project, const RowProgress& progress)
+      : database_(database), project_(project), progress_(progress) {}
+
+  bool write() {
+    facts();
+    accounts(project_.accounts().rows(), nullptr);
+    structure(project_.structure().rows(), nullptr);
+    return bills(project_.structure().rows()) && items() && budgetItems() && totals() && fees();
+  }
+
+ private:
+  bool counted() { return ++rows_ % ReportEvery != 0 || !progress_ || progress_(rows_); }
+
+  void facts() {
+    Statement insert(database_, "INSERT INTO project_fact (name, value) VALUES (?, ?)");
+    const records::Facts& facts = project_.facts;
+    for (const FactRow& row : TextFacts)
+      insert.run({cell(std::string(row.name)), cell(facts.*row.text)});
+    for (const NumberRow& row : NumberFacts) {
+      insert.run({cell(std::string(row.name)), cell(facts.*row.number)});
+    }
+    for (const DeclaredRow& row : DeclaredFacts) {
+      if (facts.*row.number) insert.run({cell(std::string(row.name)), cell(*(facts.*row.number))});
+    }
+  }
+
+  void accounts(const records::RowList& rows, const proxy::Element* parent) {
+    Statement insert(database_,
+                     "INSERT INTO cost_account (id, parent_id, position, source_id, code, name,"
+                     " default_for) VALUES (?, ?, ?, ?, ?, ?, ?)");
+    for (int row = 0; row < rows.size(); ++row) {
+      const auto& account = *static_cast<records::CostAccount*>(rows.at(row));
+      insert.run({cell(account.id()), idOf(parent), cell(row), cell(account.sourceId),
+                  cell(account.code), cell(account.name), cell(account.defaultFor)});
+      accounts(account.rows(), &account);
+    }
+  }
+
+  void structure(const records::RowList& rows, const proxy::Element* parent) {
+    Statement insert(database_,
+                     "INSERT INTO structure_node (id, parent_id, position, kind, source_id, code,"
+                     " name, specialty, declared_bills, declared_resources, declared_fees)"
+                     " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    for (int row = 0; row < rows.size(); ++row) {
+      const auto* node = dynamic_cast<records::StructureNode*>(rows.at(row));
+      if (node == nullptr) continue;
+      insert.run({cell(node->id()), idOf(parent), cell(row), cell(static_cast<int>(node->kind)),
+                  cell(node->sourceId), cell(node->code), cell(node->name), cell(node->specialty),
+                  cell(node->declaredBills), cell(node->declaredResources),
+                  cell(node->declaredFees)});
+      structure(node->rows(), node);
+    }
+  }
+
+  bool bills(const records::RowList& rows) {
+    Statement insert(database_,
+                     "INSERT INTO bill (id, section_id, position, source_id, code, name, features,"
+                     " unit, account_id, quantity, unit_price, amount)"
+                     " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    const std::function<bool(const records::RowList&)> write = [&](const records::RowList& list) {
+      for (int row = 0; row < list.size(); ++row) {
+        if (const auto* bill = dynamic_cast<records::Bill*>(list.at(row))) {
+          insert.run({cell(bill->id()), idOf(bill->parent()), cell(row), cell(bill->sourceId),
+                      cell(bill->code), cell(bill->name), cell(bill->features), cell(bill->unit),
+                      idOf(bill->account), cell(bill->quantity), cell(bill->unitPrice),
+                      cell(bill->amount)});
+          allBills_.push_back(bill);
+          if (!counted()) return false;
+        } else if (!write(static_cast<records::Branch*>(list.at(row))->rows())) {
+          return false;
+        }
+      }
+      return true;
+    };
+    return write(rows);
+  }
+
+  bool items() {
+    Statement insert(database_, InsertItem);
+    for (const records::StructureNode* unitWork : project_.unitWorks()) {
+      for (int i = 0; i < records::CategoryCount; ++i) {
+        const auto* group = project_.categoryGroup(*unitWork, static_cast<Category>(i));
+        for (int row = 0; row < group->rows().size(); ++row) {
+          insert.run(
+              itemCells(*static_cast<records::ResourceItem*>(group->rows().at(row)), *unitWork));
+          if (!counted()) return false;
+        }
+      }
+    }
+    return true;
+  }
+
+  bool budgetItems() {
+    Statement insert(database_,
+                     "INSERT INTO budget_item (id, bill_id, position, resource_item_id, source_id,"
+                     " category, code, name, spec, unit, content, price, tax_rate, amount,"
+                     " owner_supplied, provisional, price_adjustable)"
+                     " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    for (const records::Bill* bill : allBills_) {
+      for (int row = 0; row < bill->rows().size(); ++row) {
+        const auto& item = *static_cast<records::BudgetItem*>(bill->rows().at(row));
+        insert.run({cell(item.id()), cell(bill->id()), cell(row), idOf(item.resourceItem),
+                    cell(item.sourceId), cell(item.category), cell(item.code), cell(item.name),
+                    cell(item.spec), cell(item.unit), cell(item.content), cell(item.price),
+                    cell(item.taxRate), cell(item.amount), cell(item.ownerSupplied),
+                    cell(item.provisional), cell(item.priceAdjustable)});
+        if (!counted()) return false;
+      }
+    }
+    return true;
+  }
+
+  bool totals() {
+    Statement insert(database_,
+                     "INSERT INTO cost_total (budget, excluded, included, node_id, category)"
+                     " VALUES (?, ?, ?, ?, ?)");
+    const auto write = [&](const costing::Totals& totals, std::int64_t node, int category) {
+      insert.run({cell(totals.budget), cell(totals.excluded), cell(totals.included), cell(node),
+                  cell(category)});
+    };
+    write(project_.totals(), 0, -1);
+    for (const records::StructureNode* unitWork : project_.unitWorks()) {
+      write(project_.subProject(*unitWork)->totals(), unitWork->id(), -1);
+      for (int i = 0; i < records::CategoryCount; ++i) {
+        write(project_.categoryGroup(*unitWork, static_cast<Category>(i))->totals(), unitWork->id(),
+              i);
+      }
+    }
+    return true;
+  }
+
+  bool fees() {
+    Statement group(database_,
+                    "INSERT INTO fee_group (id, parent_id, position, unit_work_id, source_id, code,"
+                    " name) VALUES (?, ?, ?, ?, ?, ?, ?)");
+    Statement fee(database_,
+                  "INSERT INTO fee_item (id, group_id, position, source_id, code, name, basis,"
+                  " account_id, base, rate, amount) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    const std::function<void(const records::RowList&, const proxy::Element*)> write =
+        [&](const records::RowList& rows, const proxy::Element* parent) {
+          for (int row = 0; row < rows.size(); ++row) {
+            if (const auto* node = dynamic_cast<records::IndirectFeeGroup*>(rows.at(row))) {
+              group.run({cell(node->id()), idOf(parent), cell(row), idOf(node->unitWork),
+                         cell(node->sourceId), cell(node->code), cell(node->name)});
+              write(node->rows(), node);
+            } else {
+              const auto& item = *static_cast<records::IndirectFeeItem*>(rows.at(row));
+              fee.run({cell(item.id()), idOf(parent), cell(row), cell(item.sourceId),
+                       cell(item.code), cell(item.name), cell(item.basis), idOf(item.account),
+                       cell(item.base), cell(item.rate), cell(item.amount)});
+            }
+          }
+        };
+    write(project_.feeGroups().rows(), nullptr);
+    return true;
+  }
+
+  Database& database_;
+  records::Project& project_;
+  const RowProgress& progress_;
+  std::vector<const records::Bill*> allBills_;
+  qint64 rows_ = 0;
+};
+
+/// The rows of one SELECT; faults name its table and the row's id, which is its first column.
+class Rows {
+ public:
+  Rows(Database& database, const char* table, const char* columns, const char* order)
+      : table_(table),
+        query_(database.prepare(QStringLiteral("SELECT %1 FROM %2 ORDER BY %3")
+                                    .arg(QString::fromLatin1(columns), QString::fromLatin1(table),
+                                         QString::fromLatin1(order)))) {
+    Database::run(query_);
+  }
+
+  bool next() {
+    column_ = 0;
+    if (query_.next()) return true;
+    if (query_.lastError().isValid()) {
+      throw SqlError(query_.lastError().text(), query_.lastError().nativeErrorCode().toInt());
+    }
+    return false;
+  }
+
+  std::string text() { return query_.value(column_++).toString().toStdString(); }
+  std::int64_t id() { return query_.value(column_++).toLongLong(); }
+  int number(int low, int high) {
+    const int value = query_.value(column_++).toInt();
+    if (value < low || value > high) bad("取值不正确");
+    return value;
+  }
+  int place() { return query_.value(column_++).toInt(); }
+  bool flag() { return query_.value(column_++).toInt() != 0; }
+  bool isNull() const { return query_.isNull(column_); }
+  void skip() { ++column_; }
+  Decimal decimal() {
+    const std::optional<Decimal> value = Decimal::parse(text());
+    if (!value) bad("数值不正确");
+    return *value;
+  }
+  std::optional<Decimal> optionalDecimal() {
+    if (isNull()) {
+      skip();
+      return {};
+    }
+    return decimal();
+  }
+  /// The record that this column refers to; null when the column is.
+  template <class T>
+  T* reference(const std::unordered_map<std::int64_t, T*>& records) {
+    if (isNull()) {
+      skip();
+      return nullptr;
+    }
+    const auto found = records.find(id());
+    if (found == records.end()) bad("所引用的记录不存在");
+    return found->second;
+  }
+  template <class T>
+  T& required(const std::unordered_map<std::int64_t, T*>& records) {
+    T* record = reference(records);
+    if (record == nullptr) bad("所属的记录不存在");
+    return *record;
+  }
+
+  [[noreturn]] void bad(const char* what) const {
+    throw BadRows("数据表 " + std::string(table_) + " 中编号为 " +
+                  query_.value(0).toString().toStdString() + " 的记录" + what);
+  }
+
+ private:
+  const char* table_;
+  QSqlQuery query_;
+  int column_ = 0;
+};
+
+class Reader {
+ public:
+  Reader(Database& database, records::Project& project, const RowProgress& progress)
+      : database_(database), project_(project), builder_(project), progress_(progress) {}
+
+  bool read() {
+    facts();
+    accounts();
+    structure();
+    if (!bills() || !items() || !budgetItems()) return false;
+    fees();
+    return true;
+  }
+
+ private:
+  bool counted() { return ++rows_ % ReportEvery != 0 || !progress_ || progress_(rows_); }
+  records::Text text(Rows& rows) { return project_.texts.intern(rows.text()); }
+
+  void facts() {
+    std::unordered_map<std::string, std::string> values;
+    Rows rows(database_, "project_fact", "name, value", "name");
+    while (rows.next()) {
+      std::string name = rows.text();
+      values[std::move(name)] = rows.text();
+    }
+    const auto number = [&](const char* name) {
+      const std::optional<Decimal> value = Decimal::parse(values.at(name));
+      if (!value) throw BadRows(std::string("项目信息 ") + name + " 不是数值");
+      return *value;
+    };
+    for (const char* name : {"name", "cost_type", "read_bills", "read_resources", "read_fees"}) {
+      if (values.count(name) == 0) throw BadRows(std::string("缺少项目信息 ") + name);
+    }
+    records::Facts& facts = project_.facts;
+    for (const FactRow& row : TextFacts) facts.*row.text = values[row.name];
+    for (const NumberRow& row : NumberFacts) {
+      if (values.count(row.name) != 0) facts.*row.number = number(row.name);
+    }
+    for (const DeclaredRow& row : DeclaredFacts) {
+      if (values.count(row.name) != 0) facts.*row.number = number(row.name);
+    }
+  }
+
+  // Parents have lower ids than what is below them, so that they come first.
+  void accounts() {
+    Rows rows(database_, "cost_account", "id, parent_id, source_id, code, name, default_for", "id");
+    while (rows.next()) {
+      const std::int64_t id = rows.id();
+      records::CostAccount* parent = rows.reference(accounts_);
+      std::string sourceId = rows.text();
+      const std::string code = rows.text();
+      const std::string name = rows.text();
+      records::CostAccount& account = builder_.addAccount(parent, id, code, name);
+      account.sourceId = std::move(sourceId);
+      if (!rows.isNull()) {
+        account.defaultFor = static_cast<Category>(rows.number(0, records::CategoryCount - 1));
+      }
+      accounts_[id] = &account;
+    }
+  }
+
+  void structure() {
+    Rows rows(database_, "structure_node",
+              "id, parent_id, kind, source_id, code, name, specialty, declared_bills,"
+              " declared_resources, declared_fees",
+              "id");
+    while (rows.next()) {
+      const std::int64_t id = rows.id();
+      records::StructureNode* parent = rows.reference(nodes_);
+      const auto kind = static_cast<records::StructureKind>(rows.number(0, 2));
+      records::StructureNode& node = builder_.addNode(parent, id, kind);
+      node.sourceId = rows.text();
+      node.code = rows.text();
+      node.name = rows.text();
+      node.specialty = rows.text();
+      node.declaredBills = rows.optionalDecimal();
+      node.declaredResources = rows.optionalDecimal();
+      node.declaredFees = rows.optionalDecimal();
+      nodes_[id] = &node;
+    }
+  }
+
+  bool bills() {
+    Rows rows(database_, "bill",
+              "id, section_id, source_id, code, name, features, unit, account_id, quantity,"
+              " unit_price, amount",
+              "section_id, position");
+    while (rows.next()) {
+      const std::int64_t id = rows.id();
+      records::Bill& bill = builder_.addBill(rows.required(nodes_), id);
+      bill.sourceId = text(rows);
+      bill.code = text(rows);
+      bill.name = text(rows);
+      bill.features = text(rows);
+      bill.unit = text(rows);
+      bill.account = rows.reference(accounts_);
+      bill.quantity = rows.decimal();
+      if (const auto price = rows.optionalDecimal()) bill.unitPrice = *price;
+      if (const auto amount = rows.optionalDecimal()) bill.amount = *amount;
+      bills_[id] = &bill;
+      if (!counted()) return false;
+    }
+    return true;
+  }
+
+  bool items() {
+    Rows rows(database_, "resource_item",
+              "id, unit_work_id, category, position, account_id, code, name, spec, unit,"
+              " quantity, price, tax_rate, budget_amount, owner_supplied, provisional,"
+              " price_adjustable, associated, annotation",
+              "unit_work_id, category, position");
+    while (rows.next()) {
+      records::ResourceItemData data;
+      data.id = rows.id();
+      records::StructureNode& unitWork = rows.required(nodes_);
+      if (unitWork.kind != records::StructureKind::UnitWork) rows.bad("不属于任何单位工程");
+      data.category = static_cast<Category>(rows.number(0, records::CategoryCount - 1));
+      data.position = rows.place();
+      data.account = rows.reference(accounts_);
+      data.code = text(rows);
+      data.name = text(rows);
+      data.spec = text(rows);
+      data.unit = text(rows);
+      data.quantity = rows.decimal();
+      data.price = rows.decimal();
+      data.taxRate = rows.decimal();
+      data.budgetAmount = rows.decimal();
+      data.ownerSupplied = rows.flag();
+      data.provisional = rows.flag();
+      data.priceAdjustable = rows.flag();
+      data.associated = rows.flag();
+      data.annotation = text(rows);
+      items_[data.id] = &builder_.addItem(unitWork, data);
+      if (!counted()) return false;
+    }
+    return true;
+  }
+
+  bool budgetItems() {
+    Rows rows(database_, "budget_item",
+              "id, bill_id, resource_item_id, source_id, category, code, name, spec, unit,"
+              " content, price, tax_rate, amount, owner_supplied, provisional, price_adjustable",
+              "bill_id, position");
+    while (rows.next()) {
+      const std::int64_t id = rows.id();
+      records::Bill& bill = rows.required(bills_);
+      records::ResourceItem& item = rows.required(items_);
+      records::BudgetItem& line = builder_.addBudgetItem(bill, id);
+      builder_.gather(line, item);
+      line.sourceId = text(rows);
+      line.category = static_cast<Category>(rows.number(0, records::CategoryCount - 1));
+      line.code = text(rows);
+      line.name = text(rows);
+      line.spec = text(rows);
+      line.unit = text(rows);
+      line.content = rows.decimal();
+      line.price = rows.decimal();
+      line.taxRate = rows.decimal();
+      line.amount = rows.decimal();
+      line.ownerSupplied = rows.flag();
+      line.provisional = rows.flag();
+      line.priceAdjustable = rows.flag();
+      if (!counted()) return false;
+    }
+    return true;
+  }
+
+  void fees() {
+    std::unordered_map<std::int64_t, records::IndirectFeeGroup*> groups;
+    Rows groupRows(database_, "fee_group", "id, parent_id, unit_work_id, source_id, code, name",
+                   "id");
+    while (groupRows.next()) {
+      const std::int64_t id = groupRows.id();
+      records::IndirectFeeGroup& group = builder_.addFeeGroup(groupRows.reference(groups), id);
+      group.unitWork = groupRows.reference(nodes_);
+      group.sourceId = groupRows.text();
+      group.code = groupRows.text();
+      group.name = groupRows.text();
+      groups[id] = &group;
+    }
+    Rows rows(database_, "fee_item",
+              "id, group_id, source_id, code, name, basis, account_id, base, rate, amount",
+              "group_id, position");
+    while (rows.next()) {
+      const std::int64_t id = rows.id();
+      records::IndirectFeeItem& item = builder_.addFeeItem(rows.required(groups), id);
+      item.sourceId = rows.text();
+      item.code = rows.text();
+      item.name = rows.text();
+      item.basis = rows.text();
+      item.account = rows.reference(accounts_);
+      item.base = rows.optionalDecimal();
+      item.rate = rows.optionalDecimal();
+      item.amount = rows.decimal();
+    }
+  }
+
+  Database& database_;
+  records::Project& project_;
+  records::ProjectBuilder builder_;
+  const RowProgress& progress_;
+  std::unordered_map<std::int64_t, records::CostAccount*> accounts_;
+  std::unordered_map<std::int64_t, records::StructureNode*> nodes_;
+  std::unordered_map<std::int64_t, records::Bill*> bills_;
+  std::unordered_map<std::int64_t, records::ResourceItem*> items_;
+  qint64 rows_ = 0;
+};
+
+}  // namespace
+
+bool writeProject(Database& database, records::Project& project, const RowProgress& progress) {
+  return Writer(database, project, progress).write();
+}
+
+bool readProject(Database& database, records::Project& project, const RowProgress& progress) {
+  return Reader(database, project, progress).read();
+}
+
+void writeChanges(Database& database, records::Project& project,
+                  const records::ChangeSet& changes) {
+  // In the order in which they were first touched, each once.
+  std::vector<records::ResourceItem*> items;
+  std::unordered_set<records::ResourceItem*> known;
+  std::unordered_set<records::StructureNode*> unitWorks;
+  const auto touch = [&](const scoped_refptr<records::ResourceItem>& item) {
+    if (known.insert(item.get()).second) items.push_back(item.get());
+    if (item->group() != nullptr) unitWorks.insert(&item->group()->unitWork());
+  };
+  for (const records::Change& change : changes) {
+    if (const auto* set = std::get_if<records::SetField>(&change)) {
+      touch(set->item);
+    } else if (const auto* added = std::get_if<records::AddItem>(&change)) {
+      touch(added->item);
+      unitWorks.insert(added->unitWork);
+    } else if (const auto* removed = std::get_if<records::RemoveItem>(&change)) {
+      touch(removed->item);
+      unitWorks.insert(removed->unitWork);
+    } else {
+      for (const auto& place : std::get<records::Reposition>(change).places) touch(place.item);
+    }
+  }
+
+  Statement update(database, UpdateItem);
+  Statement insert(database, InsertItem);
+  Statement remove(database, "DELETE FROM resource_item WHERE id = ?");
+  for (const records::ResourceItem* item : items) {
+    if (item->group() == nullptr) {
+      remove.run({cell(item->id())});
+      continue;
+    }
+    const std::vector<QVariant> cells = itemCells(*item, item->group()->unitWork());
+    if (update.run(cells) == 0) insert.run(cells);
+  }
+  Statement total(database,
+                  "UPDATE cost_total SET budget = ?, excluded = ?, included = ?"
+                  " WHERE node_id = ? AND category = ?");
+  const auto write = [&](const costing::Totals& totals, std::int64_t node, int category) {
+    total.run({cell(totals.budget), cell(totals.excluded), cell(totals.included), cell(node),
+               cell(category)});
+  };
+  write(project.totals(), 0, -1);
+  for (const records::StructureNode* unitWork : unitWorks) {
+    write(project.subProject(*unitWork)->totals(), unitWork->id(), -1);
+    for (int i = 0; i < records::CategoryCount; ++i) {
+      write(project.categoryGroup(*unitWork, static_cast<Category>(i))->totals(), unitWork->id(),
+            i);
+    }
+  }
+}
+
+}  // namespace store

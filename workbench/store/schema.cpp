@@ -1,0 +1,90 @@
+#include "workbench/store/schema.h"
+
+#include <QStringList>
+#include <vector>
+
+#include "workbench/store/database.h"
+
+namespace store {
+namespace {
+
+// Statements keep to what every SQL server has. Decimals are text, since no engine's own number
+// type is exact; flags are 0 and 1.
+QStringList toVersion1() {
+  return {
+      QStringLiteral("CREATE TABLE project_fact ("
+                     " name text NOT NULL PRIMARY KEY, value text NOT NULL)"),
+      QStringLiteral("CREATE TABLE cost_account ("
+                     " id integer NOT NULL PRIMARY KEY,"
+                     " parent_id integer REFERENCES cost_account (id),"
+                     " position integer NOT NULL, source_id text NOT NULL, code text NOT NULL,"
+                     " name text NOT NULL, default_for integer)"),
+      QStringLiteral("CREATE TABLE structure_node ("
+                     " id integer NOT NULL PRIMARY KEY,"
+                     " parent_id integer REFERENCES structure_node (id),"
+                     " position integer NOT NULL, kind integer NOT NULL, source_id text NOT NULL,"
+                     " code text NOT NULL, name text NOT NULL, specialty text NOT NULL,"
+                     " declared_bills text, declared_resources text, declared_fees text)"),
+      QStringLiteral("CREATE TABLE bill ("
+                     " id integer NOT NULL PRIMARY KEY,"
+                     " section_id integer NOT NULL REFERENCES structure_node (id),"
+                     " position integer NOT NULL, source_id text NOT NULL, code text NOT NULL,"
+                     " name text NOT NULL, features text NOT NULL, unit text NOT NULL,"
+                     " account_id integer REFERENCES cost_account (id), quantity text NOT NULL,"
+                     " unit_price text, amount text)"),
+      QStringLiteral("CREATE TABLE resource_item ("
+                     " id integer NOT NULL PRIMARY KEY,"
+                     " unit_work_id integer NOT NULL REFERENCES structure_node (id),"
+                     " category integer NOT NULL, position integer NOT NULL,"
+                     " account_id integer REFERENCES cost_account (id), code text NOT NULL,"
+                     " name text NOT NULL, spec text NOT NULL, unit text NOT NULL,"
+                     " quantity text NOT NULL, price text NOT NULL, tax_rate text NOT NULL,"
+                     " budget_amount text NOT NULL, excluded_amount text NOT NULL,"
+                     " included_amount text NOT NULL, owner_supplied integer NOT NULL,"
+                     " provisional integer NOT NULL, price_adjustable integer NOT NULL,"
+                     " associated integer NOT NULL, annotation text NOT NULL)"),
+      QStringLiteral("CREATE TABLE budget_item ("
+                     " id integer NOT NULL PRIMARY KEY,"
+                     " bill_id integer NOT NULL REFERENCES bill (id),"
+                     " position integer NOT NULL,"
+                     " resource_item_id integer NOT NULL REFERENCES resource_item (id),"
+                     " source_id text NOT NULL, category integer NOT NULL, code text NOT NULL,"
+                     " name text NOT NULL, spec text NOT NULL, unit text NOT NULL,"
+                     " content text NOT NULL, price text NOT NULL, tax_rate text NOT NULL,"
+                     " amount text NOT NULL, owner_supplied integer NOT NULL,"
+                     " provisional integer NOT NULL, price_adjustable integer NOT NULL)"),
+      // Foreign keys are looked up backwards when a resource item goes.
+      QStringLiteral("CREATE INDEX budget_item_resource ON budget_item (resource_item_id)"),
+      // One row for each category of each unit work; category -1 is the unit work itself, and node
+      // 0 with category -1 the project.
+      QStringLiteral("CREATE TABLE cost_total ("
+                     " node_id integer NOT NULL, category integer NOT NULL,"
+                     " budget text NOT NULL, excluded text NOT NULL, included text NOT NULL,"
+                     " PRIMARY KEY (node_id, category))"),
+      QStringLiteral("CREATE TABLE fee_group ("
+                     " id integer NOT NULL PRIMARY KEY,"
+                     " parent_id integer REFERENCES fee_group (id), position integer NOT NULL,"
+                     " unit_work_id integer REFERENCES structure_node (id),"
+                     " source_id text NOT NULL, code text NOT NULL, name text NOT NULL)"),
+      QStringLiteral("CREATE TABLE fee_item ("
+                     " id integer NOT NULL PRIMARY KEY,"
+                     " group_id integer NOT NULL REFERENCES fee_group (id),"
+                     " position integer NOT NULL, source_id text NOT NULL, code text NOT NULL,"
+                     " name text NOT NULL, basis text NOT NULL,"
+                     " account_id integer REFERENCES cost_account (id), base text, rate text,"
+                     " amount text NOT NULL)"),
+  };
+}
+
+}  // namespace
+
+void migrate(Database& database, int version) {
+  const std::vector<QStringList> steps = {toVersion1()};
+  static_assert(SchemaVersion == 1, "each version has its step above");
+  for (std::size_t step = static_cast<std::size_t>(version); step < steps.size(); ++step) {
+    for (const QString& statement : steps[step]) database.run(statement);
+  }
+  database.run(QStringLiteral("PRAGMA user_version = %1").arg(SchemaVersion));
+}
+
+}  // namespace store
