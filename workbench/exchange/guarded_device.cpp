@@ -22,17 +22,13 @@ GuardedDevice::GuardedDevice(QIODevice& source, qint64 fileLimit, qint64 tokenLi
 }
 
 qint64 GuardedDevice::readData(char* data, qint64 size) {
-  if (failed()) return 0;
-  if (delivered_ - tokenStart_ > tokenLimit_) {
+  if (delivered_ - tokenStart_ > tokenLimit_ && fault_.reason.isEmpty()) {
+    validEnd_ = position_;
     fault_ = {QStringLiteral("一个标记的长度超过 %1 KB：请检查文件是否损坏，或缩短过长的文字")
                   .arg(tokenLimit_ / 1024),
               0, 0};
-    return 0;
   }
-  if (position_ == validEnd_ && !fill()) {
-    fault_ = pending_;
-    return 0;
-  }
+  if (position_ == validEnd_ && !fill()) return 0;
   const qint64 count = std::min<qint64>(size, validEnd_ - position_);
   std::memcpy(data, buffer_.constData() + position_, static_cast<std::size_t>(count));
   position_ += static_cast<int>(count);
@@ -41,11 +37,11 @@ qint64 GuardedDevice::readData(char* data, qint64 size) {
 }
 
 bool GuardedDevice::fill() {
-  if (!pending_.reason.isEmpty()) return false;
+  if (!fault_.reason.isEmpty()) return false;
   buffer_.resize(ChunkBytes);
   qint64 count = source_.read(buffer_.data(), buffer_.size());
   if (count < 0) {
-    pending_ = {
+    fault_ = {
         QStringLiteral("读取文件失败（%1）：请检查磁盘或网络后重试").arg(source_.errorString()), 0,
         0};
     return false;
@@ -57,13 +53,12 @@ bool GuardedDevice::fill() {
     return false;
   }
   if (delivered_ + count > fileLimit_) {
-    pending_ = {QStringLiteral("文件超过 %1 MB 的上限：请拆分成几个文件").arg(fileLimit_ >> 20), 0,
-                0};
+    fault_ = {QStringLiteral("文件超过 %1 MB 的上限：请拆分成几个文件").arg(fileLimit_ >> 20), 0,
+              0};
     return false;
   }
   if (atStart_) {
     atStart_ = false;
-    if (buffer_.startsWith("\xEF\xBB\xBF")) position_ = validEnd_ = 3;
     if (buffer_.startsWith("\xFE\xFF") || buffer_.startsWith("\xFF\xFE")) {
       column_ = 1;
       failHere(QStringLiteral("文件是 UTF-16 编码：请用 UTF-8 编码重新导出"));
@@ -71,8 +66,7 @@ bool GuardedDevice::fill() {
     }
   }
   check();
-  // A chunk of nothing but the byte order mark is followed by the next one.
-  return validEnd_ > position_ || (pending_.reason.isEmpty() && fill());
+  return validEnd_ > 0;
 }
 
 void GuardedDevice::check() {
@@ -141,7 +135,7 @@ bool GuardedDevice::accept(unsigned char byte) {
 }
 
 void GuardedDevice::failHere(const QString& reason) {
-  pending_ = {reason, line_, std::max<qint64>(column_, 1)};
+  fault_ = {reason, line_, std::max<qint64>(column_, 1)};
 }
 
 }  // namespace exchange

@@ -22,7 +22,8 @@ class GuardedDevice : public QIODevice {
   /// The parser has finished a token: the next one may be as long again.
   void tokenDone() { tokenStart_ = delivered_; }
   qint64 delivered() const { return delivered_; }
-  bool failed() const { return !fault_.reason.isEmpty(); }
+  /// Everything before the fault has been delivered.
+  bool failed() const { return !fault_.reason.isEmpty() && position_ == validEnd_; }
   const Fault& fault() const { return fault_; }
 
  protected:
@@ -44,8 +45,7 @@ class GuardedDevice : public QIODevice {
   bool atStart_ = true;
   qint64 delivered_ = 0;
   qint64 tokenStart_ = 0;
-  Fault fault_;  // to be told once the good bytes before it are delivered
-  Fault pending_;
+  Fault fault_;
 
   qint64 line_ = 1;
   qint64 column_ = 0;

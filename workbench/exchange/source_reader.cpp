@@ -111,6 +111,7 @@ class Parser {
   bool nextIs(const ElementName& element);
   void leaveEmpty(const ElementName& element);
   [[noreturn]] void refuseHere(const QString& reason) const;
+  [[noreturn]] void refuseXml() const;
   [[noreturn]] void refuseElement(const ElementName& parent, const QString& expected) const;
   void limit(std::size_t& count, int most, const ElementName& element);
 
@@ -201,12 +202,7 @@ bool Parser::next() {
         refuse(QStringLiteral("文件到此结束，没有内容：请重新导出"));
       case QXmlStreamReader::NoToken:
       case QXmlStreamReader::Invalid:
-        if (guard_.failed()) {
-          const GuardedDevice::Fault& fault = guard_.fault();
-          if (fault.line > 0) throw Refusal{fault.line, fault.column, fault.reason};
-          refuse(fault.reason);
-        }
-        refuseHere(xmlReason(xml_));
+        refuseXml();
     }
   }
 }
@@ -217,6 +213,16 @@ bool Parser::nextIs(const ElementName& element) {
 
 void Parser::refuseHere(const QString& reason) const {
   throw Refusal{xml_.lineNumber(), xml_.columnNumber() + 1, reason};
+}
+
+void Parser::refuseXml() const {
+  // Where the guard has cut the stream off, the parser only sees it end early.
+  if (guard_.failed() && xml_.error() == QXmlStreamReader::PrematureEndOfDocumentError) {
+    const GuardedDevice::Fault& fault = guard_.fault();
+    if (fault.line > 0) throw Refusal{fault.line, fault.column, fault.reason};
+    refuse(fault.reason);
+  }
+  refuseHere(xmlReason(xml_));
 }
 
 void Parser::refuseElement(const ElementName& parent, const QString& expected) const {
@@ -270,10 +276,13 @@ std::string Parser::accountOf(Attributes& attributes) const {
 }
 
 SourceKind Parser::readRoot() {
-  if (!next() || xml_.qualifiedName() != QLatin1String(Root.tag)) {
-    refuse(QStringLiteral("根元素是“%1”，不是“costSource”：这不是造价源文件，请另选文件")
-               .arg(clipped(xml_.qualifiedName().toString())));
+  if (!nextIs(Root)) {
+    refuseHere(QStringLiteral("根元素是“%1”，不是“costSource”：这不是造价源文件，请另选文件")
+                   .arg(clipped(xml_.qualifiedName().toString())));
   }
+  // What stands before the root makes no tokens, so its place is where its tag ends.
+  line_ = xml_.lineNumber();
+  column_ = std::max<qint64>(xml_.columnNumber(), 1);
   Attributes attributes(xml_, Root, line_, column_);
   const std::string version = attributes.string("version", "格式版本", RequiredCode);
   if (version != "1") {
@@ -326,15 +335,11 @@ void Parser::readBody(ReadResult& result) {
 
   // Reads to the very end: nothing may follow the root.
   while (!xml_.atEnd()) {
+    guard_.tokenDone();
     if (xml_.readNext() == QXmlStreamReader::EndDocument) break;
     if (xml_.isProcessingInstruction()) refuseHere(QStringLiteral("含有处理指令：请去掉"));
   }
-  if (guard_.failed()) {
-    const GuardedDevice::Fault& fault = guard_.fault();
-    throw Refusal{fault.line ? fault.line : line_, fault.line ? fault.column : column_,
-                  fault.reason};
-  }
-  if (xml_.hasError()) refuseHere(xmlReason(xml_));
+  if (xml_.hasError()) refuseXml();
 
   result.document = std::move(document_);
   result.report = std::move(report_);
