@@ -1,0 +1,234 @@
+#include "host/bwidgets/grid_clipboard.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QPersistentModelIndex>
+#include <algorithm>
+#include <cmath>
+
+#include "host/app/scoped_undo.h"
+#include "host/app/services.h"
+#include "host/bwidgets/cell_text.h"
+#include "host/bwidgets/grid_rows.h"
+#include "host/bwidgets/tree_grid_view.h"
+#include "host/domain/data_field.h"
+#include "host/domain/item_role.h"
+
+namespace bwidgets {
+namespace {
+
+constexpr int NamedCells = 10;
+
+bool isNumber(int fieldType) {
+  return fieldType == domain::IntegerField || fieldType == domain::FloatingPointField;
+}
+
+bool isWritable(const QModelIndex& cell) {
+  constexpr Qt::ItemFlags editable = Qt::ItemIsEditable | Qt::ItemIsEnabled;
+  constexpr Qt::ItemFlags checkable = Qt::ItemIsUserCheckable | Qt::ItemIsEnabled;
+  const Qt::ItemFlags flags = cell.flags();
+  return (flags & editable) == editable || (flags & checkable) == checkable;
+}
+
+// One cell to write. Kept persistent: an edit may make the model sort or filter.
+struct Target {
+  QPersistentModelIndex cell;
+  QString text;
+};
+
+using Refused = std::vector<QPersistentModelIndex>;
+
+// The number of a shown row, from 1.
+int shownRowNumber(const TreeGridView& grid, const QModelIndex& cell) {
+  int number = 1;
+  for (QModelIndex at = grid.indexAbove(cell.sibling(cell.row(), 0)); at.isValid();
+       at = grid.indexAbove(at)) {
+    ++number;
+  }
+  return number;
+}
+
+// Row and column in the user's words.
+QString placeOf(const TreeGridView& grid, const QModelIndex& cell) {
+  const QString title =
+      grid.model()->headerData(cell.column(), Qt::Horizontal).toString().simplified();
+  QString name;
+  for (const int column : grid.visibleColumns()) {
+    if (column != cell.column()) name = cell.sibling(cell.row(), column).data().toString();
+    name = name.simplified();
+    if (!name.isEmpty()) break;
+  }
+  if (name.size() > 20) name = name.left(20) + QString::fromUtf8("…");
+  const QString row = QString::fromUtf8("第 %1 行").arg(shownRowNumber(grid, cell));
+  return name.isEmpty() ? QString::fromUtf8("%1，%2").arg(row, title)
+                        : QString::fromUtf8("%1（%2），%3").arg(row, name, title);
+}
+
+void report(const TreeGridView& grid, const QString& headline, const Refused& refused,
+            const QStringList& notes) {
+  if (refused.empty() && notes.isEmpty()) return;
+  QStringList lines;
+  if (!refused.empty()) {
+    lines << headline.arg(refused.size());
+    const std::size_t named = std::min<std::size_t>(refused.size(), NamedCells);
+    for (std::size_t i = 0; i < named; ++i) {
+      if (refused[i].isValid()) lines << placeOf(grid, refused[i]);
+    }
+    if (refused.size() > named) {
+      lines << QString::fromUtf8("……另有 %1 个单元格").arg(refused.size() - named);
+    }
+  }
+  lines << notes;
+  app::GetChannel()->message(lines.join(QLatin1Char('\n')).toStdString(), QMessageBox::Ok);
+}
+
+}  // namespace
+
+QString clipboardText(const QModelIndex& cell) {
+  const QString text = cell.data(Qt::DisplayRole).toString();
+  if (text.isEmpty()) {
+    const QVariant check = cell.data(Qt::CheckStateRole);
+    return check.isValid() && check.toInt() == Qt::Checked ? QString::fromUtf8("√") : QString();
+  }
+  if (isNumber(cell.data(domain::FieldTypeRole).toInt()) && text.contains(QLatin1Char(','))) {
+    return plainNumber(text).value_or(text);
+  }
+  return text;
+}
+
+bool writeCell(const QModelIndex& cell, const QString& text) {
+  if (!cell.isValid() || !isWritable(cell)) return false;
+  auto* model = const_cast<QAbstractItemModel*>(cell.model());
+  const Qt::ItemFlags flags = cell.flags();
+  const int type = cell.data(domain::FieldTypeRole).toInt();
+  if (!(flags & Qt::ItemIsEditable) || type == domain::BoolField) {
+    const std::optional<bool> checked = yesOrNo(text);
+    if (!checked) return false;
+    if (flags & Qt::ItemIsUserCheckable) {
+      return model->setData(cell, *checked ? Qt::Checked : Qt::Unchecked, Qt::CheckStateRole);
+    }
+    return model->setData(cell, *checked, Qt::EditRole);
+  }
+  if (!isNumber(type) || text.trimmed().isEmpty()) {
+    return model->setData(cell, isNumber(type) ? QString() : text, Qt::EditRole);
+  }
+  std::optional<QString> number = plainNumber(text);
+  if (!number) return false;
+  if (type == domain::IntegerField) {
+    // "3.00", as spreadsheets write it, is 3; 3.5 is refused rather than cut.
+    const double value = number->toDouble();
+    if (value != std::floor(value) || std::fabs(value) > 2147483647.0) return false;
+    number = QString::number(static_cast<int>(value));
+  }
+  return model->setData(cell, *number, Qt::EditRole);
+}
+
+void copyToClipboard(const TreeGridView& grid) {
+  const std::vector<GridRow> rows = selectedRows(grid);
+  std::vector<int> columns;
+  for (const int column : grid.visibleColumns()) {
+    if (std::any_of(rows.begin(), rows.end(),
+                    [column](const GridRow& row) { return row.isSelected(column); })) {
+      columns.push_back(column);
+    }
+  }
+  if (columns.empty()) return;
+  std::vector<QStringList> block;
+  block.reserve(rows.size());
+  for (const GridRow& row : rows) {
+    QStringList cells;
+    bool any = false;
+    for (const int column : columns) {
+      const bool selected = row.isSelected(column);
+      any = any || selected;
+      cells << (selected ? clipboardText(row.index.sibling(row.index.row(), column)) : QString());
+    }
+    if (any) block.push_back(cells);
+  }
+  QGuiApplication::clipboard()->setText(formatBlock(block));
+}
+
+void pasteFromClipboard(TreeGridView& grid) {
+  const std::vector<QStringList> block = parseBlock(QGuiApplication::clipboard()->text());
+  if (block.empty() || grid.model() == nullptr) return;
+  const QModelIndexList selected = grid.selectedCells();
+  const std::vector<int> columns = grid.visibleColumns();
+  std::vector<Target> targets;
+  QStringList notes;
+
+  if (block.size() == 1 && block.front().size() == 1 && selected.size() > 1) {
+    for (const QModelIndex& cell : selected) targets.push_back({cell, block.front().front()});
+  } else {
+    // A selected block takes the paste at its top left corner, wherever its current cell is.
+    QModelIndex start = grid.currentIndex();
+    if (selected.size() > 1 && selected.contains(start)) {
+      const QModelIndex top = selected.front();
+      for (const int column : columns) {
+        const auto in = [column](const QModelIndex& cell) { return cell.column() == column; };
+        if (std::any_of(selected.begin(), selected.end(), in)) {
+          start = top.sibling(top.row(), column);
+          break;
+        }
+      }
+    }
+    const auto first = std::find(columns.begin(), columns.end(), start.column());
+    if (!start.isValid() || first == columns.end()) return;
+    const auto room = static_cast<int>(columns.end() - first);
+    int missingRows = 0;
+    int missingColumns = 0;
+    QModelIndex row = start.sibling(start.row(), 0);
+    for (const QStringList& cells : block) {
+      if (!row.isValid()) {
+        ++missingRows;
+        continue;
+      }
+      missingColumns = std::max(missingColumns, cells.size() - room);
+      for (int i = 0; i < std::min(room, cells.size()); ++i) {
+        const QModelIndex cell = row.sibling(row.row(), *(first + i));
+        targets.push_back({cell, cells.at(i)});
+      }
+      row = grid.indexBelow(row);
+    }
+    if (missingRows > 0) {
+      notes << QString::fromUtf8("有 %1 行超出表格末尾，未粘贴。").arg(missingRows);
+    }
+    if (missingColumns > 0) {
+      notes << QString::fromUtf8("有 %1 列超出表格右侧，未粘贴。").arg(missingColumns);
+    }
+  }
+
+  Refused refused;
+  {
+    const app::ScopedUndo undo("粘贴");
+    for (const Target& target : targets) {
+      // What already stands there needs no writing: digits that are not shown stay, and copied
+      // rows can be pasted back over columns that cannot be edited.
+      if (target.cell.isValid() && clipboardText(target.cell) == target.text) continue;
+      if (!writeCell(target.cell, target.text)) refused.push_back(target.cell);
+    }
+  }
+  report(grid, QString::fromUtf8("以下 %1 个单元格不可编辑或不接受所粘贴的内容："), refused, notes);
+}
+
+void clearCells(TreeGridView& grid) {
+  std::vector<Target> targets;
+  for (const QModelIndex& cell : grid.selectedCells()) {
+    constexpr Qt::ItemFlags editable = Qt::ItemIsEditable | Qt::ItemIsEnabled;
+    if ((cell.flags() & editable) != editable) continue;
+    if (cell.data(domain::FieldTypeRole).toInt() == domain::BoolField) continue;
+    if (clipboardText(cell).isEmpty()) continue;
+    targets.push_back({cell, QString()});
+  }
+  if (targets.empty()) return;
+  Refused refused;
+  {
+    const app::ScopedUndo undo("清除内容");
+    for (const Target& target : targets) {
+      if (!writeCell(target.cell, target.text)) refused.push_back(target.cell);
+    }
+  }
+  report(grid, QString::fromUtf8("以下 %1 个单元格的内容不能清除："), refused, {});
+}
+
+}  // namespace bwidgets

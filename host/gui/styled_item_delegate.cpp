@@ -1,0 +1,159 @@
+#include "host/gui/styled_item_delegate.h"
+
+#include <QAbstractItemView>
+#include <QHelpEvent>
+#include <QLineEdit>
+#include <QRegularExpressionValidator>
+#include <QToolTip>
+#include <algorithm>
+
+#include "host/base/number_text.h"
+#include "host/bwidgets/cell_text.h"
+#include "host/bwidgets/grid_clipboard.h"
+#include "host/bwidgets/search_box.h"
+#include "host/bwidgets/tree_grid_view.h"
+#include "host/domain/data_field.h"
+#include "host/domain/item_role.h"
+
+namespace gui {
+namespace {
+
+constexpr char startText[] = "gui_startText";  // what an editor showed before the user typed
+const QColor searchMark(0xff, 0xf1, 0xa8);
+
+bool isNumber(const QModelIndex& index) {
+  const int type = index.data(domain::FieldTypeRole).toInt();
+  return type == domain::IntegerField || type == domain::FloatingPointField;
+}
+
+QString editText(const QModelIndex& index) {
+  const QVariant value = index.data(Qt::EditRole);
+  if (value.type() == QVariant::Double) {
+    return QString::fromStdString(base::ToPlainString(value.toDouble()));
+  }
+  if (value.type() == QVariant::Bool) {
+    return value.toBool() ? QString::fromUtf8("是") : QString::fromUtf8("否");
+  }
+  if (!value.isValid() || value.isNull()) {
+    // A host may answer the display role alone.
+    return bwidgets::clipboardText(index);
+  }
+  return value.toString();
+}
+
+}  // namespace
+
+StyledItemDelegate::StyledItemDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
+
+void StyledItemDelegate::initStyleOption(QStyleOptionViewItem* option,
+                                         const QModelIndex& index) const {
+  QStyledItemDelegate::initStyleOption(option, index);
+  if (isNumber(index) && !index.data(Qt::TextAlignmentRole).isValid()) {
+    option->displayAlignment = Qt::AlignRight | Qt::AlignVCenter;
+  }
+  if (index.data(Qt::CheckStateRole).isValid() && option->text.isEmpty()) {
+    // A check box alone stands in the middle, where sizeHint and clicks expect it, too.
+    option->decorationAlignment = Qt::AlignCenter;
+  }
+  const auto* grid = qobject_cast<const bwidgets::TreeGridView*>(option->widget);
+  if (grid != nullptr && grid->searchBox() != nullptr && grid->searchBox()->marks(option->text)) {
+    option->backgroundBrush = searchMark;
+  }
+}
+
+void StyledItemDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                               const QModelIndex& index) const {
+  QStyleOptionViewItem plain = option;
+  plain.state &= ~QStyle::State_HasFocus;  // the grid frames its current cell itself
+  QStyledItemDelegate::paint(painter, plain, index);
+}
+
+QSize StyledItemDelegate::sizeHint(const QStyleOptionViewItem& option,
+                                   const QModelIndex& index) const {
+  QSize size = QStyledItemDelegate::sizeHint(option, index);
+  const auto* grid = qobject_cast<const bwidgets::TreeGridView*>(option.widget);
+  const int line = option.fontMetrics.height();
+  int height = line + std::max(4, line / 4);
+  if (grid != nullptr && grid->rowsResizedToContents()) {
+    // The view does not tell the width, and wrapping needs it.
+    constexpr int margins = 10;
+    const QRect room(0, 0, std::max(1, grid->columnWidth(index.column()) - margins), 1 << 20);
+    const QRect text = option.fontMetrics.boundingRect(
+        room, Qt::TextWordWrap | Qt::TextWrapAnywhere, index.data().toString());
+    height = std::max(height, text.height() + std::max(4, line / 4));
+  }
+  size.setHeight(height);
+  return size;
+}
+
+QWidget* StyledItemDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
+                                          const QModelIndex& index) const {
+  auto* editor = new QLineEdit(parent);
+  editor->setFrame(false);
+  editor->setAutoFillBackground(true);
+  if (isNumber(index)) {
+    editor->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // Full-width digits come from Chinese input methods.
+    static const QRegularExpression number(
+        QString::fromUtf8("\\s*[-+－＋]?[0-9０-９,，]*[.．。]?[0-9０-９]*\\s*"));
+    editor->setValidator(new QRegularExpressionValidator(number, editor));
+  }
+  return editor;
+}
+
+void StyledItemDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
+  auto* line = qobject_cast<QLineEdit*>(editor);
+  if (line == nullptr) {
+    QStyledItemDelegate::setEditorData(editor, index);
+    return;
+  }
+  // The model may change while the user types; what was typed stays.
+  if (line->property(startText).isValid()) return;
+  const QString text = editText(index);
+  line->setProperty(startText, text);
+  line->setText(text);
+  line->selectAll();
+}
+
+void StyledItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
+                                      const QModelIndex& index) const {
+  const auto* line = qobject_cast<QLineEdit*>(editor);
+  if (line == nullptr) {
+    QStyledItemDelegate::setModelData(editor, model, index);
+    return;
+  }
+  QString text = line->text();
+  const QVariant before = line->property(startText);
+  if (before.isValid() && before.toString() == text) return;
+  if (isNumber(index)) {
+    text.replace(QString::fromUtf8("。"), QStringLiteral("."));
+    text = bwidgets::plainNumber(text).value_or(text.trimmed());
+  } else if (index.data(domain::FieldTypeRole).toInt() == domain::BoolField) {
+    const std::optional<bool> checked = bwidgets::yesOrNo(text);
+    if (checked) model->setData(index, *checked, Qt::EditRole);
+    return;
+  }
+  model->setData(index, text, Qt::EditRole);
+}
+
+void StyledItemDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
+                                              const QModelIndex& /*index*/) const {
+  editor->setGeometry(option.rect.adjusted(0, 0, -1, -1));  // the grid lines stay
+}
+
+bool StyledItemDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
+                                   const QStyleOptionViewItem& option, const QModelIndex& index) {
+  if (event == nullptr || view == nullptr || event->type() != QEvent::ToolTip || !index.isValid() ||
+      !index.data(Qt::ToolTipRole).toString().isEmpty()) {
+    return QStyledItemDelegate::helpEvent(event, view, option, index);
+  }
+  QStyleOptionViewItem full = option;
+  initStyleOption(&full, index);
+  const QRect cell = view->visualRect(index);
+  const int needed = QFontMetrics(full.font).horizontalAdvance(full.text) + 8;
+  const bool cut = !full.text.isEmpty() && (needed > cell.width() || full.text.contains('\n'));
+  QToolTip::showText(event->globalPos(), cut ? full.text : QString(), view->viewport(), cell);
+  return true;
+}
+
+}  // namespace gui

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "host/bwidgets/tree_grid_view.h"
+
+namespace gui {
+
+/// The module's tree grid: a bwidgets::TreeGridView with a StyledItemDelegate.
+class QCE_HOST_WIDGETS_EXPORT TreeGridView : public bwidgets::TreeGridView {
+  Q_OBJECT
+
+ public:
+  explicit TreeGridView(QWidget* parent = nullptr);
+};
+
+}  // namespace gui
