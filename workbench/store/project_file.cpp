@@ -168,9 +168,17 @@ void removeWithSideFiles(const QString& path) {
   for (const char* side : SideFiles) QFile::remove(path + QLatin1String(side));
 }
 
+std::filesystem::path native(const QString& path) {
+#ifdef Q_OS_UNIX
+  return QFile::encodeName(path).toStdString();
+#else
+  return path.toStdWString();
+#endif
+}
+
 void replaceFile(const QString& from, const QString& to) {
   std::error_code error;
-  std::filesystem::rename(from.toStdWString(), to.toStdWString(), error);
+  std::filesystem::rename(native(from), native(to), error);
   if (error) {
     throw Failed(FailureKind::Unwritable,
                  QStringLiteral("无法写入工程文件“%1”：%2。")

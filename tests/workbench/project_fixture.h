@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QTemporaryDir>
+#include <QtTest>
+#include <memory>
+#include <vector>
+
+#include "host/app/services.h"
+#include "workbench/controllers/open_project.h"
+#include "workbench/exchange/sample_generator.h"
+#include "workbench/services/channels.h"
+
+namespace tests {
+
+/// The office building as a project file in a directory of its own, opened on demand, with
+/// recorded messages and its undo among the services.
+class ProjectFixture {
+ public:
+  ProjectFixture() {
+    const exchange::SourceDocument source =
+        exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
+    made = store::ProjectFile::create(path(), &source, {"办公楼", "投标成本测算", {}}, failure);
+  }
+  ~ProjectFixture() {
+    close();
+    app::InstallServices(before_);
+  }
+  ProjectFixture(const ProjectFixture&) = delete;
+  ProjectFixture& operator=(const ProjectFixture&) = delete;
+
+  QString path() const { return dir_.filePath("办公楼.qcp"); }
+  QString directory() const { return dir_.path(); }
+
+  /// Null when it cannot be opened.
+  controllers::OpenProject* open() {
+    close();
+    opened_ = controllers::OpenProject::open(path(), failure);
+    app::Services services;
+    services.undo = opened_ ? &opened_->undo() : nullptr;
+    services.channel = &channel;
+    services.qceChannel = &channel;
+    app::InstallServices(services);
+    return opened_.get();
+  }
+  void close() {
+    app::InstallServices({});
+    opened_.reset();
+  }
+
+  records::ResourceItem& item(int unitWork, records::Category category, int row) {
+    records::Project& project = opened_->project();
+    const records::StructureNode& node = *project.unitWorks().at(std::size_t(unitWork));
+    return *static_cast<records::ResourceItem*>(
+        project.categoryGroup(node, category)->rows().at(row));
+  }
+  std::vector<records::ResourceItem*> items() {
+    std::vector<records::ResourceItem*> all;
+    for (const records::StructureNode* node : opened_->project().unitWorks()) {
+      for (int i = 0; i < records::CategoryCount; ++i) {
+        const auto* group =
+            opened_->project().categoryGroup(*node, static_cast<records::Category>(i));
+        for (int row = 0; row < group->rows().size(); ++row) {
+          all.push_back(static_cast<records::ResourceItem*>(group->rows().at(row)));
+        }
+      }
+    }
+    return all;
+  }
+
+  bool made = false;
+  store::Failure failure;
+  services::RecordingChannel channel;
+
+ private:
+  QTemporaryDir dir_;
+  std::unique_ptr<controllers::OpenProject> opened_;
+  app::Services before_ = app::InstallServices({});
+};
+
+}  // namespace tests
