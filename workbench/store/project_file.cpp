@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "workbench/exchange/source_document.h"
-#include "workbench/records/from_source.h"
 #include "workbench/store/database.h"
+#include "workbench/store/from_source.h"
 #include "workbench/store/project_rows.h"
 #include "workbench/store/schema.h"
 
@@ -228,7 +228,7 @@ bool ProjectFile::create(const QString& path, const exchange::SourceDocument* so
       const RowProgress filling =
           rowProgress(progress, 0, 30, static_cast<qint64>(counts.resources));
       rows = static_cast<qint64>(counts.bills + counts.resources * 2);
-      const bool filled = records::fillFromSource(project, *source, [&](std::size_t done) {
+      const bool filled = fillFromSource(project, *source, [&](std::size_t done) {
         return !filling || filling(static_cast<qint64>(done));
       });
       if (!filled) throw cancelled;

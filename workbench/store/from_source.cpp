@@ -1,4 +1,4 @@
-#include "workbench/records/from_source.h"
+#include "workbench/store/from_source.h"
 
 #include <tuple>
 #include <unordered_map>
@@ -6,8 +6,23 @@
 #include "workbench/exchange/source_document.h"
 #include "workbench/records/project_builder.h"
 
-namespace records {
+namespace store {
 namespace {
+
+using records::Bill;
+using records::BudgetItem;
+using records::Category;
+using records::CostAccount;
+using records::Facts;
+using records::IndirectFeeGroup;
+using records::IndirectFeeItem;
+using records::Project;
+using records::ProjectBuilder;
+using records::ResourceItem;
+using records::ResourceItemData;
+using records::StructureKind;
+using records::StructureNode;
+using records::Text;
 
 Category categoryOf(exchange::ResourceCategory category) {
   switch (category) {
@@ -241,9 +256,9 @@ class Filler {
 
 }  // namespace
 
-bool fillFromSource(Project& project, const exchange::SourceDocument& source,
+bool fillFromSource(records::Project& project, const exchange::SourceDocument& source,
                     const std::function<bool(std::size_t done)>& progress) {
   return Filler(project, progress).fill(source);
 }
 
-}  // namespace records
+}  // namespace store
