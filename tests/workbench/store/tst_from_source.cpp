@@ -1,7 +1,7 @@
 #include <QtTest>
 
 #include "workbench/exchange/sample_generator.h"
-#include "workbench/records/from_source.h"
+#include "workbench/store/from_source.h"
 
 using costing::Decimal;
 using records::Category;
@@ -69,8 +69,8 @@ class FromSourceTest : public QObject {
 
 void FromSourceTest::gathersWhatIsTheSame() {
   records::Project project;
-  QVERIFY(records::fillFromSource(project, document({resource("r1", "0.123457", "400.05")},
-                                                    {resource("r2", "0.3", "400.05")})));
+  QVERIFY(store::fillFromSource(project, document({resource("r1", "0.123457", "400.05")},
+                                                  {resource("r2", "0.3", "400.05")})));
   QCOMPARE(project.itemCount(), 1);
   const auto* group = project.categoryGroup(*project.unitWorks()[0], Category::Material);
   const auto& item = *static_cast<ResourceItem*>(group->rows().at(0));
@@ -131,7 +131,7 @@ void FromSourceTest::keepsApartWhatDiffers() {
       break;
   }
   records::Project project;
-  QVERIFY(records::fillFromSource(project, document({resource("r1", "0.3", "400.05")}, {other})));
+  QVERIFY(store::fillFromSource(project, document({resource("r1", "0.3", "400.05")}, {other})));
   QCOMPARE(project.itemCount(), 2);
 }
 
@@ -147,7 +147,7 @@ void FromSourceTest::keepsTheMoneyOfTheOffice() {
   const auto source =
       exchange::SampleGenerator::officeBuilding(static_cast<exchange::SourceKind>(kind));
   records::Project project;
-  QVERIFY(records::fillFromSource(project, source));
+  QVERIFY(store::fillFromSource(project, source));
   const exchange::Money money = exchange::moneyOf(source);
   QCOMPARE(project.totals().budget, money.resources);
   QCOMPARE(project.feeTotal(), money.fees);
@@ -174,7 +174,7 @@ void FromSourceTest::canBeCancelled() {
   const std::vector<exchange::Resource> many(1500, resource("r", "0.3", "400.05"));
   records::Project project;
   std::size_t heard = 0;
-  QVERIFY(!records::fillFromSource(project, document(many, many), [&](std::size_t done) {
+  QVERIFY(!store::fillFromSource(project, document(many, many), [&](std::size_t done) {
     heard = done;
     return done < 2000;
   }));
