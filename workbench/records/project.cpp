@@ -106,9 +106,9 @@ FieldValue Project::value(const ResourceItem& item, ItemField field) const {
 }
 
 void Project::set(ResourceItem& item, ItemField field, const FieldValue& after) {
-  FieldValue before = value(item, field);
+  const FieldValue before = value(item, field);
   if (before == after) return;
-  record(SetField{scoped_refptr<ResourceItem>(&item), field, std::move(before), after});
+  record(SetField{scoped_refptr<ResourceItem>(&item), field, before, after});
 }
 
 void Project::add(StructureNode& unitWork, const ResourceItemData& data) {
@@ -383,6 +383,7 @@ std::string Project::dump() const {
       const ResourceGroup* group = categoryGroup(*unitWork, static_cast<Category>(i));
       money(nameOf(static_cast<Category>(i)), group->totals());
       std::vector<const ResourceItem*> items;
+      items.reserve(static_cast<std::size_t>(group->rows().size()));
       for (int row = 0; row < group->rows().size(); ++row) items.push_back(&itemAt(*group, row));
       std::sort(items.begin(), items.end(), [](const ResourceItem* a, const ResourceItem* b) {
         return a->position() < b->position();
