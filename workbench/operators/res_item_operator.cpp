@@ -154,6 +154,15 @@ bool isFlag(int column) {
   return column == OwnerSupplied || column == Provisional || column == PriceAdjustable;
 }
 
+// Whether every item below the element is associated; true without any.
+bool allAssociated(const proxy::Element& element) {
+  if (const ResourceItem* item = itemOf(&element)) return item->associated();
+  for (int row = 0; row < element.childCount(); ++row) {
+    if (!allAssociated(*element.child(row))) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 std::unique_ptr<domain::DisplayTable> makeResItemTable() {
@@ -348,17 +357,19 @@ bool ResItemOperator::getField(const proxy::Element* element, const std::string&
   if (const ResourceItem* item = itemOf(element)) return display(*item, column, out);
   const auto* group = dynamic_cast<const ResourceGroup*>(element);
   if (group == nullptr) return false;
-  if (displayGroup(*group, column, out)) return true;
-  // Filters read flags and texts of every row, grouping rows too.
-  const int type = columns()[static_cast<std::size_t>(column)].type;
-  if (type == domain::BoolField) {
-    out = false;
-  } else if (type == domain::StringField) {
-    out = std::string();
-  } else {
-    return false;
+  // Filters read flags and texts of every row, grouping rows too. A caption is no field of theirs:
+  // a group is to be shown for the items below it alone.
+  switch (columns()[static_cast<std::size_t>(column)].type) {
+    case domain::BoolField:
+      out = false;
+      return true;
+    case domain::StringField:
+      // Associated as a whole once all below it is, so that it goes with the last one that is not.
+      domain::AssignText(out, column == Association && allAssociated(*group) ? "√" : "");
+      return true;
+    default:
+      return displayGroup(*group, column, out);
   }
-  return true;
 }
 
 bool ResItemOperator::setValue(proxy::Element* element, const std::string& key, const Value& value,
