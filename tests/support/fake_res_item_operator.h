@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "host/domain/field_keys.h"
@@ -27,9 +28,12 @@ class FakeResItemOperator : public domain::qce::QCEResItemOperator {
     header.addColumn(keys::BRIIsProvidedByJia, {"甲供", BoolField, {}, {}, {}, false});
   }
 
-  /// A grouping row that is named in the code column.
+  /// A grouping row; its caption is shown as code and name.
   Node* group(const std::string& caption) {
-    return tree.add(caption)->set(domain::keys::BRICode, domain::DisplayRole, caption);
+    using namespace domain;
+    return tree.add(caption)
+        ->set(keys::BRICode, DisplayRole, caption)
+        ->set(keys::BRIName, DisplayRole, caption);
   }
 
   static Node* item(Node* group, const std::string& code, const std::string& name,
@@ -74,7 +78,10 @@ class FakeResItemOperator : public domain::qce::QCEResItemOperator {
   }
 
   void setSubProject(proxy::Element* element) override { subProject = element; }
-  void rebuildGroup() override { ++rebuilt; }
+  void rebuildGroup() override {
+    ++rebuilt;
+    if (onRebuild) onRebuild();
+  }
 
   bool getField(const proxy::Element* element, const std::string& key,
                 domain::Value& out) const override {
@@ -113,6 +120,7 @@ class FakeResItemOperator : public domain::qce::QCEResItemOperator {
   proxy::Element* refused = nullptr;  ///< an item that takes no writes
   proxy::Element* subProject = nullptr;
   int rebuilt = 0;
+  std::function<void()> onRebuild;  ///< what a rebuild changes
   int filterType = domain::qce::FilterAll;
   mutable int fieldReads = 0;
 
