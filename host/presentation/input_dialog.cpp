@@ -1,11 +1,9 @@
 #include "host/presentation/input_dialog.h"
 
-#include <QDialogButtonBox>
 #include <QDoubleValidator>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QPushButton>
 #include <QVBoxLayout>
 #include <cmath>
 
@@ -33,8 +31,7 @@ QDoubleValidator* createValidator(const CInputDialog::Bounds& bounds, QObject* p
 
 CInputDialog::CInputDialog(const QString& title, const QString& label, double value,
                            const Bounds& bounds, QWidget* parent)
-    : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
-      bounds_(bounds) {
+    : Dialog(parent), bounds_(bounds) {
   setWindowTitle(title);
   edit_ = new QLineEdit(plain(value, bounds.decimals), this);
   edit_->setObjectName("CInputDialog_value");
@@ -45,11 +42,7 @@ CInputDialog::CInputDialog(const QString& title, const QString& label, double va
   auto* caption = new QLabel(label, this);
   caption->setBuddy(edit_);
 
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-  buttons->button(QDialogButtonBox::Ok)->setText("确定");
-  buttons->button(QDialogButtonBox::Cancel)->setText("取消");
-  connect(buttons, &QDialogButtonBox::accepted, this, &CInputDialog::accept);
-  connect(buttons, &QDialogButtonBox::rejected, this, &CInputDialog::reject);
+  QDialogButtonBox* buttons = createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
 
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(caption);
@@ -68,7 +61,7 @@ void CInputDialog::accept() {
   bool ok = false;
   const double value = edit_->text().toDouble(&ok);
   if (ok && std::isfinite(value) && value >= bounds_.minimum && value <= bounds_.maximum) {
-    QDialog::accept();
+    Dialog::accept();
     return;
   }
   const QString text = QString("“%1”不是 %2 至 %3 之间的数字，请重新输入！")

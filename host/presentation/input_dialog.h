@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QDialog>
-
+#include "host/bwidgets/dialog.h"
 #include "qce_export.h"
 
 class QLineEdit;
@@ -10,7 +9,7 @@ namespace gui {
 
 /// Asks for one number. exec() answers 1 when the user confirmed a number within the bounds; what
 /// is none, or lies outside, is refused with a message and the dialog stays open.
-class QCE_EXPORT CInputDialog : public QDialog {
+class QCE_EXPORT CInputDialog : public bwidgets::Dialog {
   Q_OBJECT
 
  public:

@@ -1,0 +1,140 @@
+#include "host/presentation/res_item_view.h"
+
+#include <QActionGroup>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "host/abst/base_model.h"
+#include "host/bwidgets/search_box.h"
+#include "host/domain/field_keys.h"
+#include "host/gui/styled_item_delegate.h"
+#include "host/gui/tree_grid_view.h"
+#include "host/presentation/res_item_filter_model.h"
+
+namespace gui {
+
+ResItemViewImpl::ResItemViewImpl(QWidget* parent) : BasePage(parent) {}
+ResItemViewImpl::~ResItemViewImpl() = default;
+
+void ResItemViewImpl::init() {
+  treeGrid_ = createTableGridView();
+  treeGrid_->setItemDelegate(createDelegate());
+  treeGrid_->setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(treeGrid_, &QWidget::customContextMenuRequested, this, &ResItemViewImpl::showContextMenu);
+  setGrid(treeGrid_, domain::keys::BRIName, domain::keys::BRICode);
+
+  auto* toolBar = new QHBoxLayout;
+  toolBar->setContentsMargins(6, 4, 6, 4);
+  toolBar->setSpacing(4);
+  if (hasTextFilter()) toolBar->addWidget(createTextFilter());
+  fillToolBar(toolBar);
+  toolBar->addStretch();
+
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  layout->addLayout(toolBar);
+  layout->addWidget(createContent(treeGrid_), 1);
+  if (QWidget* footer = createFooter()) layout->addWidget(footer);
+}
+
+gui::TreeGridView* ResItemViewImpl::createTableGridView() {
+  return new gui::TreeGridView(this);
+}
+
+gui::StyledItemDelegate* ResItemViewImpl::createDelegate() {
+  return new gui::StyledItemDelegate(treeGrid_);
+}
+
+QWidget* ResItemViewImpl::createContent(gui::TreeGridView* grid) {
+  return grid;
+}
+
+void ResItemViewImpl::setModel(abst::BaseModel* model) {
+  BasePage::setModel(model);
+  textFilter_ = dynamic_cast<ResItemTextFilter*>(abstractModel());
+  setPopup(treeGrid_->searchBox());
+}
+
+QWidget* ResItemViewImpl::createTextFilter() {
+  auto* box = new QWidget(this);
+  auto* menu = new QMenu(box);
+  auto* types = new QActionGroup(menu);
+  for (const char* type : {"人工", "材料", "机械", "主材", "设备", "所有"}) {
+    QAction* action = menu->addAction(type);
+    action->setCheckable(true);
+    types->addAction(action);
+  }
+  types->actions().last()->setChecked(true);
+  connect(types, &QActionGroup::triggered, this, [this](const QAction* action) {
+    if (textFilter_ != nullptr) textFilter_->filterType(action->text().toStdString());
+    expandAll();
+  });
+
+  auto* typeButton = new QPushButton("筛选条件", box);
+  typeButton->setObjectName("ResItem_filterRCJButton");
+  typeButton->setMenu(menu);
+  textEdit_ = new QLineEdit(box);
+  textEdit_->setObjectName("ResItem_filterText");
+  textEdit_->setPlaceholderText("输入内容");
+  textEdit_->setClearButtonEnabled(true);
+  connect(textEdit_, &QLineEdit::returnPressed, this, &ResItemViewImpl::applyTextFilter);
+  auto* filterButton = new QPushButton("过滤", box);
+  filterButton->setFlat(true);
+  filterButton->setFixedWidth(40);
+  connect(filterButton, &QPushButton::clicked, this, &ResItemViewImpl::applyTextFilter);
+
+  auto* layout = new QHBoxLayout(box);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(typeButton);
+  layout->addWidget(textEdit_);
+  layout->addWidget(filterButton);
+  return box;
+}
+
+void ResItemViewImpl::applyTextFilter() {
+  if (textFilter_ != nullptr) textFilter_->filter(textEdit_->text().toStdString());
+  expandAll();
+}
+
+void ResItemViewImpl::find() {
+  treeGrid_->openSearchBox();
+}
+
+void ResItemViewImpl::expandAll() {
+  treeGrid_->expandAll();
+}
+
+void ResItemViewImpl::collapseAll() {
+  treeGrid_->collapseAll();
+}
+
+void ResItemViewImpl::fillContextMenu(QMenu* menu) {
+  menu->addAction("查找\tCtrl+F", this, &ResItemViewImpl::find);
+  menu->addAction("全部展开", this, &ResItemViewImpl::expandAll);
+  menu->addAction("全部折叠", this, &ResItemViewImpl::collapseAll);
+}
+
+void ResItemViewImpl::showContextMenu(const QPoint& position) {
+  auto* menu = new QMenu(this);
+  menu->setObjectName("ResItem_contextMenu");
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  fillContextMenu(menu);
+  menu->popup(treeGrid_->viewport()->mapToGlobal(position));
+}
+
+// A key and not a shortcut: a main window may have a find command of its own under the same keys.
+void ResItemViewImpl::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Find)) {
+    find();
+    return;
+  }
+  BasePage::keyPressEvent(event);
+}
+
+}  // namespace gui

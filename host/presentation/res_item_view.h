@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QString>
+
+#include "framework/base_page.h"
+#include "qce_export.h"
+
+class QBoxLayout;
+class QLineEdit;
+class QMenu;
+
+namespace gui {
+
+class ResItemTextFilter;
+class StyledItemDelegate;
+class TreeGridView;
+
+/// The host's generic resource-item page: a tool bar, the grid with its delegate, a text filter
+/// with a choice of category, a context menu and find. A concrete page overrides the hooks and
+/// calls init() in its constructor.
+class QCE_EXPORT ResItemViewImpl : public BasePage {
+  Q_OBJECT
+
+ public:
+  explicit ResItemViewImpl(QWidget* parent = nullptr);
+  ~ResItemViewImpl() override;
+
+  void setModel(abst::BaseModel* model) override;
+
+ public slots:
+  // What a page that changes the set of its items does; nothing here.
+  virtual void insertItem() {}
+  virtual void deleteItem() {}
+  virtual void searchRCJ() {}
+  /// Opens the search box over the grid.
+  void find();
+  void expandAll();
+  void collapseAll();
+
+ protected:
+  /// Builds the widgets from the hooks below.
+  void init();
+
+  virtual gui::TreeGridView* createTableGridView();
+  virtual gui::StyledItemDelegate* createDelegate();
+  /// Whether the page's filter model is one that the text filter can drive (ResItemTextFilter).
+  virtual bool hasTextFilter() const { return true; }
+  /// Adds the page's own controls, after the text filter.
+  virtual void fillToolBar(QBoxLayout* /*toolBar*/) {}
+  /// What stands below the tool bar: the grid, or a widget that holds it.
+  virtual QWidget* createContent(gui::TreeGridView* grid);
+  /// What stands below the content; null for nothing.
+  virtual QWidget* createFooter() { return nullptr; }
+  /// Adds the entries of the grid's context menu.
+  virtual void fillContextMenu(QMenu* menu);
+
+  gui::TreeGridView* treeGrid() const { return treeGrid_; }
+
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  QWidget* createTextFilter();
+  void applyTextFilter();
+  void showContextMenu(const QPoint& position);
+
+  gui::TreeGridView* treeGrid_ = nullptr;
+  ResItemTextFilter* textFilter_ = nullptr;
+  QLineEdit* textEdit_ = nullptr;
+};
+
+}  // namespace gui
