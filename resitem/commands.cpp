@@ -11,24 +11,6 @@
 #include "host/proxy/element.h"
 
 namespace gui::qce {
-namespace {
-
-// Runs `write` for each entry inside one undo step until one is refused. Answers that entry, after
-// everything was taken back, or null.
-template <class Entry>
-const Entry* writeAll(const char* name, const std::vector<Entry>& entries,
-                      const std::function<bool(const Entry&)>& write) {
-  app::ScopedUndo undo(name);
-  for (const Entry& entry : entries) {
-    if (!write(entry)) {
-      undo.abandon();
-      return &entry;
-    }
-  }
-  return nullptr;
-}
-
-}  // namespace
 
 ResItemCommands::ResItemCommands(abst::qce::QCEResItemFilterModel* model)
     : model_(model),
@@ -47,35 +29,33 @@ bool ResItemCommands::isAccepted(const std::function<void()>& write) const {
   return announced;
 }
 
+std::optional<std::string> ResItemCommands::writeAll(
+    const char* name, const Items& items, const std::function<bool(proxy::Element*)>& write) const {
+  app::ScopedUndo undo(name);
+  for (proxy::Element* item : items) {
+    if (write(item)) continue;
+    std::string refused = describe(item);  // while nothing is taken back yet
+    undo.abandon();
+    return refused;
+  }
+  return std::nullopt;
+}
+
 std::string ResItemCommands::setExcludeTaxPrice(const Items& items, double price) const {
-  const auto* refused = writeAll<proxy::Element*>(
-      "批量设置不含税单价", items, [this, price](proxy::Element* const& item) {
+  const std::optional<std::string> refused =
+      writeAll("批量设置不含税单价", items, [this, price](proxy::Element* item) {
         return isAccepted([&] { model_->setExcludeTaxPrice(item, price); });
       });
-  if (refused == nullptr) return {};
-  return "“" + describe(*refused) +
-         "”的不含税单价不能修改，本次批量设置已全部取消。请取消选择该项后重试。";
+  if (!refused) return {};
+  return "“" + *refused + "”的不含税单价不能修改，本次批量设置已全部取消。请取消选择该项后重试。";
 }
 
 std::string ResItemCommands::setComment(const Items& items, const std::string& comment) const {
-  const auto* refused = writeAll<proxy::Element*>(
+  const std::optional<std::string> refused = writeAll(
       comment.empty() ? "删除批注" : "编辑批注", items,
-      [this, &comment](proxy::Element* const& item) { return model_->setComment(item, comment); });
-  if (refused == nullptr) return {};
-  return "“" + describe(*refused) + "”的批注不能修改，批注未作任何改动。";
-}
-
-std::string ResItemCommands::clearCells(const QList<QModelIndex>& cells) const {
-  const std::vector<QPersistentModelIndex> kept(cells.begin(), cells.end());
-  const auto* refused =
-      writeAll<QPersistentModelIndex>("清除内容", kept, [this](const QPersistentModelIndex& cell) {
-        return (cell.flags() & Qt::ItemIsEditable) != 0 &&
-               items_->setData(cell, QString(), Qt::EditRole);
-      });
-  if (refused == nullptr) return {};
-  return "“" + describe(view_->getInternalData(*refused)) + "”的“" +
-         items_->headerData(refused->column(), Qt::Horizontal).toString().toStdString() +
-         "”不能清除，所选单元格均未改动。";
+      [this, &comment](proxy::Element* item) { return model_->setComment(item, comment); });
+  if (!refused) return {};
+  return "“" + *refused + "”的批注不能修改，批注未作任何改动。";
 }
 
 proxy::Element* ResItemCommands::shownNeighbour(proxy::Element* item, bool up) const {
@@ -102,8 +82,8 @@ std::string ResItemCommands::move(const Items& items, bool up,
   std::sort(ordered.begin(), ordered.end(), [up](proxy::Element* a, proxy::Element* b) {
     return up ? a->row() < b->row() : a->row() > b->row();
   });
-  const auto* refused =
-      writeAll<proxy::Element*>(up ? "上移" : "下移", ordered, [&](proxy::Element* const& item) {
+  const std::optional<std::string> refused =
+      writeAll(up ? "上移" : "下移", ordered, [&](proxy::Element* item) {
         const proxy::Element* next = shownNeighbour(item, up);
         if (next == nullptr) return false;
         for (int steps = std::abs(next->row() - item->row()); steps > 0; --steps) {
@@ -111,8 +91,8 @@ std::string ResItemCommands::move(const Items& items, bool up,
         }
         return true;
       });
-  if (refused == nullptr) return {};
-  return "“" + describe(*refused) + "”不能" + (up ? "上移" : "下移") + "，行的顺序未作任何改动。";
+  if (!refused) return {};
+  return "“" + *refused + "”不能" + (up ? "上移" : "下移") + "，行的顺序未作任何改动。";
 }
 
 std::string ResItemCommands::describe(proxy::Element* item) const {

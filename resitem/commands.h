@@ -1,14 +1,13 @@
 #pragma once
 
-#include <QVariant>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/abst/qce/res_item_filter_model.h"
 
 class QAbstractItemModel;
-class QModelIndex;
 
 namespace abst::qce {
 class QCEResItemController;
@@ -37,8 +36,6 @@ class ResItemCommands {
   std::string setExcludeTaxPrice(const Items& items, double price) const;
   /// An empty comment takes the annotation away.
   std::string setComment(const Items& items, const std::string& comment) const;
-  /// Empties the cells (indexes of the page's model).
-  std::string clearCells(const QList<QModelIndex>& cells) const;
 
   /// Whether the items are siblings and the shown row above or below them is free for them.
   bool canMove(const Items& items, bool up) const;
@@ -49,6 +46,10 @@ class ResItemCommands {
   std::string describe(proxy::Element* item) const;
 
  private:
+  /// Writes item by item inside one undo step. Where one is refused, takes everything back and
+  /// answers what that item is called.
+  std::optional<std::string> writeAll(const char* name, const Items& items,
+                                      const std::function<bool(proxy::Element*)>& write) const;
   bool isAccepted(const std::function<void()>& write) const;
   proxy::Element* shownNeighbour(proxy::Element* item, bool up) const;
 

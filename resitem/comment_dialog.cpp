@@ -1,6 +1,6 @@
 #include "resitem/comment_dialog.h"
 
-#include <QDialogButtonBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -9,7 +9,7 @@
 namespace gui::qce {
 
 CommentDialog::CommentDialog(const std::string& item, const std::string& comment, QWidget* parent)
-    : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
+    : Dialog(parent) {
   setWindowTitle("批注");
   auto* caption = new QLabel(QString::fromStdString(item), this);
   caption->setWordWrap(true);
@@ -20,14 +20,8 @@ CommentDialog::CommentDialog(const std::string& item, const std::string& comment
   edit_->setTabChangesFocus(true);
   edit_->moveCursor(QTextCursor::End);
 
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-  QPushButton* ok = buttons->button(QDialogButtonBox::Ok);
-  ok->setText("确定");
-  ok->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Return));  // Return itself breaks the line
-  ok->setToolTip("确定（Ctrl+Enter）");
-  buttons->button(QDialogButtonBox::Cancel)->setText("取消");
-  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  QDialogButtonBox* buttons = createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+  buttons->button(QDialogButtonBox::Ok)->setToolTip("确定（Ctrl+Enter）");
 
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(caption);
@@ -35,6 +29,16 @@ CommentDialog::CommentDialog(const std::string& item, const std::string& comment
   layout->addWidget(buttons);
   resize(420, 260);
   edit_->setFocus();
+}
+
+// Return itself breaks the line.
+void CommentDialog::keyPressEvent(QKeyEvent* event) {
+  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (enter && (event->modifiers() & Qt::ControlModifier) != 0) {
+    accept();
+    return;
+  }
+  Dialog::keyPressEvent(event);
 }
 
 std::string CommentDialog::comment() const {

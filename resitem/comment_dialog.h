@@ -1,14 +1,15 @@
 #pragma once
 
-#include <QDialog>
 #include <string>
+
+#include "host/bwidgets/dialog.h"
 
 class QPlainTextEdit;
 
 namespace gui::qce {
 
 /// Edits the annotation (批注) of a resource item. exec() answers 1 when it was confirmed.
-class CommentDialog : public QDialog {
+class CommentDialog : public bwidgets::Dialog {
   Q_OBJECT
 
  public:
@@ -17,6 +18,9 @@ class CommentDialog : public QDialog {
 
   /// The text without blanks and line breaks at its ends, UTF-8; empty for no annotation.
   std::string comment() const;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   QPlainTextEdit* edit_;

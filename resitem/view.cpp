@@ -1,0 +1,485 @@
+#include "resitem/view.h"
+
+#include <QAbstractItemModel>
+#include <QAction>
+#include <QActionGroup>
+#include <QComboBox>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QItemSelectionModel>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSplitter>
+#include <QTimer>
+#include <QToolButton>
+
+#include "framework/cell_value.h"
+#include "framework/des_filter_view.h"
+#include "host/app/services.h"
+#include "host/base/number_text.h"
+#include "host/domain/field_keys.h"
+#include "host/domain/qce/res_item_operator.h"
+#include "host/gui/tree_grid_view.h"
+#include "host/gui/view_model.h"
+#include "host/presentation/input_dialog.h"
+#include "resitem/comment_dialog.h"
+#include "resitem/item_figures.h"
+#include "resitem/legend.h"
+
+namespace gui::qce {
+namespace {
+
+enum AssociationChoice { ShowAll, ShowAssociated, ShowUnassociated };
+
+QAction* addChoiceAction(QActionGroup* group, const QString& text, const QString& toolTip,
+                         int value) {
+  auto* action = new QAction(text, group);
+  action->setCheckable(true);
+  action->setToolTip(toolTip);
+  action->setData(value);
+  return action;
+}
+
+QFrame* createSeparator(QWidget* parent) {
+  auto* line = new QFrame(parent);
+  line->setFrameShape(QFrame::VLine);
+  line->setFrameShadow(QFrame::Sunken);
+  return line;
+}
+
+}  // namespace
+
+QCEResItemViewImpl::QCEResItemViewImpl(QWidget* parent) : ResItemViewImpl(parent) {
+  setWindowTitle("人材机");
+  refreshTimer_ = new QTimer(this);
+  refreshTimer_->setSingleShot(true);
+  refreshTimer_->setInterval(0);
+  connect(refreshTimer_, &QTimer::timeout, this, [this] {
+    refreshActions();
+    refreshStatus();
+  });
+  createActions();
+  init();
+  refreshActions();
+}
+
+QCEResItemViewImpl::~QCEResItemViewImpl() = default;
+
+void QCEResItemViewImpl::setController(abst::qce::QCEResItemController* controller) {
+  controller_ = controller;
+  refillSubProjects();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Widgets
+
+QAction* QCEResItemViewImpl::addCommand(const QString& text, const QString& toolTip,
+                                        const QKeySequence& keys,
+                                        void (QCEResItemViewImpl::*slot)()) {
+  auto* action = new QAction(text, this);
+  action->setShortcut(keys);
+  action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+  action->setToolTip(keys.isEmpty() ? toolTip : QString("%1（%2）").arg(toolTip, keys.toString()));
+  connect(action, &QAction::triggered, this, slot);
+  addAction(action);
+  return action;
+}
+
+void QCEResItemViewImpl::createActions() {
+  using Page = QCEResItemViewImpl;
+  batchPriceAction_ = addCommand("批量设置不含税单价", "把同一个不含税单价写入所有选中的人材机",
+                                 QKeySequence("Ctrl+B"), &Page::batchSetExcludeTaxPrice);
+  editCommentAction_ = addCommand("编辑批注", "查看或修改当前人材机的批注",
+                                  QKeySequence("Shift+F2"), &Page::editComment);
+  deleteCommentAction_ =
+      addCommand("删除批注", "删除选中人材机的批注", QKeySequence(), &Page::deleteComment);
+  moveUpAction_ = addCommand("上移", "把选中的行上移一行", QKeySequence("Alt+Up"), &Page::moveUp);
+  moveDownAction_ =
+      addCommand("下移", "把选中的行下移一行", QKeySequence("Alt+Down"), &Page::moveDown);
+  regroupAction_ =
+      addCommand("刷新分组", "重新生成分组，恢复排序前的顺序", QKeySequence("F5"), &Page::regroup);
+
+  conditionAction_ = new QAction("条件过滤", this);
+  conditionAction_->setCheckable(true);
+  conditionAction_->setShortcut(QKeySequence("Ctrl+Shift+F"));
+  conditionAction_->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+  connect(conditionAction_, &QAction::toggled, this, &Page::showConditions);
+  conditionAction_->setToolTip(
+      QString("显示或隐藏条件面板，按成本科目、编码、名称、规格型号、单位过滤（%1）")
+          .arg(conditionAction_->shortcut().toString()));
+  addAction(conditionAction_);
+
+  flags_ = new QActionGroup(this);
+  addChoiceAction(flags_, "全部", "不按标志过滤", domain::qce::FilterAll)->setChecked(true);
+  addChoiceAction(flags_, "甲供", "只显示甲供的人材机", domain::qce::FilterProvidedByJia);
+  addChoiceAction(flags_, "暂估", "只显示暂估价的人材机", domain::qce::FilterProvisional);
+  addChoiceAction(flags_, "可调价", "只显示可调价的人材机", domain::qce::FilterPriceAdjustable);
+  connect(flags_, &QActionGroup::triggered, this,
+          [this](const QAction* action) { setFlag(action->data().toInt()); });
+
+  associations_ = new QActionGroup(this);
+  addChoiceAction(associations_, "全部", "不按关联过滤", ShowAll)->setChecked(true);
+  addChoiceAction(associations_, "已关联", "只显示已关联清单的人材机", ShowAssociated);
+  addChoiceAction(associations_, "未关联", "只显示未关联清单的人材机", ShowUnassociated);
+  connect(associations_, &QActionGroup::triggered, this,
+          [this](const QAction* action) { setAssociation(action->data().toInt()); });
+}
+
+void QCEResItemViewImpl::addChoice(QBoxLayout* toolBar, const QString& label, QActionGroup* group) {
+  toolBar->addWidget(new QLabel(label, this));
+  auto* segments = new QHBoxLayout;
+  segments->setSpacing(0);
+  for (QAction* action : group->actions()) {
+    auto* button = new QToolButton(this);
+    button->setDefaultAction(action);
+    segments->addWidget(button);
+  }
+  toolBar->addLayout(segments);
+}
+
+void QCEResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
+  subProjectBox_ = new QComboBox(this);
+  subProjectBox_->setObjectName("ResItem_subProject");
+  subProjectBox_->setToolTip("选择要显示的工程范围");
+  subProjectBox_->setMinimumContentsLength(10);
+  subProjectBox_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  connect(subProjectBox_, QOverload<int>::of(&QComboBox::activated), this,
+          &QCEResItemViewImpl::chooseSubProject);
+  refillSubProjects();
+
+  toolBar->addWidget(new QLabel("范围:", this));
+  toolBar->addWidget(subProjectBox_);
+  toolBar->addWidget(createSeparator(this));
+  addChoice(toolBar, "标志:", flags_);
+  toolBar->addWidget(createSeparator(this));
+  addChoice(toolBar, "关联:", associations_);
+  toolBar->addWidget(createSeparator(this));
+  for (QAction* action :
+       {conditionAction_, batchPriceAction_, editCommentAction_, moveUpAction_, moveDownAction_}) {
+    auto* button = new QToolButton(this);
+    button->setDefaultAction(action);
+    button->setAutoRaise(true);
+    toolBar->addWidget(button);
+    if (action == conditionAction_) conditionButton_ = button;
+  }
+  auto* findButton = new QToolButton(this);
+  findButton->setText("查找");
+  findButton->setToolTip("在表格中查找，可输入拼音首字母（Ctrl+F）");
+  findButton->setAutoRaise(true);
+  connect(findButton, &QToolButton::clicked, this, &QCEResItemViewImpl::find);
+  toolBar->addWidget(findButton);
+}
+
+QWidget* QCEResItemViewImpl::createContent(gui::TreeGridView* grid) {
+  conditions_ = new destructors::DesFilterView(destructors::DesFilterView::ResItem, this);
+  conditions_->hide();
+  connect(conditions_->startButton(), &QPushButton::clicked, this,
+          &QCEResItemViewImpl::startFilter);
+  connect(conditions_->cancelButton(), &QPushButton::clicked, this,
+          &QCEResItemViewImpl::cancelFilter);
+  grid->installEventFilter(this);
+
+  auto* splitter = new QSplitter(this);
+  splitter->setHandleWidth(8);
+  splitter->setChildrenCollapsible(false);
+  splitter->addWidget(grid);
+  splitter->addWidget(conditions_);
+  splitter->setStretchFactor(0, 1);
+  splitter->setStretchFactor(1, 0);
+  return splitter;
+}
+
+QWidget* QCEResItemViewImpl::createFooter() {
+  auto* footer = new QWidget(this);
+  status_ = new QLabel(footer);
+  status_->setObjectName("ResItem_status");
+  status_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  auto* layout = new QHBoxLayout(footer);
+  layout->setContentsMargins(6, 3, 6, 3);
+  layout->addWidget(status_, 1);
+  layout->addWidget(new ResItemLegend(footer));
+  return footer;
+}
+
+void QCEResItemViewImpl::fillContextMenu(QMenu* menu) {
+  refreshActions();
+  treeGrid()->addEditActions(menu);
+  menu->addSeparator();
+  menu->addAction(batchPriceAction_);
+  menu->addAction(editCommentAction_);
+  menu->addAction(deleteCommentAction_);
+  menu->addSeparator();
+  menu->addAction(moveUpAction_);
+  menu->addAction(moveDownAction_);
+  menu->addSeparator();
+  QMenu* flagMenu = menu->addMenu("标志过滤");
+  flagMenu->addActions(flags_->actions());
+  QMenu* associationMenu = menu->addMenu("关联过滤");
+  associationMenu->addActions(associations_->actions());
+  menu->addAction(conditionAction_);
+  menu->addSeparator();
+  ResItemViewImpl::fillContextMenu(menu);
+  menu->addAction(regroupAction_);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Life cycle
+
+void QCEResItemViewImpl::setModel(abst::BaseModel* model) {
+  ResItemViewImpl::setModel(model);
+  filter_ = dynamic_cast<abst::qce::QCEResItemFilterModel*>(abstractModel());
+  commands_ = ResItemCommands(filter_);
+  if (!commands_.isValid()) return;
+
+  const auto* columns = dynamic_cast<const gui::ViewModel*>(abstractModel());
+  treeGrid()->setTreePosition(columns->getColumnIndex(domain::keys::BRIName));
+  connect(treeGrid()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+          &QCEResItemViewImpl::refreshLater);
+  connect(treeGrid()->selectionModel(), &QItemSelectionModel::currentChanged, this,
+          &QCEResItemViewImpl::refreshLater);
+  expandAll();
+  wasEmpty_ = treeGrid()->model()->rowCount() == 0;
+  refreshLater();
+}
+
+void QCEResItemViewImpl::activate() {
+  ResItemViewImpl::activate();
+  refillSubProjects();
+  if (filter_ == nullptr) return;
+  filter_->invalidate();
+  updateView();
+}
+
+void QCEResItemViewImpl::updateView() {
+  ResItemViewImpl::updateView();
+  refreshLater();
+}
+
+// The grid keeps open what was open; a model that was empty had nothing to keep.
+void QCEResItemViewImpl::onModelReset() {
+  if (wasEmpty_) expandAll();
+  wasEmpty_ = treeGrid()->model()->rowCount() == 0;
+  updateView();
+}
+
+void QCEResItemViewImpl::onDataChanged() {
+  updateView();
+}
+
+// Where rows cannot move any further, the keys that move them must not walk through the grid.
+bool QCEResItemViewImpl::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == treeGrid() && event->type() == QEvent::KeyPress) {
+    const auto* press = static_cast<QKeyEvent*>(event);
+    const bool vertical = press->key() == Qt::Key_Up || press->key() == Qt::Key_Down;
+    if (vertical && press->modifiers().testFlag(Qt::AltModifier)) return true;
+  }
+  return ResItemViewImpl::eventFilter(watched, event);
+}
+
+// ---------------------------------------------------------------------------------------------
+// What is shown
+
+void QCEResItemViewImpl::refillSubProjects() {
+  const int chosen = std::max(subProjectBox_->currentIndex(), 0);
+  const scoped_refptr<proxy::Element> before =
+      chosen < static_cast<int>(subProjects_.size()) ? subProjects_[chosen] : nullptr;
+
+  subProjectBox_->clear();
+  subProjects_.assign(1, nullptr);
+  subProjectBox_->addItem("整个项目");
+  if (controller_ != nullptr) {
+    for (const auto& [name, element] : controller_->getSubProjects()) {
+      subProjects_.emplace_back(element);
+      subProjectBox_->addItem(QString::fromStdString(name));
+      if (before && element != nullptr && element->id() == before->id()) {
+        subProjectBox_->setCurrentIndex(subProjectBox_->count() - 1);
+      }
+    }
+  }
+  if (before && subProjectBox_->currentIndex() == 0) chooseSubProject(0);  // it is gone
+}
+
+void QCEResItemViewImpl::chooseSubProject(int entry) {
+  if (filter_ == nullptr || entry < 0 || entry >= static_cast<int>(subProjects_.size())) return;
+  filter_->setSubProject(subProjects_[static_cast<std::size_t>(entry)].get());
+  expandAll();
+}
+
+void QCEResItemViewImpl::setFlag(int filterType) {
+  if (auto* op = resItemOperator()) op->setFilterType(filterType);
+  applyFilters();
+}
+
+void QCEResItemViewImpl::setAssociation(int choice) {
+  if (filter_ == nullptr) return;
+  filter_->setShowAll(choice == ShowAll);
+  filter_->setShowAssociation(choice == ShowAssociated);
+  applyFilters();
+}
+
+void QCEResItemViewImpl::applyFilters() {
+  if (filter_ == nullptr) return;
+  filter_->invalidate();
+  expandAll();
+  treeGrid()->scrollTo(treeGrid()->currentIndex());
+  refreshLater();
+}
+
+void QCEResItemViewImpl::showConditions(bool show) {
+  conditions_->setVisible(show);
+  (show ? static_cast<QWidget*>(conditions_) : treeGrid())->setFocus();
+}
+
+// The condition filter stays on while its panel is hidden: the button and the status line tell.
+void QCEResItemViewImpl::setConditionMark(bool on) {
+  conditionsOn_ = on;
+  QPalette palette = this->palette();
+  if (on) palette.setColor(QPalette::ButtonText, QColor(198, 40, 40));
+  conditionButton_->setPalette(palette);
+}
+
+void QCEResItemViewImpl::startFilter() {
+  if (filter_ == nullptr) return;
+  std::vector<std::string> keywords;
+  keywords.push_back(conditions_->getCbkm());
+  keywords.push_back(conditions_->getCode());
+  keywords.push_back(conditions_->getName());
+  keywords.push_back(conditions_->getFeature());
+  keywords.push_back(conditions_->getUnit());
+  filter_->setFilterField(keywords);
+  filter_->setIsFilterByCondition(true);
+  expandAll();
+  setConditionMark(true);
+  refreshLater();
+}
+
+void QCEResItemViewImpl::cancelFilter() {
+  if (filter_ == nullptr) return;
+  filter_->setIsFilterByCondition(false);
+  expandAll();
+  treeGrid()->scrollTo(treeGrid()->currentIndex());
+  setConditionMark(false);
+  refreshLater();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Commands
+
+ResItemCommands::Items QCEResItemViewImpl::selectedItems() const {
+  ResItemCommands::Items items;
+  std::string comment;
+  for (proxy::Element* element : treeGrid()->selectedElements()) {
+    // Grouping rows carry no annotation, and no price either.
+    if (filter_ != nullptr && filter_->getComment(element, comment)) items.push_back(element);
+  }
+  return items;
+}
+
+void QCEResItemViewImpl::batchSetExcludeTaxPrice() {
+  const ResItemCommands::Items items = selectedItems();
+  if (items.empty() || !commands_.isValid()) return;
+  double price = 0.0;
+  domain::Value value;
+  if (filter_->getOperator()->getValue(items.front(), domain::keys::BRIExcludedTaxFee,
+                                       domain::EditRole, value)) {
+    price = gui::toNumber(value).value_or(0.0);
+  }
+  CInputDialog dialog("批量设置不含税单价",
+                      QString("选中 %1 项，不含税单价（元）:").arg(items.size()), price, {}, this);
+  if (dialog.exec() != 1) return;
+  report(commands_.setExcludeTaxPrice(items, dialog.getValue()));
+}
+
+void QCEResItemViewImpl::editComment() {
+  proxy::Element* item = treeGrid()->currentElement();
+  std::string comment;
+  if (item == nullptr || filter_ == nullptr || !filter_->getComment(item, comment)) return;
+  CommentDialog dialog(commands_.describe(item), comment, this);
+  if (dialog.exec() != 1 || dialog.comment() == comment) return;
+  report(commands_.setComment({item}, dialog.comment()));
+}
+
+void QCEResItemViewImpl::deleteComment() {
+  const ResItemCommands::Items items = selectedItems();
+  if (items.empty() || !commands_.isValid()) return;
+  report(commands_.setComment(items, {}));
+}
+
+void QCEResItemViewImpl::moveUp() {
+  move(true);
+}
+
+void QCEResItemViewImpl::moveDown() {
+  move(false);
+}
+
+void QCEResItemViewImpl::move(bool up) {
+  const ResItemCommands::Items items = selectedItems();
+  if (controller_ == nullptr || !commands_.isValid() || !commands_.canMove(items, up)) return;
+  report(commands_.move(items, up, *controller_));
+  treeGrid()->scrollTo(treeGrid()->currentIndex());
+}
+
+void QCEResItemViewImpl::regroup() {
+  if (filter_ != nullptr) filter_->rebuildGroup();
+}
+
+void QCEResItemViewImpl::report(const std::string& refusal) {
+  updateView();
+  if (!refusal.empty()) app::qce::GetQCEChannel()->message(refusal, QMessageBox::Ok);
+}
+
+// ---------------------------------------------------------------------------------------------
+// State
+
+domain::qce::QCEResItemOperator* QCEResItemViewImpl::resItemOperator() const {
+  return filter_ != nullptr ? dynamic_cast<domain::qce::QCEResItemOperator*>(filter_->getOperator())
+                            : nullptr;
+}
+
+// Selections and edits come in bursts; what follows from them is worked out once.
+void QCEResItemViewImpl::refreshLater() {
+  if (!refreshTimer_->isActive()) refreshTimer_->start();
+}
+
+void QCEResItemViewImpl::refreshActions() {
+  const ResItemCommands::Items items = selectedItems();
+  const bool movable = controller_ != nullptr && commands_.isValid();
+  std::string comment;
+  proxy::Element* current = treeGrid()->currentElement();
+  const bool commentable =
+      current != nullptr && filter_ != nullptr && filter_->getComment(current, comment);
+  bool annotated = false;
+  for (proxy::Element* item : items) {
+    std::string text;
+    annotated = annotated || (filter_->getComment(item, text) && !text.empty());
+  }
+  batchPriceAction_->setEnabled(!items.empty());
+  editCommentAction_->setEnabled(commentable);
+  deleteCommentAction_->setEnabled(annotated);
+  moveUpAction_->setEnabled(movable && commands_.canMove(items, true));
+  moveDownAction_->setEnabled(movable && commands_.canMove(items, false));
+  regroupAction_->setEnabled(filter_ != nullptr);
+}
+
+void QCEResItemViewImpl::refreshStatus() {
+  if (!commands_.isValid() || filter_->getOperator() == nullptr) {
+    status_->clear();
+    return;
+  }
+  const auto* model = dynamic_cast<const QAbstractItemModel*>(abstractModel());
+  const auto* view = dynamic_cast<const gui::ViewModel*>(abstractModel());
+  const ResItemCommands::Items items = selectedItems();
+  const double sum = sumOfAmounts(*filter_->getOperator(), items);
+  status_->setText(QString("显示 %1 项，共 %2 项%3　　已选 %4 项　　不含税合价 %5 元")
+                       .arg(shownItemCount(*model, *view))
+                       .arg(itemCount(filter_->getRoot()))
+                       .arg(conditionsOn_ ? "（条件过滤中）" : "")
+                       .arg(items.size())
+                       .arg(QString::fromStdString(base::ToThousandthsString(sum, 2))));
+}
+
+}  // namespace gui::qce

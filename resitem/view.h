@@ -1,0 +1,120 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/abst/qce/res_item_controller.h"
+#include "host/abst/qce/res_item_filter_model.h"
+#include "host/presentation/res_item_view.h"
+#include "host/proxy/element.h"
+#include "qce_export.h"
+#include "resitem/commands.h"
+
+class QAction;
+class QActionGroup;
+class QComboBox;
+class QLabel;
+class QTimer;
+class QToolButton;
+
+namespace domain::qce {
+class QCEResItemOperator;
+}
+
+namespace gui::qce::destructors {
+class DesFilterView;
+}
+
+namespace gui::qce {
+
+/// The page of a cost project's resource items: a grouped tree that is narrowed by sub-project,
+/// flag, association and five conditions, sorted by a header click, and edited cell by cell or
+/// several items at once.
+///
+/// Its model is an abst::qce::QCEResItemFilterModel that is a QAbstractItemModel too
+/// (QCEResItemFilterModelImpl). The controller supplies the sub-projects and moves rows; it is set
+/// before the first activate() and not owned. Without one the page shows the whole project and
+/// moves nothing. Messages go to the module's channel.
+class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
+  Q_OBJECT
+
+ public:
+  explicit QCEResItemViewImpl(QWidget* parent = nullptr);
+  ~QCEResItemViewImpl() override;
+
+  void setController(abst::qce::QCEResItemController* controller);
+
+  void setModel(abst::BaseModel* model) override;
+  /// Reads the sub-projects again and filters again, since items may have changed elsewhere.
+  void activate() override;
+  void updateView() override;
+
+ public slots:
+  void startFilter();
+  void cancelFilter();
+  /// Asks for a price and sets it as the unit price excluding tax of the selected items.
+  void batchSetExcludeTaxPrice();
+  void editComment();
+  void deleteComment();
+  void moveUp();
+  void moveDown();
+  /// Builds the grouping rows again; selection and current row stay on their items.
+  void regroup();
+
+ protected:
+  bool hasTextFilter() const override { return false; }
+  void fillToolBar(QBoxLayout* toolBar) override;
+  QWidget* createContent(gui::TreeGridView* grid) override;
+  QWidget* createFooter() override;
+  void fillContextMenu(QMenu* menu) override;
+  void onModelReset() override;
+  void onDataChanged() override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void createActions();
+  QAction* addCommand(const QString& text, const QString& toolTip, const QKeySequence& keys,
+                      void (QCEResItemViewImpl::*slot)());
+  void addChoice(QBoxLayout* toolBar, const QString& label, QActionGroup* group);
+
+  void refillSubProjects();
+  void chooseSubProject(int entry);
+  void setFlag(int filterType);
+  void setAssociation(int choice);
+  void applyFilters();
+  void showConditions(bool show);
+  void setConditionMark(bool on);
+
+  void move(bool up);
+  void report(const std::string& refusal);
+
+  ResItemCommands::Items selectedItems() const;
+  domain::qce::QCEResItemOperator* resItemOperator() const;
+  void refreshLater();
+  void refreshActions();
+  void refreshStatus();
+
+  abst::qce::QCEResItemController* controller_ = nullptr;
+  abst::qce::QCEResItemFilterModel* filter_ = nullptr;
+  ResItemCommands commands_;
+  std::vector<scoped_refptr<proxy::Element>> subProjects_;  // by combo box entry, the first is null
+
+  QComboBox* subProjectBox_ = nullptr;
+  QActionGroup* flags_ = nullptr;
+  QActionGroup* associations_ = nullptr;
+  QAction* conditionAction_ = nullptr;
+  QToolButton* conditionButton_ = nullptr;
+  bool conditionsOn_ = false;
+  bool wasEmpty_ = true;
+  QAction* batchPriceAction_ = nullptr;
+  QAction* editCommentAction_ = nullptr;
+  QAction* deleteCommentAction_ = nullptr;
+  QAction* moveUpAction_ = nullptr;
+  QAction* moveDownAction_ = nullptr;
+  QAction* regroupAction_ = nullptr;
+  destructors::DesFilterView* conditions_ = nullptr;
+  QLabel* status_ = nullptr;
+  QTimer* refreshTimer_ = nullptr;
+};
+
+}  // namespace gui::qce
