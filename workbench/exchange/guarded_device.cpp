@@ -8,7 +8,7 @@ namespace {
 
 constexpr char Doctype[] = "<!DOCTYPE";
 constexpr int DoctypeLength = sizeof(Doctype) - 1;
-constexpr qint64 ChunkBytes = 64 * 1024;
+constexpr qint64 ChunkBytes = 65536;
 
 QString wrongEncoding() {
   return QStringLiteral("文件不是 UTF-8 编码：请用 UTF-8 编码重新导出");
@@ -92,19 +92,20 @@ bool GuardedDevice::accept(unsigned char byte) {
     return true;
   }
 
-  if (byte == '\n') {
+  if (byte == 0x0A) {
     ++line_;
     column_ = 0;
   } else {
     ++column_;
   }
   if (byte < 0x80) {
-    if (byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r') {
+    if (byte < 0x20 && byte != 0x09 && byte != 0x0A && byte != 0x0D) {
       failHere(QStringLiteral("含有不允许的控制字符 U+%1：请删除该字符，或检查文件是否损坏")
                    .arg(static_cast<uint>(byte), 4, 16, QLatin1Char('0')));
       return false;
     }
-    doctype_ = byte == Doctype[doctype_] ? doctype_ + 1 : (byte == Doctype[0] ? 1 : 0);
+    const char letter = static_cast<char>(byte);
+    doctype_ = letter == Doctype[doctype_] ? doctype_ + 1 : (letter == Doctype[0] ? 1 : 0);
     if (doctype_ == DoctypeLength) {
       column_ -= DoctypeLength - 1;
       failHere(QStringLiteral("含有文档类型声明（DOCTYPE），为安全起见不予读取：请删除该声明"));

@@ -87,7 +87,7 @@ bool isBid(SourceKind kind) {
 
 /// A bidder buys a little under the information price; sums of money stay what they are.
 Decimal priceFor(SourceKind kind, const sample::CatalogueRow& row) {
-  const Decimal price = decimal(row.price);
+  Decimal price = decimal(row.price);
   if (!rulesOf(kind).resourcePrices) return {};
   if (!isBid(kind) || std::string_view(row.unit) == "元") return price;
   return (price * decimal("0.97")).rounded(2);
@@ -470,8 +470,7 @@ QString SampleGenerator::writeOfficeBuilding(const QString& folder) {
        {SourceKind::Tender, SourceKind::Bid, SourceKind::ControlPrice, SourceKind::ElectronicTender,
         SourceKind::ElectronicBid, SourceKind::Standard}) {
     const QString name = QStringLiteral("办公楼.%1").arg(QString::fromStdString(extensionOf(kind)));
-    const QString fault =
-        SourceWriter::writeFile(officeBuilding(kind), QDir(folder).filePath(name));
+    QString fault = SourceWriter::writeFile(officeBuilding(kind), QDir(folder).filePath(name));
     if (!fault.isEmpty()) return fault;
   }
   return {};

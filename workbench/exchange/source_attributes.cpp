@@ -52,7 +52,7 @@ const QXmlStreamAttribute* Attributes::take(const char* name, const char* noun, 
 }
 
 std::string Attributes::id() {
-  const std::string id = string("id", "编号", RequiredCode);
+  std::string id = string("id", "编号", RequiredCode);
   const bool plain = std::all_of(id.begin(), id.end(), [](char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' ||
            c == '_' || c == '.';
@@ -130,7 +130,7 @@ std::optional<Decimal> Attributes::number(const char* name, const char* noun,
   if (places > rule.places) {
     fault(QStringLiteral("的小数超过 %1 位：请取舍到 %1 位").arg(rule.places));
   }
-  const std::optional<Decimal> number = Decimal::parse({digits.data(), size});
+  std::optional<Decimal> number = Decimal::parse({digits.data(), size});
   if (!number) fault(QStringLiteral("不是数字：请写成普通小数，例如 12.50"));
   return number;
 }

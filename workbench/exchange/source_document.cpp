@@ -4,6 +4,8 @@
 #include <array>
 #include <iterator>
 
+#include "workbench/costing/rules.h"
+
 namespace exchange {
 namespace {
 
@@ -103,7 +105,7 @@ Decimal billAmount(const Decimal& quantity, const Decimal& unitPrice) {
 }
 
 Decimal resourceAmount(const Decimal& billQuantity, const Decimal& content, const Decimal& price) {
-  return (billQuantity * content * price).rounded(2);
+  return costing::budgetAmount(billQuantity, content, price);
 }
 
 Decimal feeAmount(const Decimal& base, const Decimal& ratePercent) {

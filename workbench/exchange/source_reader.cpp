@@ -19,7 +19,7 @@ namespace {
 
 using costing::Decimal;
 
-constexpr qint64 ProgressBytes = 256 * 1024;
+constexpr qint64 ProgressBytes = 262144;
 
 struct Cancel {};
 

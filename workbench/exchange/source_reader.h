@@ -14,7 +14,7 @@ namespace exchange {
 /// What a source file may hold at most; beyond it the file is refused.
 struct SourceBounds {
   static constexpr qint64 FileBytes = qint64(2) << 30;
-  static constexpr qint64 TokenBytes = 256 * 1024;  ///< one tag, comment or stretch of text
+  static constexpr qint64 TokenBytes = 262144;  ///< one tag, comment or stretch of text
   static constexpr int SectionDepth = 8;
   static constexpr int AccountDepth = 8;
   static constexpr int FeeGroupDepth = 6;
