@@ -19,6 +19,10 @@ class OpenProject {
                                            const store::Progress& progress = {});
 
   const QString& path() const { return file_->path(); }
+  /// See store::ProjectFile::copyTo.
+  bool saveCopy(const QString& path, store::Failure& failure) const {
+    return file_->copyTo(path, failure);
+  }
   records::Project& project() { return file_->project(); }
   const records::Facts& facts() { return project().facts; }
   /// Of the whole project, for the status bar.

@@ -186,6 +186,22 @@ void replaceFile(const QString& from, const QString& to) {
   }
 }
 
+/// Gives the finished `part` its name, durably.
+void moveToPlace(const QString& part, const QString& path) {
+  // A log that a killed program left beside the old file must not be taken for the new one's.
+  for (const char* side : SideFiles) QFile::remove(path + QLatin1String(side));
+  replaceFile(part, path);
+  syncDirectory(path);
+}
+
+Failure cannotWrite(const QString& path, const SqlError& error) {
+  const bool full = (error.code() & 0xff) == Full;
+  return {FailureKind::Unwritable,
+          QStringLiteral("无法写入工程文件“%1”：%2。请检查磁盘空间后再试。")
+              .arg(shown(path),
+                   full ? QStringLiteral("磁盘空间不足") : QString::fromUtf8(error.what()))};
+}
+
 void checkTarget(const QString& path, bool replace) {
   const QFileInfo info(path);
   const QFileInfo folder(info.absolutePath());
@@ -251,20 +267,13 @@ bool ProjectFile::create(const QString& path, const exchange::SourceDocument* so
       database.run(QStringLiteral("PRAGMA journal_mode = WAL"));
     }
     if (progress && !progress(99)) throw cancelled;
-    // A log that a killed program left beside the old file must not be taken for the new one's.
-    for (const char* side : SideFiles) QFile::remove(path + QLatin1String(side));
-    replaceFile(part, path);
-    syncDirectory(path);
+    moveToPlace(part, path);
     if (progress) progress(100);
     return true;
   } catch (const Failed& failed) {
     failure = failed.failure;
   } catch (const SqlError& error) {
-    const bool full = (error.code() & 0xff) == Full;
-    failure = {FailureKind::Unwritable,
-               QStringLiteral("无法写入工程文件“%1”：%2。请检查磁盘空间后再试。")
-                   .arg(shown(path),
-                        full ? QStringLiteral("磁盘空间不足") : QString::fromUtf8(error.what()))};
+    failure = cannotWrite(path, error);
   } catch (const std::overflow_error&) {
     failure = {FailureKind::Unwritable,
                QStringLiteral("源文件中的数量或单价过大，汇总后超出可计算的范围，未新建工程。")};
@@ -304,6 +313,26 @@ std::unique_ptr<ProjectFile> ProjectFile::open(const QString& path, Failure& fai
     failure = damaged(path, QStringLiteral("有数值超出可计算的范围")).failure;
   }
   return nullptr;
+}
+
+bool ProjectFile::copyTo(const QString& path, Failure& failure) const {
+  const QString part = path + QStringLiteral(".new");
+  try {
+    checkTarget(path, true);
+    removeWithSideFiles(part);
+    QString quoted = part;
+    quoted.replace(QLatin1Char('\''), QStringLiteral("''"));
+    database_->run(QStringLiteral("VACUUM INTO '%1'").arg(quoted));
+    Database(part).run(QStringLiteral("PRAGMA journal_mode = WAL"));
+    moveToPlace(part, path);
+    return true;
+  } catch (const Failed& failed) {
+    failure = failed.failure;
+  } catch (const SqlError& error) {
+    failure = cannotWrite(path, error);
+  }
+  removeWithSideFiles(part);
+  return false;
 }
 
 bool ProjectFile::commit(const records::ChangeSet& changes, QString& message) {

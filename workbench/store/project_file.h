@@ -44,6 +44,10 @@ class ProjectFile {
   const QString& path() const { return path_; }
   records::Project& project() { return *project_; }
 
+  /// Writes the project as it is stored now to another file, which appears whole or not at all and
+  /// replaces what is there. A file that is open, this one too, is never replaced.
+  bool copyTo(const QString& path, Failure& failure) const;
+
   /// Stores what the changes have left in the records, in one durable transaction. False when that
   /// failed: storage is then as it was and `message` says why (Chinese).
   bool commit(const records::ChangeSet& changes, QString& message);
