@@ -1,3 +1,5 @@
-int main() {
-  return 0;
+#include "workbench/cli/command_line.h"
+
+int main(int argc, char** argv) {
+  return cli::run(argc, argv);
 }

@@ -118,6 +118,7 @@ QString usage(const Command& command) {
 
 QString usage(const std::vector<Command>& commands) {
   std::vector<std::pair<QString, QString>> rows;
+  rows.reserve(commands.size());
   for (const Command& command : commands) rows.emplace_back(command.name, command.help);
   return QStringLiteral(
              "用法：%1 [工程.qcp]\n"

@@ -20,6 +20,20 @@ namespace cli {
 
 namespace {
 
+/// The window that has the keyboard. Where no window manager hands it on when a dialog closes, the
+/// window below takes it.
+QWindow* keyboardWindow() {
+  if (QWindow* window = QGuiApplication::focusWindow()) return window;
+  QWidget* next = QApplication::activeModalWidget();
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (next == nullptr && widget->isVisible() && widget->windowType() == Qt::Window) next = widget;
+  }
+  if (next == nullptr) return nullptr;
+  next->activateWindow();
+  Driver::waitUntil([] { return QGuiApplication::focusWindow() != nullptr; }, 1000);
+  return QGuiApplication::focusWindow();
+}
+
 QWidget* openPopup() {
   QWidget* popup = QApplication::activePopupWidget();
   return popup != nullptr ? popup : QApplication::activeModalWidget();
@@ -85,7 +99,7 @@ void Driver::doubleClickCell(QAbstractItemView* view, const QModelIndex& index) 
 }
 
 void Driver::keyEvent(int key, Qt::KeyboardModifiers modifiers, const QString& text) {
-  QWindow* window = QGuiApplication::focusWindow();
+  QWindow* window = keyboardWindow();
   if (window == nullptr) return;
   qt_handleKeyEvent(window, QEvent::KeyPress, key, modifiers, text, false, 1);
   // The press may have closed the window.

@@ -12,7 +12,7 @@ namespace services {
 
 namespace {
 
-constexpr qint64 kLargest = 16 * 1024 * 1024;  // bytes; these files are a few kilobytes
+constexpr qint64 kLargest = qint64(16) << 20;  // bytes; these files are a few kilobytes
 
 QString freeNameBeside(const QString& path) {
   const QString stem = path + QStringLiteral(".damaged-") +

@@ -38,15 +38,16 @@ QStatusBar { border-top: 1px solid #d5dbe1; }
 QStatusBar::item { border: none; }
 )";
 
-void setFont(QApplication& application) {
+void setFont() {
+  QFont font = QApplication::font();
   const QStringList families = QFontDatabase().families();
   for (const char* family : {"Noto Sans CJK SC", "Microsoft YaHei", "Source Han Sans SC"}) {
     if (!families.contains(QLatin1String(family))) continue;
-    QFont font{QLatin1String(family)};
-    font.setPixelSize(13);
-    application.setFont(font);
-    return;
+    font = QFont(QLatin1String(family));
+    break;
   }
+  font.setPixelSize(13);
+  QApplication::setFont(font);
 }
 
 QPalette lightPalette() {
@@ -83,7 +84,7 @@ void setUpApplication(QApplication& application) {
   }
   QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
   QApplication::setPalette(lightPalette());
-  setFont(application);
+  setFont();
   application.setStyleSheet(QLatin1String(kSheet));
 }
 

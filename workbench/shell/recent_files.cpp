@@ -31,6 +31,11 @@ RecentFiles::RecentFiles(const QString& dataDirectory)
   }
 }
 
+bool RecentFiles::contains(const QString& path) const {
+  return std::any_of(entries_.begin(), entries_.end(),
+                     [&path](const RecentFile& file) { return file.path == path; });
+}
+
 void RecentFiles::add(const QString& path) {
   const QString absolute = QFileInfo(path).absoluteFilePath();
   drop(absolute);

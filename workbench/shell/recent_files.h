@@ -21,6 +21,7 @@ class RecentFiles {
   explicit RecentFiles(const QString& dataDirectory);
 
   const std::vector<RecentFile>& entries() const { return entries_; }
+  bool contains(const QString& path) const;
   /// Puts the project first, once, and saves the list.
   void add(const QString& path);
   /// Takes the project off the list (not off the disk) and saves the list.

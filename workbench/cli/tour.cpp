@@ -1,0 +1,535 @@
+#include "workbench/cli/tour.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPainter>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QToolButton>
+#include <QTreeView>
+#include <algorithm>
+
+#include "framework/des_filter_view.h"
+#include "host/base/pinyin.h"
+#include "host/bwidgets/tree_grid_view.h"
+#include "host/domain/field_keys.h"
+#include "host/gui/view_model.h"
+#include "workbench/controllers/open_project.h"
+#include "workbench/exchange/sample_generator.h"
+#include "workbench/services/install.h"
+#include "workbench/shell/main_window.h"
+#include "workbench/shell/page_stack.h"
+#include "workbench/shell/session.h"
+
+namespace cli {
+
+namespace keys = domain::keys;
+
+namespace {
+
+constexpr int kWidth = 1440;  // pixels of the pictures
+constexpr int kHeight = 860;
+
+/// Stands for the file dialogs: answers the path that it was given.
+class GivenFile : public shell::FileChooser {
+ public:
+  explicit GivenFile(QString path) : path_(std::move(path)) {}
+  QString projectToOpen(QWidget*, const QString&) override { return path_; }
+  QString projectToWrite(QWidget*, const QString&) override { return path_; }
+
+ private:
+  QString path_;
+};
+
+void collect(const QAbstractItemModel& model, const QModelIndex& parent, int column,
+             QModelIndexList& into) {
+  const auto& view = dynamic_cast<const gui::ViewModel&>(model);
+  for (int row = 0; row < model.rowCount(parent); ++row) {
+    const QModelIndex first = model.index(row, 0, parent);
+    if (dynamic_cast<records::ResourceItem*>(view.getInternalData(first)) != nullptr) {
+      into << model.index(row, column, parent);
+    }
+    collect(model, first, column, into);
+  }
+}
+
+}  // namespace
+
+Tour::Tour(const QString& project, const QString& scratch, const QString& pictures)
+    : project_(project), scratch_(scratch), out_(pictures) {
+  auto channel = std::make_unique<services::RecordingChannel>();
+  channel_ = channel.get();
+  services_ =
+      services::install(std::make_unique<services::PathManager>(scratch), std::move(channel));
+  window_ = std::make_unique<shell::MainWindow>(*services_);
+}
+
+Tour::~Tour() = default;
+
+void Tour::walk() {
+  window_->resize(kWidth, kHeight);
+  window_->show();
+  window_->activateWindow();
+  require(Driver::waitUntil([this] { return window_->isActiveWindow(); }), "窗口没有打开");
+
+  step("欢迎页", &Tour::welcome);
+  step("新建工程", &Tour::newProject);
+  step("人材机", &Tour::resourceItems);
+  step("标志过滤", &Tour::flagFilter);
+  step("关联过滤", &Tour::associationFilter);
+  step("条件过滤", &Tour::conditionFilter);
+  step("查找", &Tour::search);
+  step("排序", &Tour::sort);
+  step("修改单价", &Tour::editPrice);
+  step("批量设置单价", &Tour::batchPrice);
+  step("批注", &Tour::annotation);
+  step("撤销与恢复", &Tour::undoAndRedo);
+  step("范围", &Tour::subProject);
+  step("缩放", &Tour::zoom);
+  step("重新打开", &Tour::reopen);
+}
+
+void Tour::step(const QString& name, void (Tour::*what)()) {
+  current_ = name;
+  channel_->clear();
+  (this->*what)();
+  require(channel_->messages().empty(),
+          "出现了消息：" + (channel_->messages().empty()
+                                ? QString()
+                                : QString::fromStdString(channel_->messages().front().text)));
+}
+
+void Tour::require(bool holds, const QString& what) const {
+  if (!holds) throw StepFailed(QString("“%1”：%2").arg(current_, what).toStdString());
+}
+
+void Tour::picture(const QString& name, QWidget* dialog) {
+  Driver::wait(60);
+  QPixmap pixmap = window_->grab();
+  if (dialog != nullptr && dialog != window_.get()) {
+    const QPixmap over = dialog->grab();
+    QPainter painter(&pixmap);
+    painter.fillRect(pixmap.rect(), QColor(0, 0, 0, 60));
+    const QPoint at((pixmap.width() - over.width()) / 2, (pixmap.height() - over.height()) / 2);
+    painter.fillRect(QRect(at, over.size()).adjusted(-1, -1, 1, 1), QColor(0x5a, 0x66, 0x73));
+    painter.drawPixmap(at, over);
+  }
+  const QString path =
+      out_.filePath(QString("%1-%2.png").arg(paths_.size() + 1, 2, 10, QLatin1Char('0')).arg(name));
+  require(pixmap.save(path), "不能写图片 " + path);
+  paths_ << path;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Finding things
+
+template <class Widget>
+Widget* Tour::find(const QString& name, QWidget* in) const {
+  auto* found = (in != nullptr ? in : window_.get())->findChild<Widget*>(name);
+  require(found != nullptr, "找不到控件 " + name);
+  return found;
+}
+
+QAction* Tour::action(const QString& text) const {
+  for (QToolButton* button : window_->findChildren<QToolButton*>()) {
+    QAction* action = button->defaultAction();
+    if (button->isVisible() && action != nullptr && action->text().startsWith(text)) return action;
+  }
+  require(false, "找不到按钮 " + text);
+  return nullptr;
+}
+
+void Tour::clickAction(const QString& text) {
+  QAction* wanted = action(text);
+  for (QToolButton* button : window_->findChildren<QToolButton*>()) {
+    if (button->defaultAction() != wanted || !button->isVisible()) continue;
+    require(button->isEnabled(), "按钮不可用：" + text);
+    driver_.click(button);
+    return;
+  }
+}
+
+QTreeView* Tour::grid() const {
+  QWidget* page = window_->pages()->currentWidget();
+  require(page != nullptr, "没有打开的页面");
+  auto* found = page->findChild<bwidgets::TreeGridView*>();
+  require(found != nullptr, "页面没有表格");
+  return found;
+}
+
+int Tour::column(const std::string& key) const {
+  const int number = dynamic_cast<const gui::ViewModel&>(*grid()->model()).getColumnIndex(key);
+  require(number >= 0, "没有列 " + QString::fromStdString(key));
+  return number;
+}
+
+QModelIndexList Tour::items(int column) const {
+  QModelIndexList found;
+  collect(*grid()->model(), {}, column, found);
+  return found;
+}
+
+proxy::Element* Tour::element(const QModelIndex& index) const {
+  return dynamic_cast<const gui::ViewModel&>(*grid()->model()).getInternalData(index);
+}
+
+QString Tour::text(proxy::Element* item, const std::string& key) const {
+  domain::Value value;
+  window_->session()->project().resItemOperator().getField(item, key, value);
+  const auto* found = std::get_if<std::string>(&value);
+  return found != nullptr ? QString::fromStdString(*found) : QString();
+}
+
+bool Tour::flag(proxy::Element* item, const std::string& key) const {
+  domain::Value value;
+  window_->session()->project().resItemOperator().getField(item, key, value);
+  const auto* found = std::get_if<bool>(&value);
+  return found != nullptr && *found;
+}
+
+double Tour::number(proxy::Element* item, const std::string& key) const {
+  domain::Value value;
+  window_->session()->project().resItemOperator().getValue(item, key, domain::EditRole, value);
+  const auto* found = std::get_if<double>(&value);
+  require(found != nullptr, "没有数值 " + QString::fromStdString(key));
+  return *found;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Steps
+
+void Tour::welcome() {
+  require(window_->openProject(project_), "不能打开工程");
+  driver_.key(Qt::Key_W, Qt::ControlModifier);
+  require(window_->session() == nullptr, "Ctrl+W 没有关闭工程");
+  auto* recent = find<QListWidget>("recentList");
+  require(recent->isVisible() && recent->count() == 1, "最近的工程没有列出");
+  picture("欢迎页");
+}
+
+void Tour::newProject() {
+  const QString source = QDir(scratch_).filePath("示范办公楼.TBQD");
+  const QString refusal = exchange::SampleGenerator::generate(120, 7, source);
+  require(refusal.isEmpty(), refusal);
+  const QString target = QDir(scratch_).filePath("示范办公楼.qcp");
+  window_->setFileChooser(std::make_unique<GivenFile>(target));
+
+  bool filled = false;
+  const bool came =
+      driver_.withPopup([this] { driver_.key(Qt::Key_N, Qt::ControlModifier); },
+                        [&](QWidget* dialog) {
+                          driver_.click(find<QLineEdit>("path", dialog));
+                          driver_.type(source);
+                          driver_.click(find<QLineEdit>("name", dialog));
+                          driver_.type("示范办公楼");
+                          for (QRadioButton* button : dialog->findChildren<QRadioButton*>()) {
+                            if (button->text() == "目标成本测算") driver_.click(button);
+                          }
+                          filled = find<QLineEdit>("path", dialog)->text() == source;
+                          picture("新建工程", dialog);
+                          for (QAbstractButton* button : dialog->findChildren<QAbstractButton*>()) {
+                            if (button->text() == "新建") {
+                              driver_.click(button);
+                              break;
+                            }
+                          }
+                          if (dialog->isVisible()) static_cast<QDialog*>(dialog)->reject();
+                        });
+  require(came, "Ctrl+N 没有打开新建对话框");
+  require(filled, "对话框没有填上");
+  require(window_->session() != nullptr, "没有新建出工程");
+  require(
+      window_->session()->name() == "示范办公楼" && window_->session()->type() == "目标成本测算",
+      "新工程的名称或类型不对");
+  require(QFileInfo::exists(target), "没有写出工程文件");
+  require(window_->pages()->currentPage() == "resources", "没有显示人材机页面");
+  require(!items(0).isEmpty(), "新工程没有人材机");
+  picture("新建之后");
+}
+
+void Tour::resourceItems() {
+  driver_.key(Qt::Key_W, Qt::ControlModifier);
+  auto* recent = find<QListWidget>("recentList");
+  require(window_->session() == nullptr && recent->count() == 2, "最近的工程没有列出");
+  driver_.click(recent->viewport(), recent->visualItemRect(recent->item(1)).center());
+  driver_.key(Qt::Key_Return);
+  require(window_->session() != nullptr && window_->session()->path() == project_,
+          "没有从最近的工程打开");
+  require(!items(0).isEmpty(), "没有人材机");
+  const QString totals = find<QLabel>("totalsText")->text();
+  require(totals.contains(window_->session()->totals().includingTax), "状态栏没有合计");
+  picture("人材机");
+}
+
+void Tour::flagFilter() {
+  const int all = items(0).size();
+  const QModelIndexList before = items(0);
+  const auto owned = std::count_if(before.begin(), before.end(), [this](const QModelIndex& index) {
+    return flag(element(index), keys::BRIIsProvidedByJia);
+  });
+  clickAction("甲供");
+  const QModelIndexList shown = items(0);
+  require(shown.size() == owned, "甲供过滤的行数不对");
+  for (const QModelIndex& index : shown) {
+    require(flag(element(index), keys::BRIIsProvidedByJia), "显示了不是甲供的人材机");
+  }
+  picture("标志过滤");
+  clickAction("全部");
+  require(items(0).size() == all, "取消标志过滤后行数不对");
+}
+
+void Tour::associationFilter() {
+  const QModelIndexList before = items(0);
+  const auto associated =
+      std::count_if(before.begin(), before.end(), [this](const QModelIndex& index) {
+        return text(element(index), keys::BRIAssociation) == "√";
+      });
+  clickAction("未关联");
+  require(items(0).size() == before.size() - associated, "未关联过滤的行数不对");
+  picture("关联过滤");
+  clickAction("已关联");
+  require(items(0).size() == associated, "已关联过滤的行数不对");
+  for (QToolButton* button : window_->findChildren<QToolButton*>()) {
+    if (button->isVisible() && button->text() == "全部") driver_.click(button);
+  }
+  require(items(0).size() == before.size(), "取消关联过滤后行数不对");
+}
+
+void Tour::conditionFilter() {
+  const QModelIndexList before = items(0);
+  const auto holding = [&](const QString& keyword) {
+    return std::count_if(before.begin(), before.end(), [&](const QModelIndex& index) {
+      return text(element(index), keys::BRIName).contains(keyword);
+    });
+  };
+  const QString keyword =
+      holding("钢") > 0 ? QString("钢") : text(element(before.last()), keys::BRIName).left(1);
+  const auto wanted = holding(keyword);
+  clickAction("条件过滤");
+  auto* panel = window_->findChild<gui::qce::destructors::DesFilterView*>();
+  require(panel != nullptr && panel->isVisible(), "没有条件面板");
+  QLineEdit* name = nullptr;
+  for (QLineEdit* box : panel->findChildren<QLineEdit*>()) {
+    box->clear();
+    driver_.click(box);
+    driver_.type(keyword);
+    if (QString::fromStdString(panel->getName()) == keyword) name = box;
+    if (name != nullptr) break;
+    box->clear();
+  }
+  require(name != nullptr, "名称框没有接受输入");
+  driver_.key(Qt::Key_Return);
+  const QModelIndexList shown = items(0);
+  require(shown.size() == wanted, "条件过滤的行数不对");
+  for (const QModelIndex& index : shown) {
+    require(text(element(index), keys::BRIName).contains(keyword), "显示了名称不含关键字的人材机");
+  }
+  picture("条件过滤");
+  driver_.click(panel->cancelButton());
+  require(items(0).size() == before.size(), "取消条件过滤后行数不对");
+  clickAction("条件过滤");
+  require(!panel->isVisible(), "条件面板没有收起");
+}
+
+void Tour::search() {
+  const auto initialsOf = [](const QString& name) {
+    return QString::fromStdString(base::PinyinInitials(name.toStdString()));
+  };
+  const QModelIndexList all = items(0);
+  QString initials = initialsOf(text(element(all.last()), keys::BRIName));
+  for (const QModelIndex& index : all) {
+    if (initialsOf(text(element(index), keys::BRIName)).contains("lwg")) initials = "lwg";
+  }
+  driver_.click(grid()->viewport(), QPoint(grid()->viewport()->width() - 20, 60));
+  driver_.key(Qt::Key_F, Qt::ControlModifier);
+  driver_.type(initials);
+  driver_.key(Qt::Key_Return);
+  const QString found = text(element(grid()->currentIndex()), keys::BRIName);
+  require(initialsOf(found).contains(initials), "“" + initials + "”找到的是“" + found + "”");
+  picture("查找");
+  driver_.key(Qt::Key_Escape);
+}
+
+void Tour::sort() {
+  const int amount = column(keys::BRIAmount);
+  QHeaderView* header = grid()->header();
+  grid()->scrollTo(items(amount).first());
+  driver_.click(header->viewport(),
+                QPoint(header->sectionViewportPosition(amount) + header->sectionSize(amount) / 2,
+                       header->height() - 6));
+  Driver::wait(400);
+  const QModelIndexList shown = items(amount);
+  const auto sorted = [&](bool ascending) {
+    for (int i = 1; i < shown.size(); ++i) {
+      if (shown[i].parent() != shown[i - 1].parent()) continue;
+      const double a = number(element(shown[i - 1]), keys::BRIAmount);
+      const double b = number(element(shown[i]), keys::BRIAmount);
+      if (ascending ? a > b : a < b) return false;
+    }
+    return true;
+  };
+  require(sorted(true) || sorted(false), "数量没有排序");
+  picture("按数量排序");
+}
+
+void Tour::editPrice() {
+  const int price = column(keys::BRIExcludedTaxFee);
+  const QModelIndex cell = items(price).value(2);
+  require(cell.isValid(), "人材机太少");
+  editedItem_ = element(cell)->id();
+  const QString totalBefore = window_->session()->totals().excludingTax;
+  const double before = number(element(cell), keys::BRIExcludedTaxFee);
+  editedPrice_ = before + 12.34;
+  driver_.clickCell(grid(), cell);
+  driver_.key(Qt::Key_F2);
+  driver_.key(Qt::Key_A, Qt::ControlModifier);
+  driver_.type(QString::number(editedPrice_, 'f', 2));
+  picture("修改单价");
+  driver_.key(Qt::Key_Return);
+  editedPrice_ = QString::number(editedPrice_, 'f', 2).toDouble();
+  const QModelIndexList after = items(price);
+  const auto edited = std::find_if(after.begin(), after.end(), [this](const QModelIndex& index) {
+    return element(index)->id() == editedItem_;
+  });
+  require(
+      edited != after.end() && number(element(*edited), keys::BRIExcludedTaxFee) == editedPrice_,
+      "单价没有改成");
+  require(window_->session()->totals().excludingTax != totalBefore, "合计没有随单价改变");
+  require(Driver::waitUntil([this] {
+            return find<QLabel>("totalsText")
+                ->text()
+                .contains(window_->session()->totals().excludingTax);
+          }),
+          "状态栏的合计没有更新");
+  require(window_->session()->undoStack().canUndo(), "修改不能撤销");
+}
+
+void Tour::batchPrice() {
+  const int price = column(keys::BRIExcludedTaxFee);
+  const QModelIndexList cells = items(price).mid(4, 3);
+  require(cells.size() == 3, "人材机太少");
+  QList<proxy::Element*> chosen;
+  for (const QModelIndex& cell : cells) chosen << element(cell);
+  const int steps = window_->session()->undoStack().index();
+  driver_.clickCell(grid(), cells.first());
+  driver_.clickCell(grid(), cells.last(), Qt::ShiftModifier);
+  const bool came = driver_.withPopup([this] { driver_.key(Qt::Key_B, Qt::ControlModifier); },
+                                      [this](QWidget* dialog) {
+                                        driver_.key(Qt::Key_A, Qt::ControlModifier);
+                                        driver_.type("88.66");
+                                        picture("批量设置单价", dialog);
+                                        driver_.key(Qt::Key_Return);
+                                        if (dialog->isVisible())
+                                          static_cast<QDialog*>(dialog)->reject();
+                                      });
+  require(came, "Ctrl+B 没有打开对话框");
+  for (proxy::Element* item : chosen) {
+    require(number(item, keys::BRIExcludedTaxFee) == 88.66, "批量单价没有写入");
+  }
+  require(window_->session()->undoStack().index() == steps + 1, "批量设置不是一个撤销步骤");
+  driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  require(number(chosen.first(), keys::BRIExcludedTaxFee) != 88.66, "批量设置没有撤销");
+}
+
+void Tour::annotation() {
+  const QModelIndex cell = items(column(keys::BRIName)).value(1);
+  proxy::Element* item = element(cell);
+  annotatedItem_ = item->id();
+  driver_.clickCell(grid(), items(column(keys::BRIExcludedTaxFee)).value(1));
+  const bool came = driver_.withPopup([this] { driver_.key(Qt::Key_F2, Qt::ShiftModifier); },
+                                      [this](QWidget* dialog) {
+                                        driver_.type("价格待供应商确认");
+                                        picture("编辑批注", dialog);
+                                        driver_.key(Qt::Key_Return, Qt::ControlModifier);
+                                        if (dialog->isVisible())
+                                          static_cast<QDialog*>(dialog)->reject();
+                                      });
+  require(came, "Shift+F2 没有打开批注");
+  std::string comment;
+  window_->session()->project().resItemOperator().getComment(item, comment);
+  require(QString::fromStdString(comment).contains("价格待供应商确认"), "批注没有写入");
+  picture("批注");
+}
+
+void Tour::undoAndRedo() {
+  QUndoStack& stack = window_->session()->undoStack();
+  const int steps = stack.index();
+  proxy::Element* item = nullptr;
+  for (const QModelIndex& index : items(0)) {
+    if (element(index)->id() == annotatedItem_) item = element(index);
+  }
+  require(item != nullptr, "找不到加了批注的人材机");
+  auto& op = window_->session()->project().resItemOperator();
+  std::string comment;
+  driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  op.getComment(item, comment);
+  require(stack.index() == steps - 1 && comment.find("供应商") == std::string::npos,
+          "批注没有撤销");
+  picture("撤销之后");
+  driver_.key(Qt::Key_Y, Qt::ControlModifier);
+  op.getComment(item, comment);
+  require(stack.index() == steps && comment.find("供应商") != std::string::npos, "批注没有恢复");
+}
+
+void Tour::subProject() {
+  const int all = items(0).size();
+  auto* box = find<QComboBox>("ResItem_subProject");
+  require(box->count() > 1, "没有可选的范围");
+  driver_.withPopup([&] { driver_.click(box); },
+                    [this](QWidget*) {
+                      driver_.key(Qt::Key_End);
+                      driver_.key(Qt::Key_Return);
+                    });
+  require(box->currentIndex() == box->count() - 1, "没有选中范围");
+  const int some = items(0).size();
+  require(some > 0 && (some < all || box->count() == 2), "范围没有缩小");
+  picture("按范围显示");
+  driver_.withPopup([&] { driver_.click(box); },
+                    [this](QWidget*) {
+                      driver_.key(Qt::Key_Home);
+                      driver_.key(Qt::Key_Return);
+                    });
+  require(items(0).size() == all, "没有回到整个项目");
+}
+
+void Tour::zoom() {
+  const int before = grid()->fontMetrics().height();
+  driver_.key(Qt::Key_Plus, Qt::ControlModifier);
+  driver_.key(Qt::Key_Plus, Qt::ControlModifier);
+  driver_.key(Qt::Key_Plus, Qt::ControlModifier);
+  require(grid()->fontMetrics().height() > before, "没有放大");
+  picture("放大");
+  driver_.key(Qt::Key_0, Qt::ControlModifier);
+  require(grid()->fontMetrics().height() == before, "没有恢复 100%");
+}
+
+void Tour::reopen() {
+  const QString totals = window_->session()->totals().includingTax;
+  driver_.key(Qt::Key_W, Qt::ControlModifier);
+  require(window_->openProject(project_), "不能再次打开工程");
+  require(window_->session()->totals().includingTax == totals, "再次打开后合计不同");
+  bool price = false;
+  bool annotated = false;
+  for (const QModelIndex& index : items(0)) {
+    proxy::Element* item = element(index);
+    if (item->id() == editedItem_) price = number(item, keys::BRIExcludedTaxFee) == editedPrice_;
+    std::string comment;
+    if (item->id() == annotatedItem_ &&
+        window_->session()->project().resItemOperator().getComment(item, comment)) {
+      annotated = comment.find("供应商") != std::string::npos;
+    }
+  }
+  require(price, "再次打开后单价不是改过的");
+  require(annotated, "再次打开后批注不在");
+  picture("重新打开");
+}
+
+}  // namespace cli

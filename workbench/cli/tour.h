@@ -1,0 +1,100 @@
+#pragma once
+
+#include <QDir>
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+
+#include "workbench/cli/driver.h"
+
+class QAction;
+class QTreeView;
+
+namespace proxy {
+class Element;
+}
+namespace services {
+class Installed;
+class RecordingChannel;
+}  // namespace services
+namespace shell {
+class MainWindow;
+}
+
+namespace cli {
+
+/// Walks through the program as a user would, on the real window, and takes a picture after each
+/// step. A step that does not have its effect ends the walk.
+class Tour {
+ public:
+  /// `project` is worked on and changed; `scratch` takes the files that the walk makes.
+  Tour(const QString& project, const QString& scratch, const QString& pictures);
+  ~Tour();
+
+  /// The paths of the pictures.
+  const QStringList& pictures() const { return paths_; }
+  /// Throws StepFailed.
+  void walk();
+
+  /// UTF-8: which step, and what it should have done.
+  class StepFailed : public std::runtime_error {
+   public:
+    using std::runtime_error::runtime_error;
+  };
+
+ private:
+  // The steps, in order.
+  void welcome();
+  void newProject();
+  void resourceItems();
+  void flagFilter();
+  void associationFilter();
+  void conditionFilter();
+  void search();
+  void sort();
+  void editPrice();
+  void batchPrice();
+  void annotation();
+  void undoAndRedo();
+  void subProject();
+  void zoom();
+  void reopen();
+
+  void step(const QString& name, void (Tour::*what)());
+  void require(bool holds, const QString& what) const;
+  void expectMessageFree() const;
+  /// Takes a picture of the window, with `dialog` over it where one is open.
+  void picture(const QString& name, QWidget* dialog = nullptr);
+
+  template <class Widget>
+  Widget* find(const QString& name, QWidget* in = nullptr) const;
+  QAction* action(const QString& text) const;
+  void clickAction(const QString& text);
+  QTreeView* grid() const;
+  int column(const std::string& key) const;
+  /// The shown items (not the grouping rows), top to bottom, in the given column.
+  QModelIndexList items(int column) const;
+  proxy::Element* element(const QModelIndex& index) const;
+  QString text(proxy::Element* item, const std::string& key) const;
+  bool flag(proxy::Element* item, const std::string& key) const;
+  double number(proxy::Element* item, const std::string& key) const;
+
+  QString project_;
+  QString scratch_;
+  QDir out_;
+  QStringList paths_;
+  QString current_;  ///< name of the step
+  Driver driver_;
+  services::RecordingChannel* channel_ = nullptr;
+  std::unique_ptr<services::Installed> services_;
+  std::unique_ptr<shell::MainWindow> window_;
+
+  // What the edits made, to be found again after the project was opened anew.
+  std::int64_t editedItem_ = 0;
+  double editedPrice_ = 0;
+  std::int64_t annotatedItem_ = 0;
+};
+
+}  // namespace cli

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace shell {
+
+/// Asks the user for files. Replaceable where no person answers.
+class FileChooser {
+ public:
+  virtual ~FileChooser();
+  /// An existing project file; empty when cancelled.
+  virtual QString projectToOpen(QWidget* parent, const QString& directory);
+  /// Where a project is to be written; empty when cancelled. Overwriting has been confirmed.
+  virtual QString projectToWrite(QWidget* parent, const QString& suggestion);
+};
+
+}  // namespace shell

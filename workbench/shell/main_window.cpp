@@ -1,0 +1,431 @@
+#include "workbench/shell/main_window.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+#include <QUndoStack>
+
+#include "workbench/shell/application.h"
+#include "workbench/shell/new_project.h"
+#include "workbench/shell/page_stack.h"
+#include "workbench/shell/progress.h"
+#include "workbench/shell/session.h"
+#include "workbench/shell/welcome_view.h"
+#include "workbench/store/failure.h"
+
+namespace shell {
+
+namespace {
+
+constexpr int kSmallestZoom = 60;  // per cent
+constexpr int kLargestZoom = 240;
+constexpr int kZoomStep = 10;
+
+constexpr char kGeometryKey[] = "window.geometry";
+constexpr char kLayoutKey[] = "window.pageList";
+constexpr char kZoomKey[] = "window.zoom";
+constexpr char kPageKey[] = "window.page";
+
+QByteArray bytesOf(const services::Configuration& configuration, const char* key) {
+  return QByteArray::fromBase64(
+      QByteArray::fromStdString(configuration.getValue(key).value_or("")));
+}
+
+/// The menu and the tool tip say what the step is; the tool bar must not change its width with it.
+void nameStep(QAction* action, const QString& verb, const QString& step) {
+  const QString text = QStringLiteral("%1 %2").arg(verb, step).trimmed();
+  action->setText(text);
+  action->setIconText(verb);
+  action->setToolTip(
+      QStringLiteral("%1（%2）").arg(text, action->shortcut().toString(QKeySequence::NativeText)));
+}
+
+}  // namespace
+
+MainWindow::MainWindow(services::Installed& services)
+    : services_(services),
+      chooser_(std::make_unique<FileChooser>()),
+      recent_(services.paths().data()),
+      centre_(new QStackedWidget),
+      welcome_(new WelcomeView),
+      pages_(new PageStack),
+      totalsTimer_(new QTimer(this)) {
+  setObjectName(QStringLiteral("mainWindow"));
+  centre_->addWidget(welcome_);
+  centre_->addWidget(pages_);
+  setCentralWidget(centre_);
+  createActions();
+  createStatusBar();
+
+  totalsTimer_->setSingleShot(true);
+  totalsTimer_->setInterval(50);  // many edits in a row cost one sum
+  connect(totalsTimer_, &QTimer::timeout, this, &MainWindow::refreshTotals);
+  connect(welcome_, &WelcomeView::newRequested, this, &MainWindow::newProject);
+  connect(welcome_, &WelcomeView::openRequested, this, &MainWindow::openWithChooser);
+  connect(welcome_, &WelcomeView::recentRequested, this, &MainWindow::openProject);
+  connect(welcome_, &WelcomeView::forgetRequested, this, [this](const QString& path) {
+    recent_.remove(path);
+    refreshRecent();
+  });
+  connect(pages_, &PageStack::currentPageChanged, this, [this](const QString& key) {
+    if (!key.isEmpty()) services_.configuration().setValue(kPageKey, key.toStdString());
+  });
+
+  if (auto* boxes = dynamic_cast<services::MessageBoxChannel*>(&services_.channel())) {
+    boxes->setWindow(this);
+  }
+  restoreWindowState();
+  refreshRecent();
+  refreshState();
+}
+
+MainWindow::~MainWindow() {
+  closeProject();
+}
+
+void MainWindow::setFileChooser(std::unique_ptr<FileChooser> chooser) {
+  chooser_ = std::move(chooser);
+}
+
+QAction* MainWindow::addAction(QMenu* menu, const QString& name, const QString& text,
+                               const QString& icon, const QList<QKeySequence>& keys,
+                               void (MainWindow::*slot)()) {
+  QAction* action = menu->addAction(text, this, slot);
+  action->setObjectName(name);
+  if (!icon.isEmpty()) action->setIcon(QIcon(QStringLiteral(":/qce/icons/%1.svg").arg(icon)));
+  action->setShortcuts(keys);
+  const QString plain = text.section(QLatin1Char('('), 0, 0);
+  action->setIconText(plain);
+  action->setToolTip(
+      keys.isEmpty()
+          ? plain
+          : QStringLiteral("%1（%2）").arg(plain, keys.first().toString(QKeySequence::NativeText)));
+  return action;
+}
+
+void MainWindow::createActions() {
+  QMenu* file = menuBar()->addMenu(QStringLiteral("文件(&F)"));
+  QAction* make = addAction(file, QStringLiteral("actionNew"), QStringLiteral("新建(&N)…"),
+                            QStringLiteral("new"), {QKeySequence(Qt::CTRL | Qt::Key_N)},
+                            &MainWindow::newProject);
+  QAction* open = addAction(file, QStringLiteral("actionOpen"), QStringLiteral("打开(&O)…"),
+                            QStringLiteral("open"), {QKeySequence(Qt::CTRL | Qt::Key_O)},
+                            &MainWindow::openWithChooser);
+  recentMenu_ = file->addMenu(QStringLiteral("最近的工程(&R)"));
+  recentMenu_->setObjectName(QStringLiteral("menuRecent"));
+  file->addSeparator();
+  QAction* saveAs =
+      addAction(file, QStringLiteral("actionSaveAs"), QStringLiteral("另存为(&A)…"),
+                QStringLiteral("save-as"), {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)},
+                &MainWindow::saveCopyAs);
+  QAction* close = addAction(file, QStringLiteral("actionClose"), QStringLiteral("关闭工程(&C)"),
+                             QStringLiteral("close"), {QKeySequence(Qt::CTRL | Qt::Key_W)},
+                             &MainWindow::closeProject);
+  file->addSeparator();
+  QAction* quit = file->addAction(QStringLiteral("退出(&X)"), this, &QWidget::close);
+  quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+
+  QMenu* edit = menuBar()->addMenu(QStringLiteral("编辑(&E)"));
+  undo_ = edit->addAction(QIcon(QStringLiteral(":/qce/icons/undo.svg")), QStringLiteral("撤销"));
+  undo_->setObjectName(QStringLiteral("actionUndo"));
+  undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
+  redo_ = edit->addAction(QIcon(QStringLiteral(":/qce/icons/redo.svg")), QStringLiteral("恢复"));
+  redo_->setObjectName(QStringLiteral("actionRedo"));
+  redo_->setShortcuts(
+      {QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+  edit->addSeparator();
+  QAction* find = addAction(edit, QStringLiteral("actionFind"), QStringLiteral("查找(&F)…"),
+                            QStringLiteral("find"), {QKeySequence(Qt::CTRL | Qt::Key_F)},
+                            &MainWindow::showFind);
+
+  QMenu* view = menuBar()->addMenu(QStringLiteral("视图(&V)"));
+  QAction* in = addAction(
+      view, QStringLiteral("actionZoomIn"), QStringLiteral("放大(&I)"), QStringLiteral("zoom-in"),
+      {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)},
+      &MainWindow::zoomIn);
+  QAction* out = addAction(view, QStringLiteral("actionZoomOut"), QStringLiteral("缩小(&O)"),
+                           QStringLiteral("zoom-out"), {QKeySequence(Qt::CTRL | Qt::Key_Minus)},
+                           &MainWindow::zoomOut);
+  QAction* whole =
+      addAction(view, QStringLiteral("actionZoomReset"), QStringLiteral("100%(&R)"), QString(),
+                {QKeySequence(Qt::CTRL | Qt::Key_0)}, &MainWindow::resetZoom);
+
+  QMenu* help = menuBar()->addMenu(QStringLiteral("帮助(&H)"));
+  addAction(help, QStringLiteral("actionHelp"), QStringLiteral("使用说明(&H)"), QString(),
+            {QKeySequence(Qt::Key_F1)}, &MainWindow::showHelp);
+  addAction(help, QStringLiteral("actionAbout"), QStringLiteral("关于(&A)"), QString(), {},
+            &MainWindow::about);
+
+  QToolBar* bar = addToolBar(QStringLiteral("工具栏"));
+  bar->setObjectName(QStringLiteral("toolBar"));
+  bar->setMovable(false);
+  bar->setIconSize(QSize(18, 18));
+  bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  bar->setContextMenuPolicy(Qt::PreventContextMenu);
+  bar->addActions({make, open});
+  bar->addSeparator();
+  bar->addActions({undo_, redo_});
+  bar->addSeparator();
+  bar->addAction(find);
+  bar->addSeparator();
+  bar->addActions({in, out, whole});
+  needProject_ = {saveAs, close, find, in, out, whole};
+
+  connect(undo_, &QAction::triggered, this, [this] {
+    if (session_) session_->undoStack().undo();
+  });
+  connect(redo_, &QAction::triggered, this, [this] {
+    if (session_) session_->undoStack().redo();
+  });
+}
+
+void MainWindow::createStatusBar() {
+  totals_ = new QLabel;
+  totals_->setObjectName(QStringLiteral("totalsText"));
+  saved_ = new QLabel;
+  saved_->setObjectName(QStringLiteral("savedText"));
+  statusBar()->addPermanentWidget(totals_);
+  statusBar()->addPermanentWidget(saved_);
+  statusBar()->setSizeGripEnabled(false);
+  statusBar()->setContentsMargins(6, 0, 10, 0);
+}
+
+bool MainWindow::openProject(const QString& path) {
+  const QString absolute = QFileInfo(path).absoluteFilePath();
+  if (session_ && session_->path() == absolute) return true;
+  store::Failure failure;
+  std::unique_ptr<Session> opened;
+  {
+    Progress progress(this, QStringLiteral("正在打开“%1”…").arg(QFileInfo(path).fileName()));
+    opened = Session::open(absolute, failure,
+                           [&progress](int percent) { return progress.step(percent, 100); });
+  }
+  if (!opened) {
+    tellFailure(failure, absolute);
+    return false;
+  }
+  closeProject();
+  session_ = std::move(opened);
+  services_.setUndo(&session_->undoService());
+  connectUndo();
+  for (const Page& page : session_->makePages()) {
+    pages_->addPage(page.key, page.title, page.icon, page.widget, page.view);
+  }
+  applyZoom();
+  recent_.add(absolute);
+  refreshRecent();
+  refreshState();
+  const QString last =
+      QString::fromStdString(services_.configuration().getValue(kPageKey).value_or(""));
+  if (!pages_->setCurrentPage(last)) pages_->setCurrentPage(pages_->pages().value(0));
+  return true;
+}
+
+void MainWindow::tellFailure(const store::Failure& failure, const QString& path) {
+  if (failure.kind == store::FailureKind::Cancelled) return;
+  app::Channel& channel = services_.channel();
+  if (failure.kind != store::FailureKind::Missing || !recent_.contains(path)) {
+    channel.message(failure.message.toStdString(), QMessageBox::Ok);
+    return;
+  }
+  const QString question = failure.message + QStringLiteral("\n\n要从“最近的工程”中移除它吗？");
+  if (channel.message(question.toStdString(), QMessageBox::Yes | QMessageBox::No) ==
+      QMessageBox::Yes) {
+    recent_.remove(path);
+    refreshRecent();
+  }
+}
+
+void MainWindow::closeProject() {
+  if (!session_) return;
+  pages_->clear();
+  session_->dropPages();
+  services_.setUndo(nullptr);
+  session_->undoStack().disconnect(this);  // it tells of its steps also while they are destroyed
+  session_.reset();
+  refreshState();
+}
+
+void MainWindow::connectUndo() {
+  QUndoStack& stack = session_->undoStack();
+  const auto refresh = [this] {
+    const QUndoStack& undo = session_->undoStack();
+    undo_->setEnabled(undo.canUndo());
+    redo_->setEnabled(undo.canRedo());
+    nameStep(undo_, QStringLiteral("撤销"), undo.undoText());
+    nameStep(redo_, QStringLiteral("恢复"), undo.redoText());
+  };
+  connect(&stack, &QUndoStack::indexChanged, this, refresh);
+  connect(session_.get(), &Session::changed, totalsTimer_, qOverload<>(&QTimer::start));
+  refresh();
+}
+
+void MainWindow::newProject() {
+  const QString path = runNewProject(this, *chooser_, services_.paths().documents());
+  if (path.isEmpty()) return;
+  services_.configuration().setValue(kPageKey, "resources");
+  openProject(path);
+}
+
+void MainWindow::openWithChooser() {
+  const QString start = recent_.entries().empty()
+                            ? services_.paths().documents()
+                            : QFileInfo(recent_.entries().front().path).path();
+  const QString path = chooser_->projectToOpen(this, start);
+  if (!path.isEmpty()) openProject(path);
+}
+
+void MainWindow::saveCopyAs() {
+  if (!session_) return;
+  const QFileInfo current(session_->path());
+  const QString path =
+      chooser_->projectToWrite(this, current.path() + QLatin1Char('/') +
+                                         current.completeBaseName() + QStringLiteral("-副本.qcp"));
+  if (path.isEmpty()) return;
+  store::Failure failure;
+  if (!session_->saveCopy(path, failure)) {
+    tellFailure(failure, path);
+    return;
+  }
+  openProject(path);
+}
+
+void MainWindow::showFind() {
+  if (!session_) return;
+  if (const Page* page = session_->page(pages_->currentPage())) page->find();
+}
+
+void MainWindow::zoomIn() {
+  setZoom(zoom_ + kZoomStep);
+}
+
+void MainWindow::zoomOut() {
+  setZoom(zoom_ - kZoomStep);
+}
+
+void MainWindow::resetZoom() {
+  setZoom(100);
+}
+
+void MainWindow::setZoom(int percent) {
+  zoom_ = qBound(kSmallestZoom, percent, kLargestZoom);
+  services_.configuration().setValue(kZoomKey, std::to_string(zoom_));
+  applyZoom();
+}
+
+void MainWindow::applyZoom() {
+  findChild<QAction*>(QStringLiteral("actionZoomReset"))
+      ->setIconText(QStringLiteral("%1%").arg(zoom_));
+  if (!session_) return;
+  for (const QString& key : pages_->pages()) session_->page(key)->setZoom(zoom_);
+}
+
+void MainWindow::about() {
+  QMessageBox box(QMessageBox::NoIcon, QStringLiteral("关于成本测算"),
+                  QStringLiteral("<b>成本测算工作台</b> %1").arg(QLatin1String(kVersion)),
+                  QMessageBox::Ok, this);
+  box.setInformativeText(
+      QStringLiteral("由招标、投标或控制价文件新建成本测算工程，调整人材机价格并核对成本合计。\n"
+                     "每一次修改都立即写入工程文件。"));
+  box.setIconPixmap(QApplication::windowIcon().pixmap(48, 48));
+  box.button(QMessageBox::Ok)->setText(QStringLiteral("确定"));
+  box.exec();
+}
+
+void MainWindow::showHelp() {
+  QMessageBox box(QMessageBox::NoIcon, QStringLiteral("使用说明"),
+                  QStringLiteral("<b>常用操作</b>"), QMessageBox::Ok, this);
+  box.setInformativeText(QStringLiteral(
+      "<table cellspacing='6'>"
+      "<tr><td>Ctrl+N / Ctrl+O</td><td>新建 / 打开工程</td></tr>"
+      "<tr><td>F2 或双击</td><td>编辑单元格，回车确认</td></tr>"
+      "<tr><td>Ctrl+C / Ctrl+V</td><td>复制 / 粘贴一块单元格</td></tr>"
+      "<tr><td>Ctrl+Z / Ctrl+Y</td><td>撤销 / 恢复</td></tr>"
+      "<tr><td>Ctrl+F</td><td>在表格中查找，可用拼音首字母（lwg 找到螺纹钢）</td></tr>"
+      "<tr><td>单击表头</td><td>按该列排序</td></tr>"
+      "<tr><td>Ctrl++ / Ctrl+- / Ctrl+0</td><td>放大 / 缩小 / 恢复 100%</td></tr>"
+      "</table>"));
+  box.button(QMessageBox::Ok)->setText(QStringLiteral("确定"));
+  box.exec();
+}
+
+void MainWindow::refreshRecent() {
+  welcome_->setRecentFiles(recent_.entries());
+  recentMenu_->clear();
+  for (const RecentFile& file : recent_.entries()) {
+    QString text = QFileInfo(file.path).completeBaseName();
+    QAction* action = recentMenu_->addAction(text.replace(QLatin1Char('&'), QStringLiteral("&&")));
+    action->setToolTip(QDir::toNativeSeparators(file.path));
+    connect(action, &QAction::triggered, this, [this, path = file.path] { openProject(path); });
+  }
+  recentMenu_->setToolTipsVisible(true);
+  recentMenu_->setEnabled(!recent_.entries().empty());
+}
+
+void MainWindow::refreshState() {
+  const bool open = session_ != nullptr;
+  centre_->setCurrentWidget(open ? static_cast<QWidget*>(pages_) : welcome_);
+  for (QAction* action : needProject_) action->setEnabled(open);
+  if (open) {
+    setWindowTitle(QStringLiteral("%1（%2）").arg(session_->name(), session_->type()));
+    setWindowFilePath(session_->path());
+  } else {
+    setWindowTitle(QString());
+    setWindowFilePath(QString());
+    for (QAction* action : {undo_, redo_}) action->setEnabled(false);
+    nameStep(undo_, QStringLiteral("撤销"), {});
+    nameStep(redo_, QStringLiteral("恢复"), {});
+  }
+  // Nothing is ever left to save: an edit is in the file before it is shown.
+  saved_->setText(open ? QStringLiteral("已保存") : QString());
+  saved_->setToolTip(
+      open ? QStringLiteral("每一次修改都已写入 %1").arg(QDir::toNativeSeparators(session_->path()))
+           : QString());
+  refreshTotals();
+}
+
+void MainWindow::refreshTotals() {
+  if (!session_) {
+    totals_->clear();
+    return;
+  }
+  const Session::Totals totals = session_->totals();
+  totals_->setText(QStringLiteral("预算合价 %1　　不含税成本合计 %2　　含税合计 %3　　共 %4 项")
+                       .arg(totals.budget, totals.excludingTax, totals.includingTax)
+                       .arg(totals.items));
+}
+
+void MainWindow::saveWindowState() {
+  services::Configuration& configuration = services_.configuration();
+  configuration.setValue(kGeometryKey, saveGeometry().toBase64().toStdString());
+  configuration.setValue(kLayoutKey, pages_->saveLayout().toBase64().toStdString());
+}
+
+void MainWindow::restoreWindowState() {
+  const services::Configuration& configuration = services_.configuration();
+  resize(1360, 820);
+  const QByteArray geometry = bytesOf(configuration, kGeometryKey);
+  if (!geometry.isEmpty()) restoreGeometry(geometry);
+  const QByteArray layout = bytesOf(configuration, kLayoutKey);
+  if (!layout.isEmpty()) pages_->restoreLayout(layout);
+  const int zoom = QString::fromStdString(configuration.getValue(kZoomKey).value_or("100")).toInt();
+  zoom_ = zoom == 0 ? 100 : qBound(kSmallestZoom, zoom, kLargestZoom);
+  applyZoom();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  saveWindowState();
+  event->accept();
+}
+
+}  // namespace shell

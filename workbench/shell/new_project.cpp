@@ -1,0 +1,52 @@
+#include "workbench/shell/new_project.h"
+
+#include <memory>
+
+#include "project/dialog.h"
+#include "workbench/controllers/new_project_controller.h"
+#include "workbench/shell/file_chooser.h"
+#include "workbench/shell/progress.h"
+
+namespace shell {
+
+namespace {
+
+/// The host's controller with a progress dialog from the choice of the file to the end.
+class Controller : public controllers::NewProjectController {
+ public:
+  Controller(QWidget* dialog, FileChooser& chooser, const QString& directory, QString& made)
+      : NewProjectController(
+            [this, dialog, &chooser, directory](const QString& name) {
+              const QString target =
+                  chooser.projectToWrite(dialog, QStringLiteral("%1/%2.qcp").arg(directory, name));
+              if (!target.isEmpty()) {
+                progress_ =
+                    std::make_unique<Progress>(dialog, QStringLiteral("正在新建“%1”…").arg(name));
+              }
+              return target;
+            },
+            [&made](const QString& path) { made = path; }) {
+    setProgress([this](int percent) { return !progress_ || progress_->step(percent, 100); });
+  }
+
+  bool createProject(const abst::qce::QCENewProjectView& answers) override {
+    const bool created = NewProjectController::createProject(answers);
+    progress_.reset();  // after a refusal the new-project dialog stays
+    return created;
+  }
+
+ private:
+  std::unique_ptr<Progress> progress_;
+};
+
+}  // namespace
+
+QString runNewProject(QWidget* window, FileChooser& chooser, const QString& directory) {
+  gui::qce::QCENewProjectViewImpl dialog(window);
+  QString made;
+  Controller controller(&dialog, chooser, directory, made);
+  dialog.setController(&controller);
+  return dialog.exec() == 1 ? made : QString();
+}
+
+}  // namespace shell

@@ -1,0 +1,102 @@
+#include <QHeaderView>
+#include <algorithm>
+
+#include "host/bwidgets/tree_grid_view.h"
+#include "host/domain/qce/res_item_operator.h"
+#include "resitem/filter_model.h"
+#include "resitem/model.h"
+#include "resitem/view.h"
+#include "workbench/controllers/open_project.h"
+#include "workbench/shell/session.h"
+
+namespace shell {
+
+namespace {
+
+/// The models of the resource-item page, bound to the project as long as they live.
+class ResItemModels {
+ public:
+  explicit ResItemModels(controllers::OpenProject& project)
+      : controller_(project.resItemController()), filter_(&items_) {
+    items_.setDisplayTable(&project.resItemTable());
+    items_.setOperator(&project.resItemOperator());
+    controller_.setModel(&items_);
+    controller_.setElementChanged([this](proxy::Element* element) { announce(element); });
+  }
+  ~ResItemModels() {
+    controller_.setModel(nullptr);
+    controller_.setElementChanged({});
+  }
+  ResItemModels(const ResItemModels&) = delete;
+  ResItemModels& operator=(const ResItemModels&) = delete;
+
+  gui::qce::QCEResItemFilterModelImpl& filter() { return filter_; }
+
+ private:
+  void announce(proxy::Element* element) {
+    const QModelIndex first = items_.makeIndex(element, 0);
+    if (!first.isValid()) return;
+    const QModelIndex last = items_.makeIndex(element, items_.columnCount({}) - 1);
+    emit items_.dataChanged(first, last,
+                            {Qt::DisplayRole, Qt::EditRole, Qt::CheckStateRole, Qt::ToolTipRole,
+                             Qt::BackgroundRole, Qt::ForegroundRole, Qt::FontRole});
+  }
+
+  controllers::ResItemController& controller_;
+  gui::qce::QCEResItemModelImpl items_;
+  gui::qce::QCEResItemFilterModelImpl filter_;
+};
+
+/// Scales the grids of a page: the font, and with it row heights and column widths.
+class GridZoom {
+ public:
+  explicit GridZoom(QWidget& page) : page_(page), pixels_(page.font().pixelSize()) {}
+
+  void set(int percent) {
+    for (auto* grid : page_.findChildren<bwidgets::TreeGridView*>()) {
+      QFont font = grid->font();
+      font.setPixelSize(std::max(1, pixels_ * percent / 100));
+      grid->setFont(font);
+      QHeaderView* header = grid->header();
+      header->setFont(font);
+      for (int column = 0; column < header->count(); ++column) {
+        if (header->isSectionHidden(column)) continue;
+        header->resizeSection(
+            column, qRound(header->sectionSize(column) * percent / static_cast<double>(percent_)));
+      }
+    }
+    percent_ = percent;
+  }
+
+ private:
+  QWidget& page_;
+  int pixels_;
+  int percent_ = 100;
+};
+
+Page makeResItemPage(Session& session) {
+  auto models = std::make_shared<ResItemModels>(session.project());
+  auto* view = new gui::qce::QCEResItemViewImpl;
+  view->setController(&session.project().resItemController());
+  view->setModel(&models->filter());
+
+  Page page;
+  page.key = QStringLiteral("resources");
+  page.title = QStringLiteral("人材机");
+  page.icon = QIcon(QStringLiteral(":/qce/icons/resources.svg"));
+  page.widget = view;
+  page.view = view;
+  page.find = [view] { view->find(); };
+  page.setZoom = [zoom = GridZoom(*view)](int percent) mutable { zoom.set(percent); };
+  page.behind = models;
+  return page;
+}
+
+}  // namespace
+
+const std::vector<PageMaker>& pageMakers() {
+  static const std::vector<PageMaker> makers{makeResItemPage};
+  return makers;
+}
+
+}  // namespace shell
