@@ -15,6 +15,7 @@
 #include <QSplitter>
 #include <QTimer>
 #include <QToolButton>
+#include <algorithm>
 
 #include "framework/cell_value.h"
 #include "framework/des_filter_view.h"
@@ -448,14 +449,15 @@ void QCEResItemViewImpl::refreshLater() {
 void QCEResItemViewImpl::refreshActions() {
   const ResItemCommands::Items items = selectedItems();
   const bool movable = controller_ != nullptr && commands_.isValid();
-  std::string comment;
-  proxy::Element* current = treeGrid()->currentElement();
-  const bool commentable =
-      current != nullptr && filter_ != nullptr && filter_->getComment(current, comment);
+  bool commentable = false;
   bool annotated = false;
-  for (proxy::Element* item : items) {
+  if (filter_ != nullptr) {
     std::string text;
-    annotated = annotated || (filter_->getComment(item, text) && !text.empty());
+    proxy::Element* current = treeGrid()->currentElement();
+    commentable = current != nullptr && filter_->getComment(current, text);
+    annotated = std::any_of(items.begin(), items.end(), [this, &text](proxy::Element* item) {
+      return filter_->getComment(item, text) && !text.empty();
+    });
   }
   batchPriceAction_->setEnabled(!items.empty());
   editCommentAction_->setEnabled(commentable);
