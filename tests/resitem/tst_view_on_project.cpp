@@ -1,0 +1,213 @@
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <QUndoStack>
+#include <QtTest>
+
+#include "host/domain/field_keys.h"
+#include "host/gui/tree_grid_view.h"
+#include "resitem/filter_model.h"
+#include "resitem/model.h"
+#include "resitem/view.h"
+#include "tests/support/recording_services.h"
+#include "tests/support/test_main.h"
+#include "tests/support/tester_proxy.h"
+#include "workbench/controllers/new_project_controller.h"
+#include "workbench/controllers/open_project.h"
+
+namespace keys = domain::keys;
+
+namespace {
+
+struct Answers : abst::qce::QCENewProjectView {
+  void readFilePath(std::string& sourcePath, std::string& projectName) const override {
+    sourcePath = QCE_SOURCE_DIR "/samples/办公楼.ZBQD";
+    projectName = "办公楼";
+  }
+  std::string getSelectFileType() const override { return "ZBQD"; }
+  std::string getType() const override { return "投标成本测算"; }
+  std::string getReportTemplatePath() const override { return {}; }
+};
+
+// The program's operator, with one item that takes no writes.
+class Operator : public operators::ResItemOperator {
+ public:
+  using ResItemOperator::ResItemOperator;
+  bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
+                int role) override {
+    return element != refused && ResItemOperator::setValue(element, key, value, role);
+  }
+  const proxy::Element* refused = nullptr;
+};
+
+}  // namespace
+
+/// The page over a project file, with its undo and its arithmetic.
+class TestViewOnProject : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase() {
+    QVERIFY(folder_.isValid());
+    path_ = folder_.filePath("办公楼.qcp");
+    QString created;
+    controllers::NewProjectController maker([this](const QString&) { return path_; },
+                                            [&created](const QString& path) { created = path; });
+    QVERIFY(maker.createProject(Answers()));
+    QCOMPARE(created, path_);
+  }
+
+  void init() {
+    store::Failure failure;
+    project_ = controllers::OpenProject::open(path_, failure);
+    QVERIFY(project_ != nullptr);
+    app::Services services;
+    services.undo = &project_->undo();
+    services.channel = services.qceChannel = &channel_;
+    before_ = app::InstallServices(services);
+    channel_.clear();
+
+    model_ = std::make_unique<gui::qce::QCEResItemModelImpl>();
+    filter_ = std::make_unique<gui::qce::QCEResItemFilterModelImpl>(model_.get());
+    tests::attachTester(model_.get());
+    tests::attachTester(filter_.get());
+    model_->setDisplayTable(&project_->resItemTable());
+    operator_ = std::make_unique<Operator>(project_->project());
+    model_->setOperator(operator_.get());
+    project_->resItemController().setModel(model_.get());
+    page_ = std::make_unique<gui::qce::QCEResItemViewImpl>();
+    page_->setController(&project_->resItemController());
+    page_->setModel(filter_.get());
+    page_->resize(1280, 700);
+    page_->show();
+    page_->activate();
+    grid_ = page_->findChild<gui::TreeGridView*>();
+    QCoreApplication::processEvents();
+  }
+
+  void cleanup() {
+    page_.reset();
+    project_->resItemController().setModel(nullptr);
+    filter_.reset();
+    model_.reset();
+    operator_.reset();
+    app::InstallServices(before_);
+    project_.reset();
+  }
+
+  void setsPricesAndTakesThemBackAsOneStep() {
+    const auto items = selectItems(5);
+    const QStringList before = column(items, keys::BRIExcludedTaxFee);
+    const QStringList amounts = column(items, keys::BRIExcludedTaxTotalCost);
+    setPrice("88.50");
+    QCOMPARE(column(items, keys::BRIExcludedTaxFee),
+             QStringList(QVector<QString>(5, "88.50").toList()));
+    QVERIFY(column(items, keys::BRIExcludedTaxTotalCost) != amounts);
+    QCOMPARE(project_->undo().stack()->count(), 1);
+    QCOMPARE(project_->undo().stack()->undoText(), QString("批量设置不含税单价"));
+    project_->undo().stack()->undo();
+    QCOMPARE(column(items, keys::BRIExcludedTaxFee), before);
+    QCOMPARE(column(items, keys::BRIExcludedTaxTotalCost), amounts);
+  }
+
+  void leavesNothingOfABatchThatFailsHalfway() {
+    const auto items = selectItems(6);
+    const QStringList before = column(items, keys::BRIExcludedTaxFee);
+    const QStringList amounts = column(items, keys::BRIExcludedTaxTotalCost);
+    operator_->refused = items[4];
+    setPrice("88.50");
+    QCOMPARE(channel_.messages().size(), std::size_t(1));
+    QVERIFY(channel_.messages()[0].text.find("本次批量设置已全部取消") != std::string::npos);
+    QCOMPARE(column(items, keys::BRIExcludedTaxFee), before);
+    QCOMPARE(column(items, keys::BRIExcludedTaxTotalCost), amounts);
+    QCOMPARE(project_->undo().stack()->count(), 0);
+  }
+
+  void movesRowsAndBack() {
+    selectItems(2);
+    const QStringList before = shownCodes();
+    QTest::keyClick(grid_, Qt::Key_Down, Qt::AltModifier);
+    QVERIFY(shownCodes() != before);
+    QCOMPARE(project_->undo().stack()->count(), 1);
+    QCOMPARE(grid_->selectedElements().size(), std::size_t(2));
+    project_->undo().stack()->undo();
+    QCOMPARE(shownCodes(), before);
+  }
+
+  // A caption names no item, and a group goes with the last item that is shown for it.
+  void showsNoGroupWithoutItems() {
+    std::vector<std::string> words = {"", "", "材料", "", ""};
+    filter_->setFilterField(words);
+    filter_->setIsFilterByCondition(true);
+    expectNoEmptyGroup({});
+    filter_->setIsFilterByCondition(false);
+    filter_->setShowAll(false);
+    for (const bool associated : {true, false}) {
+      filter_->setShowAssociation(associated);
+      filter_->invalidate();
+      expectNoEmptyGroup({});
+    }
+    QVERIFY(filter_->rowCount() > 0);
+  }
+
+ private:
+  // The first items from the top, selected.
+  std::vector<proxy::Element*> selectItems(int count) {
+    std::vector<proxy::Element*> items;
+    std::string comment;
+    for (QModelIndex at = filter_->index(0, 0); at.isValid(); at = grid_->indexBelow(at)) {
+      proxy::Element* element = filter_->getInternalData(at);
+      if (static_cast<int>(items.size()) < count && filter_->getComment(element, comment)) {
+        items.push_back(element);
+      }
+    }
+    grid_->selectElements(items);
+    QCoreApplication::processEvents();
+    return items;
+  }
+  void expectNoEmptyGroup(const QModelIndex& parent) const {
+    std::string comment;
+    for (int row = 0; row < filter_->rowCount(parent); ++row) {
+      const QModelIndex index = filter_->index(row, 0, parent);
+      const bool item = filter_->getComment(filter_->getInternalData(index), comment);
+      QVERIFY(item || filter_->rowCount(index) > 0);
+      expectNoEmptyGroup(index);
+    }
+  }
+  void setPrice(const QString& price) {
+    QTimer::singleShot(0, [price] {
+      auto* edit = QApplication::activeModalWidget()->findChild<QLineEdit*>();
+      QTest::keyClicks(edit, price);
+      QTest::keyClick(edit, Qt::Key_Return);
+    });
+    QTest::keyClick(grid_, Qt::Key_B, Qt::ControlModifier);
+  }
+  QStringList column(const std::vector<proxy::Element*>& items, const std::string& key) const {
+    QStringList texts;
+    for (proxy::Element* item : items) {
+      texts << filter_->makeIndex(item, filter_->getColumnIndex(key)).data().toString();
+    }
+    return texts;
+  }
+  QStringList shownCodes() const {
+    QStringList codes;
+    const int code = filter_->getColumnIndex(keys::BRICode);
+    for (QModelIndex at = filter_->index(0, 0); at.isValid(); at = grid_->indexBelow(at)) {
+      codes << at.sibling(at.row(), code).data().toString();
+    }
+    return codes;
+  }
+
+  QTemporaryDir folder_;
+  QString path_;
+  services::RecordingChannel channel_;
+  app::Services before_;
+  std::unique_ptr<controllers::OpenProject> project_;
+  std::unique_ptr<Operator> operator_;
+  std::unique_ptr<gui::qce::QCEResItemModelImpl> model_;
+  std::unique_ptr<gui::qce::QCEResItemFilterModelImpl> filter_;
+  std::unique_ptr<gui::qce::QCEResItemViewImpl> page_;
+  gui::TreeGridView* grid_ = nullptr;
+};
+
+QCE_WIDGET_TEST_MAIN(TestViewOnProject)
+#include "tst_view_on_project.moc"
