@@ -169,7 +169,10 @@ double ParseNumberPrefix(const std::string& text) {
   const char* at = text.data();
   const char* const end = at + text.size();
   while (at != end && (*at == ' ' || (*at >= '\t' && *at <= '\r'))) ++at;
-  if (at != end && *at == '+') ++at;
+  if (at != end && *at == '+') {
+    ++at;
+    if (at != end && *at == '-') return 0.0;  // one sign only
+  }
   double value = 0.0;
   const auto result = std::from_chars(at, end, value);
   return result.ec == std::errc() ? value : 0.0;

@@ -227,14 +227,25 @@ bool GridHeader::isOnCaption(const QPoint& at) const {
   return inside > grip && inside < sectionSize(column) - grip;
 }
 
-// The base class knows scrolled columns alone. Over the frozen ones, and for as long as a drag that
-// began there lasts, it gets the event as if the header stood at its start.
+// The frozen column whose right border is at `x`, while the others are scrolled; -1 for none.
+int GridHeader::frozenHandleAt(int x) const {
+  if (!isOverFrozen(x)) return -1;
+  const int grip = style()->pixelMetric(QStyle::PM_HeaderGripMargin, nullptr, this);
+  for (int visual = effectiveFrozenCount() - 1; visual >= 0; --visual) {
+    const int column = logicalIndex(visual);
+    if (isSectionHidden(column) || sectionResizeMode(column) != Interactive) continue;
+    if (std::abs(x - (shownPosition(column) + sectionSize(column))) <= grip) return column;
+  }
+  return -1;
+}
+
+// The base class knows scrolled columns alone: over the frozen ones it gets a click as if the
+// header stood at its start. It refuses to drag there, so their borders are dragged here.
 template <class Handler>
 void GridHeader::handleMouse(QMouseEvent* event, Handler handler) {
-  const bool dragging = event->type() == QEvent::MouseMove && event->buttons() != Qt::NoButton;
   const bool ends = event->type() == QEvent::MouseButtonRelease;
-  const bool shift = dragging || ends ? dragsFrozen_ : isOverFrozen(event->pos().x());
-  if (event->type() == QEvent::MouseButtonPress) dragsFrozen_ = shift;
+  const bool shift = ends ? pressedFrozen_ : isOverFrozen(event->pos().x());
+  if (event->type() == QEvent::MouseButtonPress) pressedFrozen_ = shift;
   if (!shift) {
     handler(event);
     return;
@@ -247,19 +258,48 @@ void GridHeader::handleMouse(QMouseEvent* event, Handler handler) {
 }
 
 void GridHeader::mousePressEvent(QMouseEvent* event) {
+  const int handle = frozenHandleAt(event->pos().x());
+  if (handle >= 0 && event->button() == Qt::LeftButton) {
+    resized_ = handle;
+    resizeStart_ = event->pos().x();
+    resizeSize_ = sectionSize(handle);
+    return;
+  }
   if (isOnCaption(event->pos())) return;  // a caption is no column that could be sorted by
   handleMouse(event, [this](QMouseEvent* e) { QHeaderView::mousePressEvent(e); });
 }
 
 void GridHeader::mouseMoveEvent(QMouseEvent* event) {
-  handleMouse(event, [this](QMouseEvent* e) { QHeaderView::mouseMoveEvent(e); });
+  if (resized_ >= 0) {
+    const int size = resizeSize_ + event->pos().x() - resizeStart_;
+    resizeSection(resized_, std::clamp(size, minimumSectionSize(), maximumSectionSize()));
+    return;
+  }
+  if (event->buttons() == Qt::NoButton && isOverFrozen(event->pos().x())) {
+    if (frozenHandleAt(event->pos().x()) >= 0) {
+      setCursor(Qt::SplitHCursor);
+    } else {
+      unsetCursor();
+    }
+    return;
+  }
+  QHeaderView::mouseMoveEvent(event);
 }
 
 void GridHeader::mouseReleaseEvent(QMouseEvent* event) {
+  if (resized_ >= 0) {
+    resized_ = -1;
+    return;
+  }
   handleMouse(event, [this](QMouseEvent* e) { QHeaderView::mouseReleaseEvent(e); });
 }
 
 void GridHeader::mouseDoubleClickEvent(QMouseEvent* event) {
+  const int handle = frozenHandleAt(event->pos().x());
+  if (handle >= 0) {
+    emit sectionHandleDoubleClicked(handle);
+    return;
+  }
   if (isOnCaption(event->pos())) return;
   handleMouse(event, [this](QMouseEvent* e) { QHeaderView::mouseDoubleClickEvent(e); });
 }

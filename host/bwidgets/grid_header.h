@@ -52,13 +52,17 @@ class QCE_HOST_WIDGETS_EXPORT GridHeader : public QHeaderView {
   void paintCaptions(QPainter& painter, bool frozen) const;
   bool isOnCaption(const QPoint& at) const;
   bool isOverFrozen(int x) const;
+  int frozenHandleAt(int x) const;
   template <class Handler>
   void handleMouse(QMouseEvent* event, Handler handler);
 
   int frozenCount_ = 0;
   QStringList captions_;
   std::vector<int> groups_;  // by logical column
-  bool dragsFrozen_ = false;
+  bool pressedFrozen_ = false;
+  int resized_ = -1;  // the frozen column whose border is being dragged
+  int resizeStart_ = 0;
+  int resizeSize_ = 0;
 };
 
 }  // namespace bwidgets

@@ -214,6 +214,10 @@ void SearchBox::find(bool forward, bool stay) {
     const QModelIndex hit = matches_[static_cast<std::size_t>(at)];
     grid_->selectionModel()->setCurrentIndex(hit, QItemSelectionModel::ClearAndSelect);
     grid_->scrollTo(hit);  // expands what is above it
+    const QRect cell = grid_->visualRect(hit).translated(grid_->viewport()->pos());
+    if (isVisible() && cell.intersects(geometry())) {
+      grid_->scrollTo(hit, QAbstractItemView::PositionAtCenter);
+    }
   }
   showCount();
 }

@@ -276,6 +276,7 @@ void TreeGridView::scrollContentsBy(int dx, int dy) {
   QTreeView::scrollContentsBy(dx, dy);
   // The scrolled picture has carried the frozen columns along.
   if (dx != 0 && header_->frozenCount() > 0) {
+    updateEditorGeometries();
     viewport()->update();
     header_->viewport()->update();
   }

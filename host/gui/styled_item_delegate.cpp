@@ -1,8 +1,11 @@
 #include "host/gui/styled_item_delegate.h"
 
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QHelpEvent>
 #include <QLineEdit>
+#include <QMouseEvent>
+#include <QPainter>
 #include <QRegularExpressionValidator>
 #include <QToolTip>
 #include <algorithm>
@@ -41,6 +44,21 @@ QString editText(const QModelIndex& index) {
   return value.toString();
 }
 
+bool isCheckBoxAlone(const QStyleOptionViewItem& option) {
+  return (option.features & QStyleOptionViewItem::HasCheckIndicator) && option.text.isEmpty();
+}
+
+QStyle* styleOf(const QStyleOptionViewItem& option) {
+  return option.widget != nullptr ? option.widget->style() : QApplication::style();
+}
+
+QRect checkBoxRect(const QStyleOptionViewItem& option) {
+  const QStyle* style = styleOf(option);
+  const QSize size(style->pixelMetric(QStyle::PM_IndicatorWidth, &option, option.widget),
+                   style->pixelMetric(QStyle::PM_IndicatorHeight, &option, option.widget));
+  return QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size, option.rect);
+}
+
 }  // namespace
 
 StyledItemDelegate::StyledItemDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
@@ -50,10 +68,6 @@ void StyledItemDelegate::initStyleOption(QStyleOptionViewItem* option,
   QStyledItemDelegate::initStyleOption(option, index);
   if (isNumber(index) && !index.data(Qt::TextAlignmentRole).isValid()) {
     option->displayAlignment = Qt::AlignRight | Qt::AlignVCenter;
-  }
-  if (index.data(Qt::CheckStateRole).isValid() && option->text.isEmpty()) {
-    // A check box alone stands in the middle, where sizeHint and clicks expect it, too.
-    option->decorationAlignment = Qt::AlignCenter;
   }
   const auto* grid = qobject_cast<const bwidgets::TreeGridView*>(option->widget);
   if (grid != nullptr && grid->searchBox() != nullptr && grid->searchBox()->marks(option->text)) {
@@ -65,7 +79,20 @@ void StyledItemDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
                                const QModelIndex& index) const {
   QStyleOptionViewItem plain = option;
   plain.state &= ~QStyle::State_HasFocus;  // the grid frames its current cell itself
-  QStyledItemDelegate::paint(painter, plain, index);
+  QStyleOptionViewItem box = plain;
+  initStyleOption(&box, index);
+  if (!isCheckBoxAlone(box)) {
+    QStyledItemDelegate::paint(painter, plain, index);
+    return;
+  }
+  const QStyle* style = styleOf(box);
+  style->drawPrimitive(QStyle::PE_PanelItemViewItem, &box, painter, box.widget);
+  box.rect = checkBoxRect(box);
+  box.state &= ~(QStyle::State_On | QStyle::State_Off | QStyle::State_NoChange);
+  box.state |= box.checkState == Qt::Unchecked ? QStyle::State_Off
+               : box.checkState == Qt::Checked ? QStyle::State_On
+                                               : QStyle::State_NoChange;
+  style->drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &box, painter, box.widget);
 }
 
 QSize StyledItemDelegate::sizeHint(const QStyleOptionViewItem& option,
@@ -139,6 +166,26 @@ void StyledItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* model
 void StyledItemDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                                               const QModelIndex& /*index*/) const {
   editor->setGeometry(option.rect.adjusted(0, 0, -1, -1));  // the grid lines stay
+}
+
+bool StyledItemDelegate::editorEvent(QEvent* event, QAbstractItemModel* model,
+                                     const QStyleOptionViewItem& option, const QModelIndex& index) {
+  const bool mouse = event->type() == QEvent::MouseButtonPress ||
+                     event->type() == QEvent::MouseButtonRelease ||
+                     event->type() == QEvent::MouseButtonDblClick;
+  QStyleOptionViewItem box = option;
+  if (mouse) initStyleOption(&box, index);
+  if (!mouse || !isCheckBoxAlone(box)) {
+    return QStyledItemDelegate::editorEvent(event, model, option, index);
+  }
+  constexpr Qt::ItemFlags needed = Qt::ItemIsUserCheckable | Qt::ItemIsEnabled;
+  if ((model->flags(index) & needed) != needed) return false;
+  const auto* click = static_cast<QMouseEvent*>(event);
+  if (click->button() != Qt::LeftButton || !checkBoxRect(box).contains(click->pos())) return false;
+  if (event->type() == QEvent::MouseButtonPress) return false;  // lets the cell become current
+  if (event->type() == QEvent::MouseButtonDblClick) return true;
+  return model->setData(index, box.checkState == Qt::Checked ? Qt::Unchecked : Qt::Checked,
+                        Qt::CheckStateRole);
 }
 
 bool StyledItemDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,

@@ -10,8 +10,9 @@ namespace gui {
 ///
 /// Asks the cell for role 137 (its field type): numbers stand to the right unless the model aligns
 /// them. Every value is edited in a plain line with its text selected; a number's line takes
-/// nothing else. A text that was not changed is not written. A text that does not fit its cell
-/// shows in full as its tool tip.
+/// nothing else. A text that was not changed is not written. A check box without a text stands in
+/// the middle; a click on it or Space toggles it. A text that does not fit its cell shows in full
+/// as its tool tip.
 class QCE_HOST_WIDGETS_EXPORT StyledItemDelegate : public QStyledItemDelegate {
   Q_OBJECT
 
@@ -28,6 +29,8 @@ class QCE_HOST_WIDGETS_EXPORT StyledItemDelegate : public QStyledItemDelegate {
   void paint(QPainter* painter, const QStyleOptionViewItem& option,
              const QModelIndex& index) const override;
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+  bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override;
   bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                  const QModelIndex& index) override;
 

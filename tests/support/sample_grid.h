@@ -133,6 +133,7 @@ struct SampleGrid {
     view->selectionModel()->select(QItemSelection(a, b), QItemSelectionModel::ClearAndSelect);
   }
   void click(const QString& path, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    view->scrollTo(cell(path));
     QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers,
                       view->visualRect(cell(path)).center());
   }
