@@ -62,6 +62,7 @@ void TestTreeGridView::paintsFrozenColumnsOverTheOthers() {
   g.view->setFrozenColumnCount(2);
   g.setCurrent("0.0:note");
   g.scrollTo(0);
+  QTest::qWait(20);  // the scroll bars come
   const QImage unscrolled = g.view->grab().toImage();
   g.scrollTo(150);
   const QImage scrolled = g.view->grab().toImage();
