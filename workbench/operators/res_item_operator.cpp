@@ -26,9 +26,9 @@ constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbe
 
 constexpr int MaxPricePlaces = 6;
 constexpr int MaxTaxRatePlaces = 4;
-constexpr std::size_t MaxCodeBytes = 64 * 3;
-constexpr std::size_t MaxTextBytes = 500 * 3;
-constexpr std::size_t MaxAnnotationBytes = 4000 * 3;
+constexpr std::size_t MaxCodeBytes = std::size_t(64) * 3;
+constexpr std::size_t MaxTextBytes = std::size_t(500) * 3;
+constexpr std::size_t MaxAnnotationBytes = std::size_t(4000) * 3;
 
 enum Column {
   Association,

@@ -243,7 +243,7 @@ bool ProjectFile::create(const QString& path, const exchange::SourceDocument* so
       const exchange::Counts counts = exchange::countsOf(*source);
       const RowProgress filling =
           rowProgress(progress, 0, 30, static_cast<qint64>(counts.resources));
-      rows = static_cast<qint64>(counts.bills + counts.resources * 2);
+      rows = static_cast<qint64>(counts.bills) + 2 * static_cast<qint64>(counts.resources);
       const bool filled = fillFromSource(project, *source, [&](std::size_t done) {
         return !filling || filling(static_cast<qint64>(done));
       });
