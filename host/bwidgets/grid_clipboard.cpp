@@ -205,6 +205,8 @@ void pasteFromClipboard(TreeGridView& grid) {
       // What already stands there needs no writing: digits that are not shown stay, and copied
       // rows can be pasted back over columns that cannot be edited.
       if (target.cell.isValid() && clipboardText(target.cell) == target.text) continue;
+      // Nothing for a cell that cannot be edited is no loss to tell of.
+      if (target.text.isEmpty() && target.cell.isValid() && !isWritable(target.cell)) continue;
       if (!writeCell(target.cell, target.text)) refused.push_back(target.cell);
     }
   }

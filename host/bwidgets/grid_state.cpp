@@ -22,12 +22,11 @@ void GridState::collectExpanded(const QModelIndex& parent, int first, int last,
   const QAbstractItemModel* model = grid_.model();
   for (int row = first; row <= last; ++row) {
     const QModelIndex index = model->index(row, 0, parent);
-    const int children = model->rowCount(index);
-    if (children == 0) continue;
+    // A group whose rows are all filtered away is expanded, too.
     if (grid_.isExpanded(index)) {
       if (const std::optional<Id> id = idOf(index)) ids.insert(*id);
     }
-    collectExpanded(index, 0, children - 1, ids);
+    collectExpanded(index, 0, model->rowCount(index) - 1, ids);
   }
 }
 

@@ -139,6 +139,7 @@ bool TableView::eventFilter(QObject* watched, QEvent* event) {
     }
     return true;
   }
+  if (event->type() == QEvent::MouseButtonRelease) return true;
   if (event->type() == QEvent::Wheel) return viewportEvent(event);
   return false;
 }

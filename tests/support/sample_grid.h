@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QLineEdit>
 #include <QScrollBar>
 #include <QtTest>
 
@@ -125,11 +126,14 @@ struct SampleGrid {
   QString current() const { return pathOf(view->currentIndex()); }
   Node* node(int group, int item) const { return op.tree.node(group)->node(item); }
 
-  void setCurrent(const QString& path) { view->setCurrentIndex(cell(path)); }
+  // Not the view's own setCurrentIndex, which looks at the modifiers of the last key press.
+  void setCurrent(const QString& path) {
+    view->selectionModel()->setCurrentIndex(cell(path), QItemSelectionModel::ClearAndSelect);
+  }
   void select(const QString& from, const QString& to) {
     const QModelIndex a = cell(from);
     const QModelIndex b = cell(to);
-    view->setCurrentIndex(a);
+    setCurrent(from);
     view->selectionModel()->select(QItemSelection(a, b), QItemSelectionModel::ClearAndSelect);
   }
   void click(const QString& path, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
