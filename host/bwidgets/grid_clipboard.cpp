@@ -86,7 +86,7 @@ void report(const TreeGridView& grid, const QString& headline, const Refused& re
 }  // namespace
 
 QString clipboardText(const QModelIndex& cell) {
-  const QString text = cell.data(Qt::DisplayRole).toString();
+  QString text = cell.data(Qt::DisplayRole).toString();
   if (text.isEmpty()) {
     const QVariant check = cell.data(Qt::CheckStateRole);
     return check.isValid() && check.toInt() == Qt::Checked ? QString::fromUtf8("√") : QString();

@@ -26,7 +26,8 @@ void GridState::collectExpanded(const QModelIndex& parent, int first, int last,
     if (grid_.isExpanded(index)) {
       if (const std::optional<Id> id = idOf(index)) ids.insert(*id);
     }
-    collectExpanded(index, 0, model->rowCount(index) - 1, ids);
+    // Asked first since a filter model sets up a mapping for each index whose rows it counts.
+    if (model->hasChildren(index)) collectExpanded(index, 0, model->rowCount(index) - 1, ids);
   }
 }
 
@@ -37,8 +38,7 @@ void GridState::expandKnown(const QModelIndex& parent, int first, int last,
     const QModelIndex index = model->index(row, 0, parent);
     const std::optional<Id> id = idOf(index);
     if (id && ids.erase(*id) > 0) grid_.setExpanded(index, true);
-    const int children = model->rowCount(index);
-    if (children > 0) expandKnown(index, 0, children - 1, ids);
+    if (model->hasChildren(index)) expandKnown(index, 0, model->rowCount(index) - 1, ids);
   }
 }
 
@@ -55,7 +55,7 @@ void GridState::findRows(const QModelIndex& parent, std::unordered_map<Id, QMode
         --missing;
       }
     }
-    findRows(index, wanted, missing);
+    if (model->hasChildren(index)) findRows(index, wanted, missing);
   }
 }
 

@@ -159,7 +159,7 @@ bool SearchBox::walk(const QModelIndex& parent, Visit visit) const {
     const QModelIndex index = model->index(row, 0, parent);
     if (grid_->isRowHidden(row, parent)) continue;
     if (!visit(index)) return false;
-    if (!walk(index, visit)) return false;
+    if (model->hasChildren(index) && !walk(index, visit)) return false;
   }
   return true;
 }

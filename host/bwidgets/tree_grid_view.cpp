@@ -17,6 +17,7 @@
 #include "host/bwidgets/grid_rows.h"
 #include "host/bwidgets/grid_state.h"
 #include "host/bwidgets/search_box.h"
+#include "host/gui/styled_item_delegate.h"
 #include "host/gui/view_model.h"
 #include "host/proxy/element.h"
 
@@ -47,6 +48,7 @@ TreeGridView::TreeGridView(QWidget* parent)
   setEditTriggers(AnyKeyPressed | EditKeyPressed | DoubleClicked);
   setTabKeyNavigation(true);
   setTextElideMode(Qt::ElideRight);
+  setItemDelegate(new gui::StyledItemDelegate(this));
 
   QPalette colors = palette();
   colors.setColor(QPalette::AlternateBase, QColor(0xf7, 0xf9, 0xfc));
@@ -549,7 +551,8 @@ void TreeGridView::setSelection(const QRect& rect, QItemSelectionModel::Selectio
 }
 
 // ---------------------------------------------------------------------------------------------
-// Mouse. The base class finds branch marks by the scrolled header alone, so they are handled here.
+// Mouse. QTreeView finds branch marks by the scrolled header alone, so they are handled here and
+// its handlers are passed over.
 
 void TreeGridView::mousePressEvent(QMouseEvent* event) {
   const QModelIndex at = indexAt(event->pos());
@@ -568,13 +571,13 @@ void TreeGridView::mousePressEvent(QMouseEvent* event) {
     setSelection(QRect(event->pos(), QSize(1, 1)), command);
     return;
   }
-  QAbstractItemView::mousePressEvent(event);
+  QAbstractItemView::mousePressEvent(event);  // NOLINT(bugprone-parent-virtual-call)
 }
 
 void TreeGridView::mouseMoveEvent(QMouseEvent* event) {
   if (pressedDecoration_ && event->buttons() != Qt::NoButton) return;
   const QScopedValueRollback<bool> holding(holdsAnchor_, true);
-  QAbstractItemView::mouseMoveEvent(event);
+  QAbstractItemView::mouseMoveEvent(event);  // NOLINT(bugprone-parent-virtual-call)
 }
 
 void TreeGridView::mouseReleaseEvent(QMouseEvent* event) {
@@ -582,7 +585,7 @@ void TreeGridView::mouseReleaseEvent(QMouseEvent* event) {
     pressedDecoration_ = false;
     return;
   }
-  QAbstractItemView::mouseReleaseEvent(event);
+  QAbstractItemView::mouseReleaseEvent(event);  // NOLINT(bugprone-parent-virtual-call)
 }
 
 void TreeGridView::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -594,7 +597,7 @@ void TreeGridView::mouseDoubleClickEvent(QMouseEvent* event) {
   const QPersistentModelIndex row = at.isValid() ? at.sibling(at.row(), 0) : QModelIndex();
   const bool plain =
       at.isValid() && !(model()->flags(at) & (Qt::ItemIsEditable | Qt::ItemIsUserCheckable));
-  QAbstractItemView::mouseDoubleClickEvent(event);
+  QAbstractItemView::mouseDoubleClickEvent(event);  // NOLINT(bugprone-parent-virtual-call)
   if (plain && row.isValid() && itemsExpandable() && event->button() == Qt::LeftButton &&
       state() != EditingState && model()->hasChildren(row)) {
     setExpanded(row, !isExpanded(row));
@@ -780,7 +783,7 @@ void TreeGridView::keyPressEvent(QKeyEvent* event) {
                                              event->modifiers().testFlag(Qt::ShiftModifier));
   if (extending_ && !anchor_.isValid()) anchor_ = currentIndex();
   // Not QTreeView's, which collapses the row when a negative number is typed.
-  QAbstractItemView::keyPressEvent(event);
+  QAbstractItemView::keyPressEvent(event);  // NOLINT(bugprone-parent-virtual-call)
 }
 
 void TreeGridView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {

@@ -30,6 +30,8 @@ class SearchBox;
 /// - Column widths are kept by the model (gui::ViewModel) at 100 % zoom.
 /// - Selection, current cell, expansion and scroll position stay on the same elements when the
 ///   model sorts, filters or resets.
+/// - Numbers stand to the right, cells are edited as in a spreadsheet: gui::StyledItemDelegate is
+///   the delegate unless another one is set.
 /// - Ctrl+C and Ctrl+V exchange blocks with a spreadsheet, Ctrl+F finds, Delete clears.
 ///
 /// Models need not be a gui::ViewModel; then there are no elements, no kept widths and no state

@@ -4,7 +4,7 @@
 
 namespace gui {
 
-/// The module's tree grid: a bwidgets::TreeGridView with a StyledItemDelegate.
+/// The tree grid that the generic pages are built on.
 class QCE_HOST_WIDGETS_EXPORT TreeGridView : public bwidgets::TreeGridView {
   Q_OBJECT
 
