@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <boost/multiprecision/cpp_int.hpp>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -10,28 +11,40 @@
 namespace costing {
 namespace {
 
+__extension__ using Int128 = __int128;
 using Wide = boost::multiprecision::int256_t;
 
-Wide powerOfTen(int exponent) {
-  Wide power = 1;
-  for (int i = 0; i < exponent; ++i) power *= 10;
-  return power;
-}
+constexpr std::array<std::int64_t, Decimal::Places + 1> Powers = {
+    1,        10,        100,        1000,        10000,        100000,       1000000,
+    10000000, 100000000, 1000000000, 10000000000, 100000000000, 1000000000000};
 
-const Wide& scale() {
-  static const Wide value = powerOfTen(Decimal::Places);
-  return value;
-}
+constexpr std::int64_t Scale = Powers[Decimal::Places];
+constexpr Int128 Limit = Int128(Scale) * Scale * Scale;  // 10^24, in units
 
-const Wide& limit() {
-  static const Wide value = powerOfTen(24 + Decimal::Places);
-  return value;
+std::int64_t power(int exponent) {
+  return Powers[static_cast<std::size_t>(exponent)];
 }
 
 // Half away from zero; `divisor` is positive.
-Wide divideRounded(const Wide& value, const Wide& divisor) {
-  const Wide half = divisor / 2;
-  return value < 0 ? Wide((value - half) / divisor) : Wide((value + half) / divisor);
+template <class Integer>
+Integer divideRounded(const Integer& value, const Integer& divisor) {
+  const Integer half = divisor / 2;
+  return value < 0 ? Integer((value - half) / divisor) : Integer((value + half) / divisor);
+}
+
+// The units of a quotient of wide numbers.
+Int128 narrowed(const Wide& wide) {
+  if (wide >= Wide(Limit) || wide <= Wide(-Limit)) {
+    throw std::overflow_error("decimal out of range");
+  }
+  return wide.convert_to<Int128>();
+}
+
+// Whether `units` has at most 6 decimals and 12 digits before them: the product of two such
+// numbers has at most 12 decimals and fits.
+bool isShort(Int128 units) {
+  constexpr Int128 bound = Int128(Scale) * Scale;
+  return units < bound && units > -bound && units % power(6) == 0;
 }
 
 bool isDigit(char c) {
@@ -40,11 +53,10 @@ bool isDigit(char c) {
 
 }  // namespace
 
-Decimal::Decimal(int value) : units_(Units(value) * Units(scale())) {}
+Decimal::Decimal(int value) : units_(Units(value) * Scale) {}
 
-Decimal::Decimal(const Wide& wide) {
-  if (wide >= limit() || wide <= -limit()) throw std::overflow_error("decimal out of range");
-  units_ = Units(wide);
+Decimal::Decimal(FromUnits /*tag*/, Units units) : units_(units) {
+  if (units >= Limit || units <= -Limit) throw std::overflow_error("decimal out of range");
 }
 
 std::optional<Decimal> Decimal::parse(std::string_view text) {
@@ -53,7 +65,7 @@ std::optional<Decimal> Decimal::parse(std::string_view text) {
     negative = text.front() == '-';
     text.remove_prefix(1);
   }
-  Wide units = 0;
+  Units units = 0;
   int digits = 0;
   int places = -1;  // -1 before the point
   for (const char c : text) {
@@ -63,13 +75,14 @@ std::optional<Decimal> Decimal::parse(std::string_view text) {
     }
     if (!isDigit(c)) return {};
     if (places >= 0 && ++places > Places) return {};
-    units = units * 10 + (c - '0');
     if (++digits > 24 + Places) return {};
+    units = units * 10 + (c - '0');
   }
   if (digits == 0 || places == 0) return {};
-  units *= powerOfTen(Places - (places < 0 ? 0 : places));
-  if (units >= limit()) return {};
-  return Decimal(negative ? Wide(-units) : units);
+  const std::int64_t missing = power(Places - (places < 0 ? 0 : places));
+  if (units >= Limit / missing) return {};
+  units *= missing;
+  return Decimal(FromUnits(), negative ? -units : units);
 }
 
 std::optional<Decimal> Decimal::fromDouble(double value) {
@@ -91,28 +104,36 @@ std::optional<Decimal> Decimal::fromDouble(double value) {
 
 std::string Decimal::toString(int places) const {
   places = std::clamp(places, 0, Places);
-  const Decimal shown = rounded(places);
-  std::string text = Units(boost::multiprecision::abs(shown.units_)).str();
-  if (text.size() <= Places) text.insert(0, Places + 1 - text.size(), '0');
-  text.insert(text.size() - Places, ".");
-  text.resize(text.size() - static_cast<std::size_t>(Places - places));
-  if (places == 0) text.pop_back();
-  if (shown.units_ < 0) text.insert(0, "-");
-  return text;
+  Units rest = rounded(places).units_;
+  const bool negative = rest < 0;
+  if (negative) rest = -rest;
+  rest /= power(Places - places);
+  std::array<char, 48> text;
+  char* const end = text.data() + text.size();
+  char* at = end;
+  const auto put = [&at, &rest] {
+    *--at = static_cast<char>('0' + static_cast<int>(rest % 10));
+    rest /= 10;
+  };
+  for (int i = 0; i < places; ++i) put();
+  if (places > 0) *--at = '.';
+  do {
+    put();
+  } while (rest != 0);
+  if (negative) *--at = '-';
+  return std::string(at, end);
 }
 
 std::string Decimal::toString() const {
   std::string text = toString(Places);
-  text.resize(text.find_last_not_of('0') + 1);
+  text.resize(text.find_last_not_of('0') + 1);  // the point at the latest
   if (text.back() == '.') text.pop_back();
   return text;
 }
 
 Decimal Decimal::fromDigits(std::int64_t digits, int places) {
   // At most 19 digits and 12 zeros: in range.
-  Decimal result;
-  result.units_ = Units(digits) * Units(powerOfTen(Places - std::clamp(places, 0, Places)));
-  return result;
+  return Decimal(FromUnits(), Units(digits) * power(Places - std::clamp(places, 0, Places)));
 }
 
 std::optional<std::int64_t> Decimal::significantDigits(int& places) const {
@@ -126,7 +147,7 @@ std::optional<std::int64_t> Decimal::significantDigits(int& places) const {
       digits < std::numeric_limits<std::int64_t>::min()) {
     return {};
   }
-  return digits.convert_to<std::int64_t>();
+  return static_cast<std::int64_t>(digits);
 }
 
 double Decimal::toDouble() const {
@@ -138,31 +159,48 @@ double Decimal::toDouble() const {
 
 Decimal Decimal::rounded(int places) const {
   if (places < 0 || places >= Places) return *this;
-  const Wide step = powerOfTen(Places - places);
-  return Decimal(Wide(divideRounded(Wide(units_), step) * step));
+  const Units step = power(Places - places);
+  return Decimal(FromUnits(), divideRounded(units_, step) * step);
 }
 
 Decimal& Decimal::operator+=(const Decimal& other) {
-  return *this = Decimal(Wide(Wide(units_) + Wide(other.units_)));
+  return *this = Decimal(FromUnits(), units_ + other.units_);
 }
 
 Decimal& Decimal::operator-=(const Decimal& other) {
-  return *this = Decimal(Wide(Wide(units_) - Wide(other.units_)));
+  return *this = Decimal(FromUnits(), units_ - other.units_);
 }
 
 Decimal operator*(const Decimal& a, const Decimal& b) {
-  return Decimal(divideRounded(Wide(a.units_) * Wide(b.units_), scale()));
+  if (isShort(a.units_) && isShort(b.units_)) {
+    return Decimal(Decimal::FromUnits(), (a.units_ / power(6)) * (b.units_ / power(6)));
+  }
+  return Decimal(Decimal::FromUnits(),
+                 narrowed(divideRounded(Wide(Wide(a.units_) * Wide(b.units_)), Wide(Scale))));
 }
 
 Decimal operator/(const Decimal& a, const Decimal& b) {
   if (b.isZero()) throw std::overflow_error("decimal division by zero");
-  Wide numerator = Wide(a.units_) * scale();
+  // A divisor as short as the 100 of a rate leaves room for the scaled numerator.
+  if (isShort(a.units_)) {
+    Int128 numerator = a.units_ / power(6) * Scale;
+    Int128 divisor = b.units_;
+    if (divisor % power(6) == 0) {
+      divisor /= power(6);
+      if (divisor < 0) {
+        numerator = -numerator;
+        divisor = -divisor;
+      }
+      return Decimal(Decimal::FromUnits(), divideRounded(numerator, divisor));
+    }
+  }
+  Wide numerator = Wide(a.units_) * Wide(Scale);
   Wide divisor = Wide(b.units_);
   if (divisor < 0) {
     numerator = -numerator;
     divisor = -divisor;
   }
-  return Decimal(divideRounded(numerator, divisor));
+  return Decimal(Decimal::FromUnits(), narrowed(divideRounded(numerator, divisor)));
 }
 
 Decimal Decimal::operator-() const {
