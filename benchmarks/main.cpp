@@ -163,18 +163,22 @@ int main(int argc, char** argv) {
       });
     });
     add("condition/ours" + at, repetitions, [&ours] {
-      const double time = seconds([&ours] { ours.get().filterByCondition("钢", "DN1"); });
-      int shown = countAll(ours.get().filter());
-      benchmark::DoNotOptimize(shown);
+      Ours& side = ours.get();
+      countAll(side.filter());  // a view has asked for all rows before
+      const double time = seconds([&side] {
+        side.filterByCondition("钢", "DN1");
+        benchmark::DoNotOptimize(countAll(side.filter()));
+      });
       ours.get().cancelCondition();
       return time;
     });
     add("condition/stock" + at, repetitions, [&stock] {
       QSortFilterProxyModel& proxy = stock.get().proxy();
       proxy.setFilterKeyColumn(2);
+      countAll(proxy);
       const double time = seconds([&proxy] {
         proxy.setFilterFixedString("钢");
-        benchmark::DoNotOptimize(proxy.rowCount());
+        benchmark::DoNotOptimize(countAll(proxy));
       });
       proxy.setFilterFixedString({});
       return time;

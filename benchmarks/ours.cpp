@@ -1,64 +1,116 @@
 #include "benchmarks/ours.h"
-#include <chrono>
-#include <algorithm>
+
 #include <QCoreApplication>
-#include "framework/filter_view_model.h"
-#include "framework/view_model.h"
+#include <chrono>
+#include <cmath>
+
+#include "host/domain/field_keys.h"
+#include "resitem/filter_model.h"
+#include "resitem/model.h"
+#include "workbench/operators/res_item_operator.h"
+#include "workbench/records/project.h"
+#include "workbench/records/project_builder.h"
+
 namespace bench {
 namespace {
-using Source = gui::TViewModel<abst::BaseModel>;
-class AnyFilter : public abst::BaseModel { public: using SourceModel = abst::BaseModel; };
-struct El : proxy::Element {
-  int r=0; std::string t[5]; double n[5]; El* p=nullptr; std::vector<scoped_refptr<El>> kids;
-  proxy::Element* parent() const override { return p; }
-  int row() const override { return r; }
-  int childCount() const override { return (int)kids.size(); }
-  proxy::Element* child(int i) const override { return i>=0&&i<(int)kids.size()?kids[i].get():nullptr; }
-  std::int64_t id() const override { return r; }
-};
-struct Grp : proxy::ElementGroup {
-  std::vector<scoped_refptr<El>> m;
-  int size() const override { return (int)m.size(); }
-  proxy::Element* member(int i) const override { return i>=0&&i<(int)m.size()?m[i].get():nullptr; }
-  static void ro(std::vector<scoped_refptr<El>>& m,const Less& l){
-    std::stable_sort(m.begin(), m.end(), [&](auto&a,auto&b){return l(a.get(),b.get());}); int i=0; for(auto&e:m) e->r=i++; for(auto&e:m) if(!e->kids.empty()) ro(e->kids,l); }
-  void reorder(const Less& l) override { ro(m,l); }
-};
-struct Op : domain::Operator {
-  Grp g; std::unordered_map<std::string,int> k;
-  proxy::ElementGroup* getRoot() override { return &g; }
-  bool getValue(const proxy::Element* e, const std::string& key, int role, domain::Value& out) const override {
-    if (role!=0&&role!=2) return false;
-    int i = k.find(key)->second; auto* el=static_cast<const El*>(e);
-    if (i<5) domain::AssignText(out, el->t[i]); else out = el->n[i-5];
-    return true;
+
+using Clock = std::chrono::steady_clock;
+
+costing::Decimal cents(double value) {
+  return costing::Decimal::fromDigits(std::llround(value * 100), 2);
+}
+
+// Ten of the page's columns, the five numbers with two decimals and thousands separators.
+void describeColumns(domain::DisplayTable& table) {
+  using namespace domain;
+  DisplayRow& header = *table.getHeader();
+  for (const std::string* key :
+       {&keys::CostAccount, &keys::BRICode, &keys::BRIName, &keys::BRISpec, &keys::BRIUnit}) {
+    header.addColumn(*key, DataField());
   }
-  bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override { return false; }
-  bool isEnabled(const proxy::Element*, const std::string&) const override {return true;}
-  bool isEditable(const proxy::Element*, const std::string&) const override {return true;}
-  bool isCheckable(const proxy::Element*, const std::string&) const override {return false;}
+  for (const std::string* key :
+       {&keys::BRIAmount, &keys::BRIExcludedTaxFee, &keys::BRIExcludedTaxTotalCost,
+        &keys::BRIIncludedTaxFee, &keys::BRIIncludedTaxTotalCost}) {
+    DataField field;
+    field.type = FloatingPointField;
+    field.precision = 2;
+    field.thousandsSeparators = true;
+    header.addColumn(*key, field);
+  }
+}
+
+}  // namespace
+
+struct Ours::Parts {
+  Parts() : op(project) {}
+
+  records::Project project;
+  domain::DisplayTable table;
+  operators::ResItemOperator op;
+  gui::qce::QCEResItemModelImpl model;
+  std::unique_ptr<gui::qce::QCEResItemFilterModelImpl> filter;
+  Clock::time_point sortBegan;
+  double sortTook = 0;
+  bool sorted = false;
 };
-struct Filter : gui::TFilterViewModel<AnyFilter> {
-  using TFilterViewModel::TFilterViewModel; std::string a,b;
-  using TFilterViewModel::filterAcceptsRow;
-  bool filterAcceptsRow(proxy::Element* e) const override { auto* x=static_cast<El*>(e); if(a.empty()) return true; if (!x->kids.empty()) return false; return x->t[2].find(a)!=std::string::npos && x->t[3].find(b)!=std::string::npos; }
-};
+
+Ours::Ours(const Rows& rows) : parts_(std::make_unique<Parts>()) {
+  records::Project& project = parts_->project;
+  records::ProjectBuilder builder(project);
+  records::StructureNode& work = builder.addNode(nullptr, 0, records::StructureKind::UnitWork);
+  std::unordered_map<std::string, records::CostAccount*> accounts;
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    records::ResourceItemData item;
+    records::CostAccount*& account = accounts[rows.text(row, 0)];
+    if (account == nullptr) account = &builder.addAccount(nullptr, 0, "", rows.text(row, 0));
+    item.account = account;
+    item.code = project.texts.intern(rows.text(row, 1));
+    item.name = project.texts.intern(rows.text(row, 2));
+    item.spec = project.texts.intern(rows.text(row, 3));
+    item.unit = project.texts.intern(rows.text(row, 4));
+    item.quantity = cents(rows.number(row, 0));
+    item.price = cents(rows.number(row, 1));
+    item.taxRate = 13;
+    builder.addItem(work, item);
+  }
+  describeColumns(parts_->table);
+  parts_->op.rebuildGroup();
+  parts_->model.setDisplayTable(&parts_->table);
+  parts_->model.setOperator(&parts_->op);
+  parts_->filter = std::make_unique<gui::qce::QCEResItemFilterModelImpl>(&parts_->model);
+  parts_->filter->connectLayoutAboutToBeChanged(
+      [parts = parts_.get()] { parts->sortBegan = Clock::now(); });
+  parts_->filter->connectLayoutChanged([parts = parts_.get()] {
+    parts->sortTook = std::chrono::duration<double>(Clock::now() - parts->sortBegan).count();
+    parts->sorted = true;
+  });
 }
-struct Ours::Parts { bool connected=false; domain::DisplayTable t; Op op; Source src; std::unique_ptr<Filter> f; };
-Ours::Ours(const Rows& rows) : parts_(new Parts) {
-  const char* keys[]={"QCE_CostAccount","QCE_BRICode","QCE_BRIName","QCE_BRISpec","QCE_BRIUnit","QCE_BRIAmount","b","c","d","e"};
-  for (int i=0;i<10;++i){ domain::DataField f; f.type=i<5?0:3; if(i>=5){f.precision=2; f.thousandsSeparators=true;} parts_->t.getHeader()->addColumn(keys[i],f); parts_->op.k[keys[i]]=i; }
-  scoped_refptr<El> top(new El); parts_->op.g.m.push_back(top);
-  for (size_t i=0;i<rows.size();++i){ scoped_refptr<El> e(new El); for(int c=0;c<5;++c){e->t[c]=rows.text(i,c); e->n[c]=rows.number(i,c);} e->r=(int)i; e->p=top.get(); top->kids.push_back(e);}
-  parts_->src.setDisplayTable(&parts_->t); parts_->src.setOperator(&parts_->op);
-  parts_->f.reset(new Filter(&parts_->src));
+
+Ours::~Ours() = default;
+
+QAbstractItemModel& Ours::filter() {
+  return *parts_->filter;
 }
-Ours::~Ours()=default;
-QAbstractItemModel& Ours::filter(){return *parts_->f;}
-void Ours::filterByCondition(const std::string& a,const std::string& b){parts_->f->a=a;parts_->f->b=b;parts_->f->invalidate(); parts_->f->rowCount(parts_->f->index(0,0));}
-void Ours::cancelCondition(){parts_->f->a.clear();parts_->f->invalidate();parts_->f->rowCount(parts_->f->index(0,0));}
-double Ours::sort(int column, Qt::SortOrder order){
-  using C=std::chrono::steady_clock; static C::time_point s; static double took; static bool done; done=false;
-  if(!parts_->connected){parts_->connected=true; parts_->f->connectLayoutAboutToBeChanged([]{s=C::now();}); parts_->f->connectLayoutChanged([]{took=std::chrono::duration<double>(C::now()-s).count();done=true;});}
-  parts_->f->sort(column,order); while(!done) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents); parts_->f->rowCount(parts_->f->index(0,0)); return took; }
+
+void Ours::filterByCondition(const std::string& name, const std::string& specification) {
+  std::vector<std::string> keywords = {"", "", name, specification, ""};
+  parts_->filter->setFilterField(keywords);
+  parts_->filter->setIsFilterByCondition(true);
 }
+
+void Ours::cancelCondition() {
+  parts_->filter->setIsFilterByCondition(false);
+}
+
+double Ours::sort(int column, Qt::SortOrder order) {
+  // A displayed thousands separator is no number to the comparison: the quantity sorts without.
+  domain::DataField* quantity = parts_->table.getHeader()->column(domain::keys::BRIAmount)->field;
+  quantity->thousandsSeparators = false;
+  parts_->sorted = false;
+  parts_->filter->sort(column, order);
+  while (!parts_->sorted) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  quantity->thousandsSeparators = true;
+  return parts_->sortTook;
+}
+
+}  // namespace bench

@@ -11,10 +11,12 @@ const std::array<const char*, 12> Names = {
     "螺纹钢筋", "商品混凝土", "普通硅酸盐水泥", "中砂", "综合工日", "加气混凝土砌块",
     "铜芯电缆", "镀锌钢管",   "塔式起重机",     "模板", "防水卷材", "内墙乳胶漆"};
 const std::array<const char*, 8> Units = {"t", "m3", "kg", "m2", "工日", "m", "台班", "个"};
-const std::array<const char*, 6> Accounts = {"材料费/钢材",   "材料费/混凝土", "人工费",
-                                             "机械费",        "材料费/其他",   "专业分包"};
+const std::array<const char*, 6> Accounts = {"材料费/钢材", "材料费/混凝土", "人工费",
+                                             "机械费",      "材料费/其他",   "专业分包"};
 
-double cents(double value) { return std::round(value * 100) / 100; }
+double cents(double value) {
+  return std::round(value * 100) / 100;
+}
 
 }  // namespace
 
