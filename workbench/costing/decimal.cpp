@@ -5,6 +5,7 @@
 #include <boost/multiprecision/cpp_int.hpp>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <stdexcept>
 
@@ -139,9 +140,12 @@ Decimal Decimal::fromDigits(std::int64_t digits, int places) {
 std::optional<std::int64_t> Decimal::significantDigits(int& places) const {
   Units digits = units_;
   places = Places;
-  while (places > 0 && digits % 10 == 0) {
-    digits /= 10;
-    --places;
+  // The zeros at the end, at most 12, by halves.
+  for (const int zeros : {8, 4, 2, 1}) {
+    if (zeros <= places && digits % power(zeros) == 0) {
+      digits /= power(zeros);
+      places -= zeros;
+    }
   }
   if (digits > std::numeric_limits<std::int64_t>::max() ||
       digits < std::numeric_limits<std::int64_t>::min()) {
@@ -151,6 +155,12 @@ std::optional<std::int64_t> Decimal::significantDigits(int& places) const {
 }
 
 double Decimal::toDouble() const {
+  int places = 0;
+  const std::optional<std::int64_t> digits = significantDigits(places);
+  if (digits && std::llabs(*digits) < (std::int64_t(1) << 53)) {
+    // Both are exact as doubles, so that the quotient is the nearest double to the decimal.
+    return static_cast<double>(*digits) / static_cast<double>(power(places));
+  }
   const std::string text = toString();
   double value = 0.0;
   std::from_chars(text.data(), text.data() + text.size(), value);

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <deque>
 #include <string>
 #include <string_view>
-#include <unordered_set>
+#include <unordered_map>
 
 namespace records {
 
@@ -34,7 +35,8 @@ class TextPool {
   Text intern(std::string_view text);
 
  private:
-  std::unordered_set<std::string> texts_;
+  std::deque<std::string> texts_;  // keep their address
+  std::unordered_map<std::string_view, const std::string*> known_;
 };
 
 }  // namespace records
