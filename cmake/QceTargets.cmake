@@ -20,6 +20,8 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverl
                     -Wunused -Werror)
 # GCC 12 sees uninitialised members in every optional or conditional std::variant.
 add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+# Calls inside a library are not open to replacement from outside, so they may be inlined.
+add_compile_options(-fno-semantic-interposition)
 if(QCE_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
                       -fno-omit-frame-pointer)

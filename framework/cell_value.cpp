@@ -55,12 +55,22 @@ QVariant toQVariant(const domain::Value& value) {
   return std::visit(ToQVariant(), value);
 }
 
+QString numberText(const domain::DataField& field, double value) {
+  // One cell after the other, on one thread: the room of the last text serves the next.
+  static std::string text;
+  text.clear();
+  if (field.precision &&
+      (!field.thousandsSeparators || isReadBackExactly(value, *field.precision))) {
+    base::AppendNumber(text, value, field.precision, field.stripTrailingZeros.value_or(false),
+                       field.thousandsSeparators);
+  } else {
+    text = formatNumber(field, value);
+  }
+  return QString::fromLatin1(text.data(), static_cast<int>(text.size()));
+}
+
 std::string formatNumber(const domain::DataField& field, double value) {
   const bool strip = field.stripTrailingZeros.value_or(false);
-  if (field.thousandsSeparators && field.precision && isReadBackExactly(value, *field.precision)) {
-    return strip ? base::ToThousandthsStringWithStripTrailingZeros(value, field.precision)
-                 : base::ToThousandthsString(value, field.precision);
-  }
   std::string text;
   if (field.precision) {
     text = strip ? base::ToPlainStringWithStripTrailingZeros(value, field.precision)

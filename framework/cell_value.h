@@ -22,6 +22,9 @@ QCE_EXPORT QVariant toQVariant(const domain::Value& value);
 /// The text of a number as its field wants it: precision, trailing zeros, thousands separators.
 QCE_EXPORT std::string formatNumber(const domain::DataField& field, double value);
 
+/// The same as formatNumber, ready to be shown; takes the short way where both lead to one text.
+QCE_EXPORT QString numberText(const domain::DataField& field, double value);
+
 /// 0, 1 or 2 (Qt::CheckState) for what an operator answered for the check-state role.
 QCE_EXPORT int toCheckState(const QVariant& value);
 

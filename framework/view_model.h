@@ -266,7 +266,8 @@ QModelIndex TViewModel<T>::makeIndex(proxy::Element* element, int column) const 
 
 template <class T>
 QModelIndex TViewModel<T>::index(int row, int column, const QModelIndex& parent) const {
-  if (row < 0 || column < 0 || (table_ != nullptr && column >= columnCount())) return {};
+  const domain::DisplayRow* header = getHeader();
+  if (row < 0 || column < 0 || (header != nullptr && column >= header->columnCount())) return {};
   proxy::Element* child = nullptr;
   if (parent.isValid()) {
     const proxy::Element* above = getInternalData(parent);
@@ -389,7 +390,7 @@ QVariant TViewModel<T>::displayData(const domain::ColumnDescriptor& column,
       (field->type == domain::FloatingPointField || std::holds_alternative<double>(value))) {
     if (const std::optional<double> number = toNumber(value)) {
       if (std::fabs(*number) < 1e-6 && zeroShowsEmpty(column)) return {};
-      return QString::fromStdString(formatDouble(field, *number));
+      return numberText(*field, *number);
     }
   }
   return Visit(value);
@@ -414,7 +415,7 @@ QVariant TViewModel<T>::data(const QModelIndex& index, int role) const {
     if (!number || zeroShowsEmpty(*column) || !showValueOnFailToGetFloatValue(column->key)) {
       return {};
     }
-    return QString::fromStdString(formatDouble(column->field, 0.0));
+    return numberText(*column->field, 0.0);
   }
   if (role == Qt::DisplayRole) return displayData(*column, value);
   if (role == Qt::CheckStateRole) return toCheckState(Visit(value));

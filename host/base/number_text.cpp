@@ -66,7 +66,8 @@ void roundHalfUp(Decimal& d, int precision) {
 }
 
 // `units` of 10^-precision as text.
-std::string unitsText(std::uint64_t units, int precision, bool negative, bool strip, bool group) {
+void appendUnits(std::string& out, std::uint64_t units, int precision, bool negative, bool strip,
+                 bool group) {
   std::array<char, 40> buffer;
   char* const end = buffer.data() + buffer.size();
   char* at = end;
@@ -80,15 +81,20 @@ std::string unitsText(std::uint64_t units, int precision, bool negative, bool st
   }
   for (int i = 0; i < decimals; ++i, units /= 10) *--at = static_cast<char>('0' + units % 10);
   if (decimals > 0) *--at = '.';
-  int whole = 0;
+  // Three digits for each division of the long number.
+  while (units >= 1000) {
+    auto three = static_cast<std::uint32_t>(units % 1000);
+    units /= 1000;
+    for (int i = 0; i < 3; ++i, three /= 10) *--at = static_cast<char>('0' + three % 10);
+    if (group) *--at = ',';
+  }
+  auto rest = static_cast<std::uint32_t>(units);
   do {
-    if (group && whole > 0 && whole % 3 == 0) *--at = ',';
-    *--at = static_cast<char>('0' + units % 10);
-    units /= 10;
-    ++whole;
-  } while (units != 0);
+    *--at = static_cast<char>('0' + rest % 10);
+    rest /= 10;
+  } while (rest != 0);
   if (negative && !zero) *--at = '-';
-  return std::string(at, end);
+  out.append(at, static_cast<std::size_t>(end - at));
 }
 
 // The common case without the shortest decimal: few enough digits that the product with a power of
@@ -104,14 +110,8 @@ std::optional<std::uint64_t> clearUnits(double magnitude, int precision) {
   return units + (rest > 0.5 ? 1 : 0);
 }
 
-std::string text(double value, std::optional<int> precision, bool strip, bool group) {
-  if (!std::isfinite(value)) return {};
-  if (precision) {
-    const int places = std::max(*precision, 0);
-    if (const auto units = clearUnits(std::fabs(value), places)) {
-      return unitsText(*units, places, value < 0, strip, group);
-    }
-  }
+void appendDigits(std::string& out, double value, std::optional<int> precision, bool strip,
+                  bool group) {
   Decimal d = shortestDecimal(value);
   if (precision) {
     precision = std::max(*precision, 0);
@@ -130,10 +130,9 @@ std::string text(double value, std::optional<int> precision, bool strip, bool gr
     return position >= 0 && position < d.count ? d.digits[static_cast<std::size_t>(position)] : '0';
   };
 
-  std::string out;
   const int whole = d.count == 0 ? 0 : std::max(d.point, 0);
   const int length = whole + whole / 3 + decimals + 3;
-  out.reserve(static_cast<std::size_t>(length));
+  out.reserve(out.size() + static_cast<std::size_t>(length));
   if (d.negative && !zero) out += '-';
   if (whole == 0) out += '0';
   for (int i = 0; i < whole; ++i) {
@@ -144,6 +143,11 @@ std::string text(double value, std::optional<int> precision, bool strip, bool gr
     out += '.';
     for (int i = 0; i < decimals; ++i) out += d.count == 0 ? '0' : digit(d.point + i);
   }
+}
+
+std::string text(double value, std::optional<int> precision, bool strip, bool group) {
+  std::string out;
+  AppendNumber(out, value, precision, strip, group);
   return out;
 }
 
@@ -163,6 +167,19 @@ std::string ToThousandthsString(double value, std::optional<int> precision) {
 
 std::string ToThousandthsStringWithStripTrailingZeros(double value, std::optional<int> precision) {
   return text(value, precision, true, true);
+}
+
+void AppendNumber(std::string& out, double value, std::optional<int> precision,
+                  bool stripTrailingZeros, bool thousandths) {
+  if (!std::isfinite(value)) return;
+  if (precision) {
+    const int places = std::max(*precision, 0);
+    if (const auto units = clearUnits(std::fabs(value), places)) {
+      appendUnits(out, *units, places, value < 0, stripTrailingZeros, thousandths);
+      return;
+    }
+  }
+  appendDigits(out, value, precision, stripTrailingZeros, thousandths);
 }
 
 double ParseNumberPrefix(const std::string& text) {

@@ -29,6 +29,11 @@ QCE_CONTRACT_EXPORT std::string ToThousandthsString(double value,
 QCE_CONTRACT_EXPORT std::string ToThousandthsStringWithStripTrailingZeros(
     double value, std::optional<int> precision = {});
 
+/// Appends to `out` what the function of these wishes would return; for callers that format cell
+/// after cell and keep the room.
+QCE_CONTRACT_EXPORT void AppendNumber(std::string& out, double value, std::optional<int> precision,
+                                      bool stripTrailingZeros, bool thousandths);
+
 /// The number that `text` starts with, as `atof` reads it but independent of the locale: leading
 /// blanks are skipped, what follows the number is ignored, no number gives 0.
 QCE_CONTRACT_EXPORT double ParseNumberPrefix(const std::string& text);

@@ -15,13 +15,8 @@ ColumnDescriptor& DisplayRow::addColumn(std::string key, DataField field) {
 
 ColumnDescriptor& DisplayRow::addColumn(ColumnDescriptor descriptor) {
   numbers_.emplace(descriptor.key, columnCount());
-  columns_.push_back(std::move(descriptor));
-  return columns_.back();
-}
-
-const ColumnDescriptor* DisplayRow::column(int column) const {
-  if (column < 0 || column >= columnCount()) return nullptr;
-  return &columns_[static_cast<std::size_t>(column)];
+  columns_.push_back(std::make_unique<ColumnDescriptor>(std::move(descriptor)));
+  return *columns_.back();
 }
 
 ColumnDescriptor* DisplayRow::column(int number) {

@@ -40,7 +40,11 @@ class QCE_CONTRACT_EXPORT DisplayRow {
   int columnCount() const { return static_cast<int>(columns_.size()); }
   /// The descriptor of `column`, or null when there is none.
   ColumnDescriptor* column(int column);
-  const ColumnDescriptor* column(int column) const;
+  const ColumnDescriptor* column(int number) const {
+    // Asked for every cell that is painted.
+    return number >= 0 && number < columnCount() ? columns_[static_cast<std::size_t>(number)].get()
+                                                 : nullptr;
+  }
   /// The descriptor with this key, or null.
   ColumnDescriptor* column(const std::string& key);
   const ColumnDescriptor* column(const std::string& key) const;
@@ -55,7 +59,7 @@ class QCE_CONTRACT_EXPORT DisplayRow {
   std::string groupCaption(const std::string& key) const;
 
  private:
-  std::deque<ColumnDescriptor> columns_;  // a deque: descriptors keep their address
+  std::vector<std::unique_ptr<ColumnDescriptor>> columns_;  // descriptors keep their address
   std::unordered_map<std::string, int> numbers_;
   std::deque<DataField> fields_;
   std::list<HeaderGroup> groups_;

@@ -158,6 +158,9 @@ class TestViewModel : public QObject {
     QTest::newRow("thousands of the rounded text") << 0 << -1 << true << 999.5 << "1,000";
     // Six decimals first, then grouped without a precision of its own.
     QTest::newRow("thousands, no precision") << -1 << -1 << true << 1234.12345678 << "1,234.123457";
+    QTest::newRow("thousands, half up") << 2 << -1 << true << 1000000.005 << "1,000,000.01";
+    QTest::newRow("more digits than a double tells apart")
+        << 2 << -1 << true << 123456789012345.67 << "123,456,789,012,345.67";
     QTest::newRow("negative") << 1 << -1 << true << -1234.56 << "-1,234.6";
     QTest::newRow("no negative zero") << 2 << -1 << false << -0.001 << "0.00";
   }
@@ -172,6 +175,7 @@ class TestViewModel : public QObject {
     if (strip >= 0) f.stripTrailingZeros = strip == 1;
     f.thousandsSeparators = thousands;
     QCOMPARE(QString::fromStdString(model_->formatDouble(&f, value)), text);
+    QCOMPARE(gui::numberText(f, value), text);
   }
 
   void showsZeroAndMissingAsConfigured() {

@@ -15,6 +15,9 @@ class PackedDecimal {
 
   Decimal value() const;
   double toDouble() const;
+  /// The value is digits() × 10^-places().
+  std::int64_t digits() const { return (bits_ - places()) / 16; }
+  int places() const { return static_cast<int>(bits_ & 15); }
 
   friend bool operator==(PackedDecimal a, PackedDecimal b) { return a.bits_ == b.bits_; }
   friend bool operator!=(PackedDecimal a, PackedDecimal b) { return a.bits_ != b.bits_; }

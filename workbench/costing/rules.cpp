@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace costing {
 namespace {
@@ -36,6 +37,19 @@ Decimal budgetAmount(const Decimal& billQuantity, const Decimal& content, const 
 
 Decimal includedTaxPrice(const Decimal& price, const Decimal& taxRate) {
   return price * withTax(taxRate);
+}
+
+double includedTaxPriceShown(PackedDecimal price, PackedDecimal taxRate) {
+  // digits × (100 + rate), while the product is exact as a double and so are the powers of ten.
+  constexpr double exact = 9007199254740992.0;  // 2^53
+  double hundred = 100;
+  for (int i = 0; i < taxRate.places(); ++i) hundred *= 10;
+  double divisor = hundred;
+  for (int i = 0; i < price.places(); ++i) divisor *= 10;
+  const double product =
+      static_cast<double>(price.digits()) * (hundred + static_cast<double>(taxRate.digits()));
+  if (std::fabs(product) < exact && divisor < 1e16) return product / divisor;
+  return includedTaxPrice(price.value(), taxRate.value()).toDouble();
 }
 
 Decimal excludedTaxAmount(const Decimal& quantity, const Decimal& price) {

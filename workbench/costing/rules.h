@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "workbench/costing/decimal.h"
+#include "workbench/costing/packed_decimal.h"
 
 /// Every cost rule of the workbench. Money is in yuan, rates are per cent, rounding is half up
 /// (away from zero). What a line shows is rounded first and added afterwards, so that the sum of
@@ -28,6 +29,9 @@ Decimal budgetAmount(const Decimal& billQuantity, const Decimal& content, const 
 
 /// Unit price including tax: price × (1 + rate / 100), unrounded.
 Decimal includedTaxPrice(const Decimal& price, const Decimal& taxRate);
+
+/// The same as the nearest double, for showing it cell after cell.
+double includedTaxPriceShown(PackedDecimal price, PackedDecimal taxRate);
 
 /// quantity × price, rounded to 2 places.
 Decimal excludedTaxAmount(const Decimal& quantity, const Decimal& price);

@@ -1,8 +1,10 @@
 #include "workbench/operators/res_item_operator.h"
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <stdexcept>
+#include <typeinfo>
 #include <unordered_map>
 #include <utility>
 
@@ -88,7 +90,7 @@ const std::array<ColumnInfo, ColumnCount>& columns() {
   return all;
 }
 
-int columnOf(const std::string& key) {
+int lookedUpColumn(const std::string& key) {
   static const std::unordered_map<std::string, int> numbers = [] {
     std::unordered_map<std::string, int> result;
     for (int i = 0; i < ColumnCount; ++i) result[columns()[static_cast<std::size_t>(i)].key] = i;
@@ -98,12 +100,32 @@ int columnOf(const std::string& key) {
   return found == numbers.end() ? -1 : found->second;
 }
 
+// A view asks cell after cell with the keys of one display table. Where such a key stands tells
+// which column it was the last time; what it says tells whether it still is.
+int columnOf(const std::string& key) {
+  struct Seen {
+    const std::string* key = nullptr;
+    int column = -1;
+  };
+  static std::array<Seen, 64> seen;
+  Seen& slot = seen[(reinterpret_cast<std::uintptr_t>(&key) / 64) % seen.size()];
+  if (slot.key == &key && columns()[static_cast<std::size_t>(slot.column)].key == key) {
+    return slot.column;
+  }
+  const int column = lookedUpColumn(key);
+  if (column >= 0) slot = {&key, column};
+  return column;
+}
+
+// Nothing derives from a resource item, so its type decides without a search through bases.
 const ResourceItem* itemOf(const proxy::Element* element) {
-  return dynamic_cast<const ResourceItem*>(element);
+  return element != nullptr && typeid(*element) == typeid(ResourceItem)
+             ? static_cast<const ResourceItem*>(element)
+             : nullptr;
 }
 
 ResourceItem* itemOf(proxy::Element* element) {
-  return dynamic_cast<ResourceItem*>(element);
+  return const_cast<ResourceItem*>(itemOf(static_cast<const proxy::Element*>(element)));
 }
 
 bool refuse(const std::string& message) {
@@ -243,7 +265,7 @@ bool ResItemOperator::display(const ResourceItem& item, int column, Value& out) 
       out = item.taxRate().toDouble();
       return true;
     case IncludedPrice:
-      out = costing::includedTaxPrice(item.price().value(), item.taxRate().value()).toDouble();
+      out = costing::includedTaxPriceShown(item.price(), item.taxRate());
       return true;
     case ExcludedTotal:
       out = item.excludedAmount().toDouble();

@@ -71,7 +71,7 @@ class BudgetItem : public Record {
 class ResourceGroup;
 
 /// A cost resource item (成本工料机) of one unit work. Written through records::Project alone.
-class ResourceItem : public Record {
+class ResourceItem final : public Record {
  public:
   using Record::Record;
 
