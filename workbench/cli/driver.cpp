@@ -20,17 +20,20 @@ namespace cli {
 
 namespace {
 
-/// The window that has the keyboard. Where no window manager hands it on when a dialog closes, the
-/// window below takes it.
+/// The window that has the keyboard: the modal dialog's, else the one in front. Where no window
+/// manager hands the keyboard on when a dialog opens or closes, the window takes it.
 QWindow* keyboardWindow() {
-  if (QWindow* window = QGuiApplication::focusWindow()) return window;
-  QWidget* next = QApplication::activeModalWidget();
-  for (QWidget* widget : QApplication::topLevelWidgets()) {
-    if (next == nullptr && widget->isVisible() && widget->windowType() == Qt::Window) next = widget;
+  QWidget* wanted = QApplication::activeModalWidget();
+  if (wanted == nullptr && QGuiApplication::focusWindow() == nullptr) {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      if (widget->isVisible() && widget->windowType() == Qt::Window) wanted = widget;
+    }
   }
-  if (next == nullptr) return nullptr;
-  next->activateWindow();
-  Driver::waitUntil([] { return QGuiApplication::focusWindow() != nullptr; }, 1000);
+  if (wanted != nullptr && QGuiApplication::focusWindow() != wanted->windowHandle()) {
+    wanted->activateWindow();
+    Driver::waitUntil([wanted] { return QGuiApplication::focusWindow() == wanted->windowHandle(); },
+                      2000);
+  }
   return QGuiApplication::focusWindow();
 }
 

@@ -115,11 +115,18 @@ void Tour::picture(const QString& name, QWidget* dialog) {
   Driver::wait(60);
   QPixmap pixmap = window_->grab();
   if (dialog != nullptr && dialog != window_.get()) {
+    // Without a screen there is no window frame to say what the dialog is.
     const QPixmap over = dialog->grab();
     QPainter painter(&pixmap);
     painter.fillRect(pixmap.rect(), QColor(0, 0, 0, 60));
     const QPoint at((pixmap.width() - over.width()) / 2, (pixmap.height() - over.height()) / 2);
-    painter.fillRect(QRect(at, over.size()).adjusted(-1, -1, 1, 1), QColor(0x5a, 0x66, 0x73));
+    const QRect title(at - QPoint(0, 30), QSize(over.width(), 30));
+    painter.fillRect(title.united(QRect(at, over.size())).adjusted(-1, -1, 1, 1),
+                     QColor(0x5a, 0x66, 0x73));
+    painter.fillRect(title, QColor(0xe3, 0xe9, 0xef));
+    painter.setFont(dialog->font());
+    painter.drawText(title.adjusted(10, 0, -10, 0), Qt::AlignVCenter | Qt::AlignLeft,
+                     dialog->windowTitle());
     painter.drawPixmap(at, over);
   }
   const QString path =

@@ -65,7 +65,7 @@ class CommandLineTest : public QObject {
 
 QString CommandLineTest::makeProject(const QString& name, int resources) {
   const QString source = path(name + ".TBQD");
-  const QString project = path(name + ".qcp");
+  QString project = path(name + ".qcp");
   const Result sample =
       run({"sample", "--resources", QString::number(resources), "--seed", "3", "--out", source});
   if (sample.code != 0) qWarning().noquote() << sample.error;

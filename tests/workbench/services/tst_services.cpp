@@ -117,7 +117,7 @@ void ServicesTest::templatesAreInstalledOnce() {
   QCOMPARE(QString::fromStdString(paths.getTemplatePath()) + "/汇报表/汇报表模板",
            templates.path());
   const QStringList names = templates.entryList({"*.hbbmb"}, QDir::Files | QDir::Writable);
-  QCOMPARE(names.size(), 3);
+  QCOMPARE(names.size(), 5);
 
   QVERIFY(QFile::remove(templates.filePath(names[0])));
   write(templates.filePath(names[1]), "mine");
