@@ -60,7 +60,9 @@ TreeGridView::TreeGridView(QWidget* parent)
   connect(header_, &QHeaderView::sectionMoved, viewport(), qOverload<>(&QWidget::update));
 }
 
-TreeGridView::~TreeGridView() = default;
+TreeGridView::~TreeGridView() {
+  delete searchBox_;  // while it can still ask the grid
+}
 
 // ---------------------------------------------------------------------------------------------
 // Model
