@@ -54,7 +54,7 @@ class QCE_EXPORT BasePage : public bwidgets::Widget, public abst::SubDocTabView 
   /// refused, which is logged.
   void addSubView(const std::string& key, abst::BaseView* view) override;
   /// As above; the tab has the view's own title.
-  void addSubView(abst::SubDocTabView* view, const std::string& key = {});
+  void addSubView(abst::SubDocTabView* view, const std::string& key = {}) override;
   void updateView() override;
   std::string tabTitle() const override;
 

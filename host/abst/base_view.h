@@ -7,6 +7,7 @@
 namespace abst {
 
 class BaseModel;
+class SubDocTabView;
 
 /// A page of the module as the host drives it: made, given its model once, switched on and off as
 /// the user moves between pages, destroyed.
@@ -22,6 +23,8 @@ class QCE_CONTRACT_EXPORT BaseView {
   virtual void addSubView(BaseView* view);
   /// As above, under `key`.
   virtual void addSubView(const std::string& key, BaseView* view);
+  /// As above, as a tab with the view's own title; under `key` unless that is empty.
+  virtual void addSubView(SubDocTabView* view, const std::string& key = {});
   /// Redraws the view from its model.
   virtual void updateView() = 0;
 };

@@ -1,11 +1,13 @@
 #include "framework/base_page.h"
 
+#include <QHeaderView>
 #include <QStackedWidget>
 #include <QTabWidget>
 #include <QVBoxLayout>
 #include <QtTest>
 
 #include "host/abst/base_model.h"
+#include "host/bwidgets/search_box.h"
 #include "host/bwidgets/tree_grid_view.h"
 #include "resitem/filter_model.h"
 #include "resitem/model.h"
@@ -121,6 +123,33 @@ class TestBasePage : public QObject {
     QCOMPARE(page.view->model(), &table.filter);
   }
 
+  void preparesItsGrid() {
+    Table table;
+    table.op.table.getHeader()->column(domain::keys::BRIName)->width = 173;
+    tests::FakeResItemOperator::item(table.op.tree.node(0), "s0", "板");
+    table.model.rebuildGroup();
+    Page page;
+    page.resize(700, 300);
+    page.setModel(&table.filter);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowActive(&page));
+    QCOMPARE(page.view->columnWidth(1), 173);
+    page.view->header()->resizeSection(1, 151);
+    QCOMPARE(table.op.table.getHeader()->column(domain::keys::BRIName)->width,
+             std::optional<int>(151));
+
+    const QModelIndex group = table.filter.index(0, 0);
+    QCOMPARE(table.filter.index(0, 0, group).data().toString(), QString("s1"));
+    QWidget* header = page.view->header()->viewport();
+    QTest::mouseClick(header, Qt::LeftButton, {}, QPoint(20, header->height() / 2));
+    QTRY_COMPARE(table.filter.index(0, 0, table.filter.index(0, 0)).data().toString(),
+                 QString("s0"));
+
+    page.view->setFocus();
+    QTest::keyClick(page.view, Qt::Key_F, Qt::ControlModifier);
+    QVERIFY(page.view->searchBox() != nullptr && page.view->searchBox()->isVisible());
+  }
+
   void freezesUpToTheLeadingKeyColumn_data() {
     QTest::addColumn<QString>("first");
     QTest::addColumn<int>("count");
@@ -155,8 +184,9 @@ class TestBasePage : public QObject {
     auto* first = new SubView("1");
     auto* second = new SubView("2");
     auto* third = new SubView("3");
-    page.addSubView(static_cast<abst::SubDocTabView*>(first));
-    page.addSubView("关键", second);
+    abst::BaseView& host = page;  // as a host knows the page
+    host.addSubView(static_cast<abst::SubDocTabView*>(first));
+    host.addSubView("关键", second);
     third->setWindowTitle("第三页");
     page.addSubView(static_cast<abst::BaseView*>(third));
     page.show();
