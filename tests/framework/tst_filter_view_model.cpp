@@ -211,6 +211,21 @@ class TestFilterViewModel : public QObject {
     QCOMPARE(tests::treeText(*filter_), std::string("b c"));
   }
 
+  void comparesAsQtDoesWithoutADescriptor() {
+    rows({"Ä", "Z", "a"});
+    struct Nameless : Source {
+      QVariant data(const QModelIndex& index, int role) const override {
+        return role == domain::FieldKeyRole ? QVariant("gone") : Source::data(index, role);
+      }
+    } nameless;
+    nameless.setDisplayTable(&table_);
+    nameless.setOperator(op_.get());
+    Filter filter(&nameless);
+    filter.sort(0);
+    QTest::qWait(Filter::SortDelay + 60);
+    QCOMPARE(QString::fromStdString(op_->tree.text()), QString("Z a Ä"));  // by code point
+  }
+
   void rejectsARowWithoutElement() {
     rows({"a"});
     QStringList logged;

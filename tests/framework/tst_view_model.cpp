@@ -202,6 +202,18 @@ class TestViewModel : public QObject {
     QVERIFY(!price.data(Qt::EditRole).isValid());
     QVERIFY(!model_->index(0, 2).data().isValid());
 
+    // A double is formatted in a field of any type, and shown as it is without a field.
+    auto* odd = fresh();
+    odd->set("count", 1.5)->set("name", 0.0)->set("bare", 0.1234567);
+    QCOMPARE(model_->index(0, 2).data(), QVariant(QString("1.500000")));
+    table_->getHeader()->column("name")->zeroShowsEmpty = true;
+    QVERIFY(!model_->index(0, 0).data().isValid());
+    QCOMPARE(model_->index(0, 5).data(), QVariant(0.1234567));
+    odd->set("count", 0);  // an integer zero is no double
+    table_->getHeader()->column("count")->zeroShowsEmpty = true;
+    QCOMPARE(model_->index(0, 2).data(), QVariant(0));
+
+    fresh();
     model_->setDisplayTable(nullptr);
     table_->getHeader()->addColumn("strict", field(domain::FloatingPointField));
     table_->getHeader()->addColumn("loose", field(domain::FloatingPointField));
@@ -344,6 +356,16 @@ class TestViewModel : public QObject {
     model_->endAddItem();
     model_->endDelItem();
     QCOMPARE(log, QStringList());
+
+    // Of two changes that run into each other the first is told.
+    auto* first = op_->tree.node(0);
+    model_->beginDelItem(first, 1, nullptr);
+    model_->beginMoveDownItem(first, nullptr);
+    model_->endMoveDownItem();
+    op_->tree.remove(0, 1, nullptr);
+    model_->endDelItem();
+    QCOMPARE(log, QStringList{"- 0 0-0"});
+    QCOMPARE(model_->rowCount(), op_->tree.size());
   }
 
  private:
