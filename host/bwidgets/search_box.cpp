@@ -117,6 +117,7 @@ void SearchBox::showEvent(QShowEvent* event) {
 
 void SearchBox::hideEvent(QHideEvent* event) {
   QFrame::hideEvent(event);
+  typing_->stop();              // what was typed last is searched for when the user asks again
   grid_->viewport()->update();  // the marks go
   if (!event->spontaneous() && grid_->isVisible()) grid_->setFocus(Qt::OtherFocusReason);
 }
