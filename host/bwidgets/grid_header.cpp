@@ -8,6 +8,8 @@
 #include <list>
 #include <memory>
 
+#include "host/abst/base_model.h"
+#include "host/domain/display_table.h"
 #include "host/gui/view_model.h"
 
 namespace bwidgets {
@@ -17,6 +19,22 @@ const QColor lineColor(0xc4, 0xcb, 0xd4);
 const QColor topColor(0xf3, 0xf5, 0xf8);
 const QColor captionColor(0xe6, 0xeb, 0xf2);
 const QColor borderColor(0x8d, 0x9a, 0xab);
+
+// Whether `column`, the answer of `source` for `key`, is that column. A model that filters columns
+// may answer a neighbour for one that it does not show.
+bool isColumnOf(const QAbstractItemModel& model, const gui::ViewModel& source,
+                const std::string& key, int column) {
+  if (column < 0 || column >= model.columnCount()) return false;
+  if (model.index(0, column).isValid()) return source.getColumnName(column) == key;
+  // Without rows it does not know its columns by name; a column that it leaves out has the same
+  // answer as the one before.
+  const auto* abstract = dynamic_cast<const abst::BaseModel*>(&model);
+  const domain::DisplayTable* table = abstract != nullptr ? abstract->getDisplayTable() : nullptr;
+  if (table == nullptr) return true;
+  const domain::DisplayRow* header = table->getHeader();
+  const domain::ColumnDescriptor* before = header->column(header->columnIndex(key) - 1);
+  return before == nullptr || source.getColumnIndex(before->key) < column;
+}
 
 }  // namespace
 
@@ -87,10 +105,7 @@ void GridHeader::readGroups() {
     for (const auto& group : found) {
       for (const std::string& key : group->columnKeys) {
         const int column = source->getColumnIndex(key);
-        // A model that filters columns may answer a neighbour for one that it does not show.
-        if (column < 0 || column >= count()) continue;
-        const QModelIndex cell = model()->index(0, column);
-        if (cell.isValid() && source->getColumnName(column) != key) continue;
+        if (column >= count() || !isColumnOf(*model(), *source, key, column)) continue;
         groups_[static_cast<std::size_t>(column)] = captions_.size();
       }
       captions_ << QString::fromStdString(group->caption);

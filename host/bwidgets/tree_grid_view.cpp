@@ -83,6 +83,7 @@ void TreeGridView::setModel(QAbstractItemModel* model) {
     before->deleteLater();
   }
   header_->readGroups();
+  sizedColumns_ = header_->count();
   if (searchBox_ != nullptr) searchBox_->watchModel();
   emit currentElementChanged(currentElement());
 }
@@ -109,6 +110,11 @@ void TreeGridView::setSelectionModel(QItemSelectionModel* selectionModel) {
               [state] { state->keepTopRow(); }),
       connect(watched, &QAbstractItemModel::rowsAboutToBeRemoved, this, keepRows),
       connect(watched, &QAbstractItemModel::rowsInserted, this, restoreRows),
+      connect(watched, &QAbstractItemModel::layoutChanged, this, &TreeGridView::afterLayoutChange),
+      connect(watched, &QAbstractItemModel::columnsInserted, this,
+              &TreeGridView::sizeInsertedColumns),
+      connect(watched, &QAbstractItemModel::columnsRemoved, this,
+              [this] { sizedColumns_ = header_->count(); }),
       connect(watched, &QAbstractItemModel::columnsInserted, header_, &GridHeader::readGroups),
       connect(watched, &QAbstractItemModel::columnsRemoved, header_, &GridHeader::readGroups),
   };
@@ -172,17 +178,40 @@ void TreeGridView::applyDefaultColumnWidths() {
   if (model() == nullptr) return;
   const QScopedValueRollback<bool> applying(applyingWidths_, true);
   const bool rows = model()->rowCount(rootIndex()) > 0;
+  // Once sized by rows, a refresh does not make the columns jump.
+  const bool sample = !sampledRows_ || header_->count() != sizedColumns_;
   for (int column = 0; column < header_->count(); ++column) {
     if (header_->isSectionHidden(column)) continue;
-    int width = 0;
-    if (viewModel_ != nullptr && viewModel_->getColumnWidth(column, width) && width > 0) {
-      header_->resizeSection(column, qRound(width * zoom_ / 100.0));
-    } else if (!sampledRows_) {
-      // Once sized by rows, a refresh does not make the columns jump.
-      header_->resizeSection(column, sampledWidth(column));
-    }
+    if (!applyKeptWidth(column) && sample) header_->resizeSection(column, sampledWidth(column));
   }
-  sampledRows_ = sampledRows_ || rows;
+  sampledRows_ = rows || !sample;
+  sizedColumns_ = header_->count();
+}
+
+bool TreeGridView::applyKeptWidth(int column) {
+  int width = 0;
+  if (viewModel_ == nullptr || !viewModel_->getColumnWidth(column, width) || width <= 0) {
+    return false;
+  }
+  header_->resizeSection(column, qRound(width * zoom_ / 100.0));
+  return true;
+}
+
+void TreeGridView::sizeInsertedColumns(const QModelIndex& parent, int first, int last) {
+  if (parent != rootIndex()) return;
+  const QScopedValueRollback<bool> applying(applyingWidths_, true);
+  for (int column = first; column <= last; ++column) {
+    if (header_->isSectionHidden(column)) continue;
+    if (!applyKeptWidth(column)) header_->resizeSection(column, sampledWidth(column));
+  }
+  sizedColumns_ = header_->count();
+}
+
+// A filter that starts anew may leave out other columns than before.
+void TreeGridView::afterLayoutChange() {
+  if (header_->count() == sizedColumns_) return;
+  header_->readGroups();
+  applyDefaultColumnWidths();
 }
 
 void TreeGridView::storeWidth(int column, int oldWidth, int newWidth) {

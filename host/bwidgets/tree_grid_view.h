@@ -149,6 +149,9 @@ class QCE_HOST_WIDGETS_EXPORT TreeGridView : public QTreeView {
   QItemSelection block(const QModelIndex& from, const QModelIndex& to) const;
   void storeWidth(int column, int oldWidth, int newWidth);
   int sampledWidth(int column) const;
+  bool applyKeptWidth(int column);
+  void sizeInsertedColumns(const QModelIndex& parent, int first, int last);
+  void afterLayoutChange();
   void afterReset();
 
   GridHeader* header_;
@@ -162,6 +165,7 @@ class QCE_HOST_WIDGETS_EXPORT TreeGridView : public QTreeView {
   bool pressedDecoration_ = false;
   bool applyingWidths_ = false;
   bool sampledRows_ = false;
+  int sizedColumns_ = 0;  // how many columns there were when they were last given their widths
   int zoom_ = 100;
   QFont plainFont_;
 };

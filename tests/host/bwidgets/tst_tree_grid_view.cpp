@@ -304,6 +304,17 @@ void TestTreeGridView::drawsCaptionsOverGroupedColumns() {
   g.filter.want("");
   wanted = {{0, 2, 3, 260, 210}, {1, 5, 6, 600, 240}};
   QVERIFY(header->spans() == wanted);
+  // Nor does a column that is left out take a neighbour under its caption, rows or no rows.
+  g.table.getHeader()->column("unit")->visible.reset();
+  g.table.getHeader()->column("amount")->visible = false;
+  wanted = {{0, 3, 3, 320, 110}, {1, 5, 6, 560, 240}};
+  g.filter.want("nothing has this name");
+  QVERIFY(header->spans() == wanted);
+  g.filter.want("");
+  QVERIFY(header->spans() == wanted);
+  g.table.getHeader()->column("amount")->visible.reset();
+  g.table.getHeader()->column("unit")->visible = false;
+  g.filter.want("");
   // A click on a caption sorts nothing; one on a title below it does.
   QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, QPoint(300, 5));
   QCOMPARE(header->sortIndicatorSection(), -1);
@@ -337,6 +348,20 @@ void TestTreeGridView::keepsWidthsInTheModel() {
   g.model.reset([] {});
   QCOMPARE(g.view->columnWidth(7), sampled);
   QVERIFY(!g.table.getHeader()->column("note")->width);
+
+  // A column that the model leaves out for a while comes back as wide as it was.
+  domain::ColumnDescriptor* unit = g.table.getHeader()->column("unit");
+  const std::function<void()> refreshes[] = {
+      [&g] { g.filter.want(""); }, [&g] { g.filter.invalidate(); }, [&g] { g.model.reset([] {}); }};
+  for (const auto& refresh : refreshes) {
+    for (const bool visible : {false, true}) {
+      unit->visible = visible;
+      refresh();
+      QCOMPARE(g.view->columnWidth(g.filter.getColumnIndex("amount")), 100);
+    }
+    QCOMPARE(g.view->columnWidth(2), 60);
+  }
+  QCOMPARE(unit->width, std::optional<int>(60));
 }
 
 void TestTreeGridView::resizesFrozenColumnsByMouse() {
