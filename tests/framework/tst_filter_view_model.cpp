@@ -221,6 +221,8 @@ class TestFilterViewModel : public QObject {
     nameless.setDisplayTable(&table_);
     nameless.setOperator(op_.get());
     Filter filter(&nameless);
+    tests::attachTester(&nameless);
+    tests::attachTester(&filter);
     filter.sort(0);
     QTest::qWait(Filter::SortDelay + 60);
     QCOMPARE(QString::fromStdString(op_->tree.text()), QString("Z a Ä"));  // by code point

@@ -98,6 +98,7 @@ class TestViewModel : public QObject {
 
   void answersEmptyWithoutParts() {
     Model bare;
+    tests::attachTester(&bare);
     QCOMPARE(bare.rowCount(), 0);
     QCOMPARE(bare.columnCount(), 0);
     QCOMPARE(bare.getColumnName(0), std::string());
