@@ -425,7 +425,9 @@ void QCEResItemViewImpl::move(bool up) {
 }
 
 void QCEResItemViewImpl::regroup() {
-  if (filter_ != nullptr) filter_->rebuildGroup();
+  if (filter_ == nullptr) return;
+  filter_->rebuildGroup();
+  treeGrid()->clearSortIndicator();
 }
 
 void QCEResItemViewImpl::report(const std::string& refusal) {

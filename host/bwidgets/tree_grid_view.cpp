@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
@@ -228,6 +229,12 @@ void TreeGridView::applyHeaderSettings() {
   header_->setSortIndicator(-1, Qt::AscendingOrder);
   connect(header_, &QHeaderView::sortIndicatorChanged, this,
           qOverload<int, Qt::SortOrder>(&QTreeView::sortByColumn), Qt::UniqueConnection);
+}
+
+void TreeGridView::clearSortIndicator() {
+  const QSignalBlocker quiet(header_);
+  header_->setSortIndicator(-1, Qt::AscendingOrder);
+  header_->viewport()->update();
 }
 
 void TreeGridView::setRowsResizedToContents(bool on) {

@@ -62,6 +62,8 @@ class QCE_HOST_WIDGETS_EXPORT TreeGridView : public QTreeView {
   void applyDefaultColumnWidths();
   /// Shows the sort indicator and lets a click on a title sort, by way of the model's sort().
   void applyHeaderSettings();
+  /// Takes the sort mark off, since the rows are no longer in that order. Sorts nothing.
+  void clearSortIndicator();
 
   // Rows.
   /// On: each row is as high as its wrapped texts need. Off (the default): all rows have one
