@@ -125,6 +125,12 @@ void TreeGridView::afterReset() {
   header_->readGroups();
   applyDefaultColumnWidths();
   state_->restore();
+  {
+    // The rows stand as the model gives them; an arrow of an earlier sort would lie.
+    const QSignalBlocker quiet(header_);
+    header_->setSortIndicator(-1, Qt::AscendingOrder);
+    header_->viewport()->update();
+  }
   if (!currentIndex().isValid()) emit currentElementChanged(nullptr);
 }
 
@@ -394,6 +400,17 @@ void TreeGridView::paintEvent(QPaintEvent* event) {
     painter.setPen(borderColor);
     painter.drawLine(border - 1, 0, border - 1, viewport()->height());
   }
+}
+
+void TreeGridView::drawBranches(QPainter* painter, const QRect& rect,
+                                const QModelIndex& index) const {
+  // The room of the arrows belongs to its cell: without this a coloured row would have a hole.
+  const QVariant background = index.sibling(index.row(), treePosition()).data(Qt::BackgroundRole);
+  if (background.isValid() && !selectionModel()->isSelected(index)) {
+    painter->fillRect(rect, background.canConvert<QBrush>() ? background.value<QBrush>()
+                                                            : QBrush(background.value<QColor>()));
+  }
+  QTreeView::drawBranches(painter, rect, index);
 }
 
 void TreeGridView::drawRow(QPainter* painter, const QStyleOptionViewItem& option,

@@ -120,6 +120,7 @@ class QCE_HOST_WIDGETS_EXPORT TreeGridView : public QTreeView {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void drawBranches(QPainter* painter, const QRect& rect, const QModelIndex& index) const override;
   void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
   QRegion visualRegionForSelection(const QItemSelection& selection) const override;

@@ -33,6 +33,8 @@ bool NewProjectController::createProject(const abst::qce::QCENewProjectView& ans
   project.name = QString::fromStdString(name);
   project.costType = QString::fromStdString(answers.getType());
   project.reportTemplate = QString::fromStdString(answers.getReportTemplatePath());
+  project.costPlan = QString::fromStdString(answers.getCostPlanName());
+  project.projectTemplate = QString::fromStdString(answers.getProjectTemplate());
 
   // The source first: a file that cannot be used should not make the user think of a name.
   exchange::ReadResult source;

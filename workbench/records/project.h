@@ -16,6 +16,7 @@ struct Facts {
   std::string name;      ///< as the dialog gives it
   std::string costType;  ///< 投标成本测算 or 目标成本测算
   std::string reportTemplate;
+  std::string costPlan;    ///< name of the cost plan (成本计划)
   std::string sourceKind;  ///< the source file's extension; empty for an empty project
   std::string sourceName, code, builder, tenderer, region, date, pricingBasis, structure;
   std::string taxMethod;

@@ -4,6 +4,7 @@
 
 #include "project/dialog.h"
 #include "workbench/controllers/new_project_controller.h"
+#include "workbench/records/project_templates.h"
 #include "workbench/shell/file_chooser.h"
 #include "workbench/shell/progress.h"
 
@@ -46,6 +47,7 @@ QString runNewProject(QWidget* window, FileChooser& chooser, const QString& dire
   QString made;
   Controller controller(&dialog, chooser, directory, made);
   dialog.setController(&controller);
+  dialog.setProjectTemplates(records::projectTemplates());
   return dialog.exec() == 1 ? made : QString();
 }
 

@@ -1,4 +1,5 @@
 #include "workbench/store/project_file.h"
+#include "workbench/records/project_templates.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -9,6 +10,7 @@
 #include <utility>
 
 #include "workbench/exchange/source_document.h"
+#include "workbench/records/project_templates.h"
 #include "workbench/store/database.h"
 #include "workbench/store/from_source.h"
 #include "workbench/store/project_rows.h"
@@ -248,10 +250,13 @@ bool ProjectFile::create(const QString& path, const exchange::SourceDocument* so
         return !filling || filling(static_cast<qint64>(done));
       });
       if (!filled) throw cancelled;
+    } else {
+      records::fillFromTemplate(project, answers.projectTemplate.toStdString());
     }
     project.facts.name = answers.name.toStdString();
     project.facts.costType = answers.costType.toStdString();
     project.facts.reportTemplate = answers.reportTemplate.toStdString();
+    project.facts.costPlan = answers.costPlan.toStdString();
 
     removeWithSideFiles(part);
     {

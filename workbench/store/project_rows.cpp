@@ -110,6 +110,7 @@ constexpr FactRow TextFacts[] = {
     {"name", &records::Facts::name},
     {"cost_type", &records::Facts::costType},
     {"report_template", &records::Facts::reportTemplate},
+    {"cost_plan", &records::Facts::costPlan},
     {"source_kind", &records::Facts::sourceKind},
     {"source_name", &records::Facts::sourceName},
     {"code", &records::Facts::code},
