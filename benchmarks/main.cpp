@@ -94,14 +94,16 @@ void addFill(const std::string& name, int repetitions, const Rows& rows) {
       ->Repetitions(repetitions);
 }
 
-// Reads every cell below the top of a proxy as a view would show it.
+// Reads every cell below the top of a proxy as a tree view paints it: the first cell of a row by
+// number, the others as its siblings.
 template <class Read>
 void readAll(QAbstractItemModel& model, const QModelIndex& parent, const Read& read) {
   const int rows = model.rowCount(parent);
   const int columns = model.columnCount(parent);
   for (int row = 0; row < rows; ++row) {
-    for (int c = 0; c < columns; ++c) read(model.index(row, c, parent));
     const QModelIndex first = model.index(row, 0, parent);
+    read(first);
+    for (int c = 1; c < columns; ++c) read(first.sibling(row, c));
     if (model.hasChildren(first)) readAll(model, first, read);
   }
 }

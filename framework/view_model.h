@@ -142,7 +142,9 @@ class TViewModel : public QAbstractItemModel, public gui::ViewModel, public T {
   int childCount(proxy::Element* parent) const;
   QVariant displayData(const domain::ColumnDescriptor& column, const domain::Value& value) const;
   static bool zeroShowsEmpty(const domain::ColumnDescriptor& column);
-  domain::Value& scratch(const domain::ColumnDescriptor& column, int role) const;
+  static bool isTextColumn(const domain::ColumnDescriptor& column) {
+    return column.field == nullptr || column.field->type == domain::StringField;
+  }
 
   domain::Operator* operator_ = nullptr;
   domain::DisplayTable* table_ = nullptr;
@@ -376,13 +378,6 @@ QVariant TViewModel<T>::headerData(int section, Qt::Orientation orientation, int
 // Values
 
 template <class T>
-domain::Value& TViewModel<T>::scratch(const domain::ColumnDescriptor& column, int role) const {
-  const bool text = (role == Qt::DisplayRole || role == Qt::EditRole) &&
-                    (column.field == nullptr || column.field->type == domain::StringField);
-  return text ? textScratch_ : otherScratch_;
-}
-
-template <class T>
 QVariant TViewModel<T>::displayData(const domain::ColumnDescriptor& column,
                                     const domain::Value& value) const {
   const domain::DataField* field = column.field;
@@ -408,7 +403,13 @@ QVariant TViewModel<T>::data(const QModelIndex& index, int role) const {
   const proxy::Element* element = getInternalData(index);
   if (element == nullptr || column == nullptr || operator_ == nullptr) return {};
 
-  domain::Value& value = scratch(*column, role);
+  const bool text = isTextColumn(*column) && (role == Qt::DisplayRole || role == Qt::EditRole);
+  if (text) {
+    if (const std::string* kept = operator_->peekText(element, column->key, role)) {
+      return QString::fromStdString(*kept);
+    }
+  }
+  domain::Value& value = text ? textScratch_ : otherScratch_;
   if (!operator_->getValue(element, column->key, role, value)) {
     const bool number = role == Qt::DisplayRole && column->field != nullptr &&
                         column->field->type == domain::FloatingPointField;

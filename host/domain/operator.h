@@ -27,6 +27,11 @@ class QCE_CONTRACT_EXPORT Operator {
   virtual bool getValue(const proxy::Element* element, const std::string& key, int role,
                         Value& out) const = 0;
 
+  /// A text that the host keeps anyway and that getValue would answer for this field and role, so
+  /// that it is shown without being copied first; valid until the next change. Null: ask getValue.
+  virtual const std::string* peekText(const proxy::Element* element, const std::string& key,
+                                      int role) const;
+
   /// Writes the field; std::monostate clears it. False refuses the write and changes nothing.
   virtual bool setValue(proxy::Element* element, const std::string& key, const Value& value,
                         int role) = 0;

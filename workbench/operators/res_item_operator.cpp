@@ -172,6 +172,32 @@ bool flag(const ResourceItem& item, int column) {
                                  : item.priceAdjustable();
 }
 
+/// The text of a text column; null for the others.
+const std::string* textOf(const ResourceItem& item, int column) {
+  static const std::string mark = "√";
+  static const std::string none;
+  switch (column) {
+    case Association:
+      return item.associated() ? &mark : &none;
+    case Account:
+      return item.account() != nullptr ? &item.account()->label : &none;
+    case Type:
+      return &records::nameOf(item.category());
+    case Code:
+      return &item.code().str();
+    case Name:
+      return &item.name().str();
+    case Spec:
+      return &item.spec().str();
+    case Unit:
+      return &item.unit().str();
+    case Comment:
+      return &item.annotation().str();
+    default:
+      return nullptr;
+  }
+}
+
 bool isFlag(int column) {
   return column == OwnerSupplied || column == Provisional || column == PriceAdjustable;
 }
@@ -225,33 +251,11 @@ proxy::ElementGroup* ResItemOperator::getRoot() {
 }
 
 bool ResItemOperator::display(const ResourceItem& item, int column, Value& out) const {
+  if (const std::string* text = textOf(item, column)) {
+    domain::AssignText(out, *text);
+    return true;
+  }
   switch (column) {
-    case Association: {
-      static const std::string mark = "√";
-      static const std::string none;
-      domain::AssignText(out, item.associated() ? mark : none);
-      return true;
-    }
-    case Account: {
-      static const std::string none;
-      domain::AssignText(out, item.account() != nullptr ? item.account()->label : none);
-      return true;
-    }
-    case Type:
-      domain::AssignText(out, records::nameOf(item.category()));
-      return true;
-    case Code:
-      domain::AssignText(out, item.code().str());
-      return true;
-    case Name:
-      domain::AssignText(out, item.name().str());
-      return true;
-    case Spec:
-      domain::AssignText(out, item.spec().str());
-      return true;
-    case Unit:
-      domain::AssignText(out, item.unit().str());
-      return true;
     case Amount:
       out = item.quantity().toDouble();
       return true;
@@ -277,9 +281,6 @@ bool ResItemOperator::display(const ResourceItem& item, int column, Value& out) 
     case Provisional:
     case PriceAdjustable:
       out = flag(item, column);
-      return true;
-    case Comment:
-      domain::AssignText(out, item.annotation().str());
       return true;
     default:
       return false;
@@ -317,6 +318,13 @@ bool ResItemOperator::displayGroup(const ResourceGroup& group, int column, Value
     default:
       return false;
   }
+}
+
+const std::string* ResItemOperator::peekText(const proxy::Element* element, const std::string& key,
+                                             int role) const {
+  if (role != domain::DisplayRole && role != domain::EditRole) return nullptr;
+  const ResourceItem* item = itemOf(element);
+  return item != nullptr ? textOf(*item, columnOf(key)) : nullptr;
 }
 
 bool ResItemOperator::getValue(const proxy::Element* element, const std::string& key, int role,

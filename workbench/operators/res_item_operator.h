@@ -22,6 +22,8 @@ class ResItemOperator : public domain::qce::QCEResItemOperator {
   proxy::ElementGroup* getRoot() override;
   bool getValue(const proxy::Element* element, const std::string& key, int role,
                 domain::Value& out) const override;
+  const std::string* peekText(const proxy::Element* element, const std::string& key,
+                              int role) const override;
   bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
                 int role) override;
   bool isEnabled(const proxy::Element* element, const std::string& key) const override;
