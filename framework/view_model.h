@@ -71,7 +71,7 @@ class TViewModel : public QAbstractItemModel, public gui::ViewModel, public T {
   // What views ask beyond Qt.
   QModelIndex makeIndex(proxy::Element* element, int column) const override;
   proxy::Element* getInternalData(const QModelIndex& index) const override {
-    return static_cast<proxy::Element*>(index.internalPointer());
+    return elementOf(index);
   }
   bool getColumnWidth(int column, int& width) const override;
   void setColumnWidth(int column, int width) override;
@@ -131,6 +131,9 @@ class TViewModel : public QAbstractItemModel, public gui::ViewModel, public T {
   virtual void onEndMoveDownItem();
 
  private:
+  static proxy::Element* elementOf(const QModelIndex& index) {
+    return static_cast<proxy::Element*>(index.internalPointer());
+  }
   const domain::ColumnDescriptor* descriptor(int column) const {
     const domain::DisplayRow* header = getHeader();
     return header != nullptr ? header->column(column) : nullptr;
@@ -272,7 +275,7 @@ QModelIndex TViewModel<T>::index(int row, int column, const QModelIndex& parent)
   if (row < 0 || column < 0 || (header != nullptr && column >= header->columnCount())) return {};
   proxy::Element* child = nullptr;
   if (parent.isValid()) {
-    const proxy::Element* above = getInternalData(parent);
+    const proxy::Element* above = elementOf(parent);
     child = above != nullptr ? above->child(row) : nullptr;
   } else if (const proxy::ElementGroup* root = getRoot()) {
     child = root->member(row);
@@ -282,14 +285,14 @@ QModelIndex TViewModel<T>::index(int row, int column, const QModelIndex& parent)
 
 template <class T>
 QModelIndex TViewModel<T>::parent(const QModelIndex& index) const {
-  const proxy::Element* element = index.isValid() ? getInternalData(index) : nullptr;
+  const proxy::Element* element = index.isValid() ? elementOf(index) : nullptr;
   return element != nullptr ? makeIndex(element->parent(), 0) : QModelIndex();
 }
 
 template <class T>
 int TViewModel<T>::rowCount(const QModelIndex& parent) const {
   if (!parent.isValid()) return childCount(nullptr);
-  const proxy::Element* element = getInternalData(parent);
+  const proxy::Element* element = elementOf(parent);
   return element != nullptr ? element->childCount() : 0;
 }
 
@@ -383,7 +386,8 @@ QVariant TViewModel<T>::displayData(const domain::ColumnDescriptor& column,
   const domain::DataField* field = column.field;
   if (field != nullptr &&
       (field->type == domain::FloatingPointField || std::holds_alternative<double>(value))) {
-    if (const std::optional<double> number = toNumber(value)) {
+    const auto* held = std::get_if<double>(&value);
+    if (const std::optional<double> number = held != nullptr ? *held : toNumber(value)) {
       if (std::fabs(*number) < 1e-6 && zeroShowsEmpty(column)) return {};
       return numberText(*field, *number);
     }
@@ -400,7 +404,7 @@ QVariant TViewModel<T>::data(const QModelIndex& index, int role) const {
   if (role == domain::FieldTypeRole) {
     return column != nullptr && column->field != nullptr ? column->field->type : 0;
   }
-  const proxy::Element* element = getInternalData(index);
+  const proxy::Element* element = elementOf(index);
   if (element == nullptr || column == nullptr || operator_ == nullptr) return {};
 
   const bool text = isTextColumn(*column) && (role == Qt::DisplayRole || role == Qt::EditRole);
@@ -427,7 +431,7 @@ template <class T>
 bool TViewModel<T>::setData(const QModelIndex& index, const QVariant& value, int role) {
   const app::ScopedUndo undo((std::string()));
   const domain::ColumnDescriptor* column = descriptor(index.column());
-  proxy::Element* element = getInternalData(index);
+  proxy::Element* element = elementOf(index);
   if (column == nullptr || column->field == nullptr || element == nullptr || operator_ == nullptr) {
     return false;
   }
@@ -444,7 +448,7 @@ bool TViewModel<T>::setData(const QModelIndex& index, const QVariant& value, int
 template <class T>
 Qt::ItemFlags TViewModel<T>::flags(const QModelIndex& index) const {
   Qt::ItemFlags flags = Qt::ItemIsSelectable;
-  const proxy::Element* element = getInternalData(index);
+  const proxy::Element* element = elementOf(index);
   const domain::ColumnDescriptor* column = descriptor(index.column());
   if (element == nullptr || column == nullptr || operator_ == nullptr) return flags;
   if (operator_->isEditable(element, column->key)) flags |= Qt::ItemIsEditable;

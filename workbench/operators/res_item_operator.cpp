@@ -324,7 +324,19 @@ const std::string* ResItemOperator::peekText(const proxy::Element* element, cons
                                              int role) const {
   if (role != domain::DisplayRole && role != domain::EditRole) return nullptr;
   const ResourceItem* item = itemOf(element);
-  return item != nullptr ? textOf(*item, columnOf(key)) : nullptr;
+  if (item == nullptr) return nullptr;
+  const int column = columnOf(key);
+  // Rows are read from left to right, and shared texts lie all over the memory: while this one is
+  // made visible, the next ones are on their way.
+  if (column == Account) {
+    for (const records::Text text : {item->code(), item->name(), item->spec()}) {
+      __builtin_prefetch(&text.str());
+    }
+  } else if (column == Code) {
+    __builtin_prefetch(item->name().str().data());
+    __builtin_prefetch(item->spec().str().data());
+  }
+  return textOf(*item, column);
 }
 
 bool ResItemOperator::getValue(const proxy::Element* element, const std::string& key, int role,
