@@ -3,6 +3,7 @@
 #include <langinfo.h>
 
 #include <QApplication>
+#include <QFileInfo>
 #include <clocale>
 #include <cstdio>
 #include <functional>
@@ -178,7 +179,7 @@ int run(int argc, char** argv) {
   for (const Entry& entry : entries()) {
     if (entry.command.name == first) return runCommand(entry, words.mid(1), argc, argv);
   }
-  if (first == QLatin1String("--help")) {
+  if (first == QLatin1String("--help") || (first == QLatin1String("help") && words.size() == 1)) {
     print(mainUsage());
     return Success;
   }
@@ -192,7 +193,10 @@ int run(int argc, char** argv) {
     printError(QStringLiteral("没有选项 %1。\n\n").arg(first) + mainUsage());
     return WrongUse;
   }
-  if (words.size() > 1) {
+  // A bare word that names no file is a command mistyped.
+  const QFileInfo project(words.value(0));
+  if (words.size() > 1 || (words.size() == 1 && first != QLatin1String("--") &&
+                           project.suffix().isEmpty() && !project.exists())) {
     printError(QStringLiteral("没有命令 %1。\n\n").arg(first) + mainUsage());
     return WrongUse;
   }

@@ -79,6 +79,7 @@ void CommandLineTest::helpIsChinese_data() {
   QTest::addColumn<QStringList>("arguments");
   QTest::addColumn<QString>("part");
   QTest::newRow("all") << QStringList{"--help"} << "用法：qce-workbench [工程.qcp]";
+  QTest::newRow("word") << QStringList{"help"} << "用法：qce-workbench [工程.qcp]";
   QTest::newRow("new") << QStringList{"new", "--help"} << "--source 文件";
   QTest::newRow("check") << QStringList{"check", "--help"} << "check 工程.qcp";
   QTest::newRow("tour") << QStringList{"tour", "x.qcp", "--help"} << "--out 目录";
@@ -103,6 +104,7 @@ void CommandLineTest::wrongUse_data() {
   };
   QTest::newRow("unknown option") << QStringList{"--nonsense"} << "没有选项 --nonsense";
   QTest::newRow("unknown command") << QStringList{"open", "a.qcp"} << "没有命令 open";
+  QTest::newRow("mistyped command") << QStringList{"chekc"} << "没有命令 chekc";
   QTest::newRow("missing option") << QStringList{"new", "--source", "a.TBQD"} << "缺少选项 --name";
   QTest::newRow("missing value") << QStringList{"tour", "a.qcp", "--out"} << "--out 缺少内容";
   QTest::newRow("empty value") << QStringList{"tour", "a.qcp", "--out="} << "--out 缺少内容";
