@@ -7,14 +7,6 @@
 #include "workbench/exchange/source_reader.h"
 
 namespace controllers {
-namespace {
-
-bool refuse(const QString& message) {
-  app::qce::GetQCEChannel()->message(message.toStdString(), QMessageBox::Ok);
-  return false;
-}
-
-}  // namespace
 
 NewProjectController::NewProjectController(ChooseTarget chooseTarget, Created created)
     : chooseTarget_(std::move(chooseTarget)), created_(std::move(created)) {}
@@ -23,6 +15,12 @@ std::string NewProjectController::checkSource(const std::string& path,
                                               const std::string& /*type*/) const {
   const exchange::PeekResult peeked = exchange::peekKind(QString::fromStdString(path));
   return peeked.kind ? std::string() : peeked.reason.toStdString();
+}
+
+bool NewProjectController::refuse(const QString& message) {
+  hideProgress();
+  app::qce::GetQCEChannel()->message(message.toStdString(), QMessageBox::Ok);
+  return false;
 }
 
 bool NewProjectController::createProject(const abst::qce::QCENewProjectView& answers) {
@@ -51,6 +49,7 @@ bool NewProjectController::createProject(const abst::qce::QCENewProjectView& ans
       const QString question =
           QStringLiteral("源文件申报的金额与读入的金额不一致：\n%1\n仍要按读入的金额新建工程吗？")
               .arg(source.report.toText());
+      hideProgress();
       const int answer = app::qce::GetQCEChannel()->message(question.toStdString(),
                                                             QMessageBox::Yes | QMessageBox::No);
       if (answer != QMessageBox::Yes) return false;
@@ -61,6 +60,7 @@ bool NewProjectController::createProject(const abst::qce::QCENewProjectView& ans
     if (!source.ok()) return refuse(source.message());
   }
 
+  hideProgress();
   const QString target = chooseTarget_(project.name);
   if (target.isEmpty()) return false;
   store::Failure failure;

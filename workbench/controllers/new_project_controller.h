@@ -25,7 +25,14 @@ class NewProjectController : public abst::qce::QCENewProjectController {
   std::string checkSource(const std::string& path, const std::string& type) const override;
   bool createProject(const abst::qce::QCENewProjectView& answers) override;
 
+ protected:
+  /// The user is about to be asked or told something: what shows the progress is to go. Further
+  /// progress may follow.
+  virtual void hideProgress() {}
+
  private:
+  bool refuse(const QString& message);
+
   ChooseTarget chooseTarget_;
   Created created_;
   store::Progress progress_;

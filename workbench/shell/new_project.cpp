@@ -12,29 +12,31 @@ namespace shell {
 
 namespace {
 
-/// The host's controller with a progress dialog from the choice of the file to the end.
+/// The host's controller with a progress dialog while it reads and while it writes.
 class Controller : public controllers::NewProjectController {
  public:
   Controller(QWidget* dialog, FileChooser& chooser, const QString& directory, QString& made)
       : NewProjectController(
-            [this, dialog, &chooser, directory](const QString& name) {
-              const QString target =
-                  chooser.projectToWrite(dialog, QStringLiteral("%1/%2.qcp").arg(directory, name));
-              if (!target.isEmpty()) {
-                progress_ =
-                    std::make_unique<Progress>(dialog, QStringLiteral("正在新建“%1”…").arg(name));
-              }
-              return target;
+            [dialog, &chooser, directory](const QString& name) {
+              return chooser.projectToWrite(dialog,
+                                            QStringLiteral("%1/%2.qcp").arg(directory, name));
             },
             [&made](const QString& path) { made = path; }) {
-    setProgress([this](int percent) { return !progress_ || progress_->step(percent, 100); });
+    setProgress([this, dialog](int percent) {
+      if (!progress_)
+        progress_ = std::make_unique<Progress>(dialog, QStringLiteral("正在新建工程…"));
+      return progress_->step(percent, 100);
+    });
   }
 
   bool createProject(const abst::qce::QCENewProjectView& answers) override {
     const bool created = NewProjectController::createProject(answers);
-    progress_.reset();  // after a refusal the new-project dialog stays
+    hideProgress();  // after a refusal the new-project dialog stays
     return created;
   }
+
+ protected:
+  void hideProgress() override { progress_.reset(); }
 
  private:
   std::unique_ptr<Progress> progress_;

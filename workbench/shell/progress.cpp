@@ -39,7 +39,9 @@ bool Progress::step(qint64 done, qint64 total) {
     dialog_.setRange(0, 0);
     dialog_.setValue(0);
   }
-  QApplication::processEvents();
+  // Until the dialog is there to keep them away, keys and clicks would start the work once more.
+  QApplication::processEvents(dialog_.isVisible() ? QEventLoop::AllEvents
+                                                  : QEventLoop::ExcludeUserInputEvents);
   return !dialog_.wasCanceled();
 }
 

@@ -64,6 +64,7 @@ class MainWindowTest : public QObject {
   void newProjectAsksWhereToSave();
   void windowStateOutlivesTheProgram();
   void progressCanBeCancelled();
+  void readingALargeSourceCanBeCancelled();
 
  private:
   void makeProject(const QString& name);
@@ -291,6 +292,39 @@ void MainWindowTest::progressCanBeCancelled() {
     QThread::msleep(10);
   }
   QVERIFY(steps < 400);
+}
+
+void MainWindowTest::readingALargeSourceCanBeCancelled() {
+  const QString source = path("大.ZBQD");
+  QCOMPARE(exchange::SampleGenerator::generate(100000, 5, source), QString());
+  auto chooser = std::make_unique<GivenFile>(path("新.qcp"));
+  GivenFile* given = chooser.get();
+  window_->setFileChooser(std::move(chooser));
+  int cancelled = 0;
+  QTimer poll;
+  connect(&poll, &QTimer::timeout, this, [&cancelled] {
+    auto* progress = qobject_cast<QProgressDialog*>(QApplication::activeModalWidget());
+    if (progress == nullptr || progress->wasCanceled()) return;
+    ++cancelled;
+    progress->findChild<QPushButton*>()->click();
+  });
+  bool stayed = false;
+  QVERIFY(driver_.withPopup([this] { driver_.key(Qt::Key_N, Qt::ControlModifier); },
+                            [&](QWidget* dialog) {
+                              driver_.click(dialog->findChild<QLineEdit*>("path"));
+                              driver_.type(source);
+                              driver_.click(dialog->findChild<QLineEdit*>("name"));
+                              driver_.type("新工程");
+                              poll.start(20);
+                              driver_.key(Qt::Key_Return);
+                              stayed = dialog->isVisible();
+                              dialog->close();
+                            }));
+  QCOMPARE(cancelled, 1);
+  QVERIFY(stayed);
+  QVERIFY2(given->suggested.isEmpty(), "cancelled only after the reading");
+  QVERIFY(!QFile::exists(path("新.qcp")));
+  QVERIFY(channel_->messages().empty());
 }
 
 QTEST_MAIN(MainWindowTest)
