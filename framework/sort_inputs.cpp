@@ -27,6 +27,7 @@ const SortInputs::Cell& SortInputs::cell(const QModelIndex& index, Reader reader
   if (current_.cells.empty() || current_.parent != parent || current_.reader != reader ||
       current_.column != index.column()) {
     current_ = {parent, reader, index.column(), {}};
+    Q_ASSERT(index.isValid());  // a sort asks of rows that are there
     const int rows = index.model()->rowCount(index.parent());
     current_.cells.resize(static_cast<std::size_t>(rows > index.row() ? rows : index.row() + 1));
   }
