@@ -42,7 +42,8 @@ void TestTexts::keysOrderAsTextsDo() {
   for (const std::string& a : texts) {
     for (const std::string& b : texts) {
       const int byKey = base::CollationKey(a).compare(base::CollationKey(b));
-      QVERIFY2(sign(byKey) == sign(base::ALargeB(a, b)), (a + " / " + b).c_str());
+      QVERIFY2(sign(byKey) == sign(base::ALargeB(a, b)),
+               qPrintable(QString::fromStdString(a) + " / " + QString::fromStdString(b)));
     }
   }
 }

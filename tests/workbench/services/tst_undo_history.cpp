@@ -129,7 +129,7 @@ void UndoHistoryTest::randomEditsAreTakenBackWhole() {
   QUndoStack& stack = *opened->undo().stack();
   Editor editor(fixture, *opened, seed);
   std::vector<std::string> states = {opened->project().dump()};  // by the stack's index
-  std::mt19937 random(seed * 101);
+  std::mt19937 random(std::mt19937::result_type{101} * seed);
   for (int step = 0; step < 120; ++step) {
     const unsigned what = random() % 5;
     if (what == 0 && stack.canUndo()) {

@@ -58,8 +58,8 @@ void say(const QString& line) {
 
 /// What this program does when it is started as another one.
 int actAs(const QStringList& arguments) {
-  const QString what = arguments.at(1);
-  const QString path = arguments.at(2);
+  const QString& what = arguments.at(1);
+  const QString& path = arguments.at(2);
   if (what == "open-as-nobody" && ::setuid(65534) != 0) return 3;
   store::Failure failure;
   const auto opened = controllers::OpenProject::open(path, failure);
