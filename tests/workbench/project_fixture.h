@@ -19,10 +19,7 @@ class ProjectFixture {
   ProjectFixture() {
     const exchange::SourceDocument source =
         exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
-    store::NewProject answers;
-    answers.name = "办公楼";
-    answers.costType = "投标成本测算";
-    made = store::ProjectFile::create(path(), &source, answers, failure);
+    made = store::ProjectFile::create(path(), &source, {"办公楼", "投标成本测算", {}}, failure);
   }
   ~ProjectFixture() {
     close();

@@ -79,6 +79,7 @@ const std::vector<Template>& templates() {
 
 std::vector<std::pair<std::string, std::string>> projectTemplates() {
   std::vector<std::pair<std::string, std::string>> pairs;
+  pairs.reserve(templates().size());
   for (const Template& each : templates()) pairs.emplace_back(each.name, each.key);
   return pairs;
 }

@@ -18,10 +18,11 @@ class Database;
 /// What the new-project dialog answers, besides the source file.
 struct NewProject {
   QString name;
-  QString costType;         ///< 投标成本测算 or 目标成本测算
-  QString reportTemplate;   ///< full path, or empty
-  QString costPlan;         ///< name of the cost plan (成本计划)
-  QString projectTemplate;  ///< key of what a project without a source file starts with
+  QString costType;        ///< 投标成本测算 or 目标成本测算
+  QString reportTemplate;  ///< full path, or empty
+  // Optional: whoever names the three above alone leaves these empty.
+  QString costPlan = {};         ///< name of the cost plan (成本计划)
+  QString projectTemplate = {};  ///< key of what a project without a source file starts with
 };
 
 /// Hears how far a long operation is, 0 to 100; false cancels it.

@@ -13,6 +13,7 @@
 
 #include "host/app/scoped_undo.h"
 #include "tests/workbench/project_fixture.h"
+#include "workbench/records/project_templates.h"
 #include "workbench/store/check.h"
 
 using costing::Decimal;
@@ -120,7 +121,7 @@ class ProjectFileTest : public QObject {
 
  private slots:
   void keepsEverything();
-  void emptyProjectIsAProject();
+  void projectWithoutASourceStartsFromItsTemplate();
   void refusesWithItsOwnMessage_data();
   void refusesWithItsOwnMessage();
   void refusesAFileThatAnotherProgramHasOpen();
@@ -162,14 +163,31 @@ void ProjectFileTest::keepsEverything() {
   QCOMPARE(QDir(fixture.directory()).entryList(QDir::Files), QStringList{"办公楼.qcp"});
 }
 
-void ProjectFileTest::emptyProjectIsAProject() {
+void ProjectFileTest::projectWithoutASourceStartsFromItsTemplate() {
   const QTemporaryDir dir;
-  const QString path = dir.filePath("空.qcp");
+  store::NewProject answers;
+  answers.costType = "目标成本测算";
   store::Failure failure;
-  QVERIFY(store::ProjectFile::create(path, nullptr, {"空", "目标成本测算", {}}, failure));
-  const auto opened = controllers::OpenProject::open(path, failure);
-  QVERIFY2(opened != nullptr, qPrintable(failure.message));
-  QCOMPARE(opened->resItemOperator().getRoot()->size(), 0);
+  QStringList works;
+  for (const auto& [name, key] : records::projectTemplates()) {
+    answers.name = QString::fromStdString(name);
+    answers.projectTemplate = QString::fromStdString(key);
+    const QString path = dir.filePath(answers.name + ".qcp");
+    QVERIFY2(store::ProjectFile::create(path, nullptr, answers, failure),
+             qPrintable(failure.message));
+    const auto opened = controllers::OpenProject::open(path, failure);
+    QVERIFY2(opened != nullptr, qPrintable(failure.message));
+    QCOMPARE(opened->project().itemCount(), 0);
+    QVERIFY(!opened->project().allAccounts().empty());
+    QStringList names;
+    for (const records::StructureNode* work : opened->project().unitWorks()) {
+      names << QString::fromStdString(work->name);
+    }
+    QCOMPARE(opened->resItemOperator().getRoot()->size(), names.size());
+    QVERIFY(!names.isEmpty() && !works.contains(names.join('|')));  // no two are alike
+    works << names.join('|');
+  }
+  QVERIFY(works.size() > 1);
 }
 
 void ProjectFileTest::refusesWithItsOwnMessage_data() {
