@@ -116,49 +116,49 @@ QAction* MainWindow::addAction(QMenu* menu, const QString& name, const QString& 
 void MainWindow::createActions() {
   QMenu* file = menuBar()->addMenu(QStringLiteral("文件(&F)"));
   QAction* make = addAction(file, QStringLiteral("actionNew"), QStringLiteral("新建(&N)…"),
-                            QStringLiteral("new"), {QKeySequence(Qt::CTRL | Qt::Key_N)},
+                            QStringLiteral("new"), {QKeySequence(QStringLiteral("Ctrl+N"))},
                             &MainWindow::newProject);
   QAction* open = addAction(file, QStringLiteral("actionOpen"), QStringLiteral("打开(&O)…"),
-                            QStringLiteral("open"), {QKeySequence(Qt::CTRL | Qt::Key_O)},
+                            QStringLiteral("open"), {QKeySequence(QStringLiteral("Ctrl+O"))},
                             &MainWindow::openWithChooser);
   recentMenu_ = file->addMenu(QStringLiteral("最近的工程(&R)"));
   recentMenu_->setObjectName(QStringLiteral("menuRecent"));
   file->addSeparator();
   QAction* saveAs =
       addAction(file, QStringLiteral("actionSaveAs"), QStringLiteral("另存为(&A)…"),
-                QStringLiteral("save-as"), {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)},
+                QStringLiteral("save-as"), {QKeySequence(QStringLiteral("Ctrl+Shift+S"))},
                 &MainWindow::saveCopyAs);
   QAction* close = addAction(file, QStringLiteral("actionClose"), QStringLiteral("关闭工程(&C)"),
-                             QStringLiteral("close"), {QKeySequence(Qt::CTRL | Qt::Key_W)},
+                             QStringLiteral("close"), {QKeySequence(QStringLiteral("Ctrl+W"))},
                              &MainWindow::closeProject);
   file->addSeparator();
   QAction* quit = file->addAction(QStringLiteral("退出(&X)"), this, &QWidget::close);
-  quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+  quit->setShortcut(QKeySequence(QStringLiteral("Ctrl+Q")));
 
   QMenu* edit = menuBar()->addMenu(QStringLiteral("编辑(&E)"));
   undo_ = edit->addAction(QIcon(QStringLiteral(":/qce/icons/undo.svg")), QStringLiteral("撤销"));
   undo_->setObjectName(QStringLiteral("actionUndo"));
-  undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
+  undo_->setShortcut(QKeySequence(QStringLiteral("Ctrl+Z")));
   redo_ = edit->addAction(QIcon(QStringLiteral(":/qce/icons/redo.svg")), QStringLiteral("恢复"));
   redo_->setObjectName(QStringLiteral("actionRedo"));
   redo_->setShortcuts(
-      {QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+      {QKeySequence(QStringLiteral("Ctrl+Y")), QKeySequence(QStringLiteral("Ctrl+Shift+Z"))});
   edit->addSeparator();
   QAction* find = addAction(edit, QStringLiteral("actionFind"), QStringLiteral("查找(&F)…"),
-                            QStringLiteral("find"), {QKeySequence(Qt::CTRL | Qt::Key_F)},
+                            QStringLiteral("find"), {QKeySequence(QStringLiteral("Ctrl+F"))},
                             &MainWindow::showFind);
 
   QMenu* view = menuBar()->addMenu(QStringLiteral("视图(&V)"));
   QAction* in = addAction(
       view, QStringLiteral("actionZoomIn"), QStringLiteral("放大(&I)"), QStringLiteral("zoom-in"),
-      {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)},
+      {QKeySequence(QStringLiteral("Ctrl++")), QKeySequence(QStringLiteral("Ctrl+="))},
       &MainWindow::zoomIn);
   QAction* out = addAction(view, QStringLiteral("actionZoomOut"), QStringLiteral("缩小(&O)"),
-                           QStringLiteral("zoom-out"), {QKeySequence(Qt::CTRL | Qt::Key_Minus)},
+                           QStringLiteral("zoom-out"), {QKeySequence(QStringLiteral("Ctrl+-"))},
                            &MainWindow::zoomOut);
   QAction* whole =
       addAction(view, QStringLiteral("actionZoomReset"), QStringLiteral("100%(&R)"), QString(),
-                {QKeySequence(Qt::CTRL | Qt::Key_0)}, &MainWindow::resetZoom);
+                {QKeySequence(QStringLiteral("Ctrl+0"))}, &MainWindow::resetZoom);
 
   QMenu* help = menuBar()->addMenu(QStringLiteral("帮助(&H)"));
   addAction(help, QStringLiteral("actionHelp"), QStringLiteral("使用说明(&H)"), QString(),
