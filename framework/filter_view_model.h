@@ -130,6 +130,19 @@ class TFilterViewModel : public QSortFilterProxyModel, public gui::ViewModel, pu
   }
   bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
 
+  /// What lessThan compares the cells of a source column by, where a class knows it: a sort then
+  /// reads the cells and orders them without asking lessThan about pairs. Has to lead to the same
+  /// order. Null, the default, has lessThan asked; a class that overrides lessThan alone is safe.
+  virtual SortInputs::Reader sortReader(int /*sourceColumn*/) const { return nullptr; }
+  /// The reader that the comparison above uses for a source column; null when it uses none.
+  SortInputs::Reader bridgeReader(int sourceColumn) const {
+    const domain::DisplayTable* table = getDisplayTable();
+    const domain::ColumnDescriptor* found =
+        table != nullptr ? table->getHeader()->column(sourceColumn) : nullptr;
+    if (found == nullptr) return nullptr;
+    return readerOf(found->field != nullptr ? found->field->type : domain::StringField);
+  }
+
   /// The abstract model that is filtered; may be null.
   SourceModel* getSource() const { return source_; }
   /// The same object as a Qt model; null when the source is none.
@@ -257,10 +270,20 @@ void TFilterViewModel<F>::sortNow(int column, Qt::SortOrder order) {
     sortInputs_.begin();
     sortedType_ = comparedType(first);
     sortedColumn_ = source;
-    qtSource_->reorder([this, source, order](proxy::Element* a, proxy::Element* b) {
+    proxy::ElementGroup::Arrange arrange;
+    if (const SortInputs::Reader reader = sortReader(source)) {
+      arrange = [this, source, order, reader](std::vector<proxy::Element*>& siblings) {
+        const auto indexOf = [this, source](proxy::Element* element) {
+          return qtSource_->makeIndex(element, source);
+        };
+        sortByCells(siblings, indexOf, reader, order);
+      };
+    }
+    const auto less = [this, source, order](proxy::Element* a, proxy::Element* b) {
       if (order == Qt::DescendingOrder) std::swap(a, b);
       return lessThan(qtSource_->makeIndex(a, source), qtSource_->makeIndex(b, source));
-    });
+    };
+    qtSource_->reorder(less, arrange);
     sortedColumn_ = -1;
     sortInputs_.end();
   }

@@ -7,6 +7,10 @@
 
 #include "qce_export.h"
 
+namespace proxy {
+class Element;
+}
+
 namespace gui {
 
 /// What comparisons need of each cell, read once per cell while a sort runs.
@@ -52,6 +56,15 @@ QCE_EXPORT void readCollationKey(const QModelIndex& index, SortInputs::Cell& cel
 QCE_EXPORT void readDisplayedNumber(const QModelIndex& index, SortInputs::Cell& cell);
 /// The check state, 0 or 1.
 QCE_EXPORT void readCheckState(const QModelIndex& index, SortInputs::Cell& cell);
+
+/// Which of them the bridge's comparison uses for a field type; null for an unknown one.
+QCE_EXPORT SortInputs::Reader readerOf(int fieldType);
+
+/// Orders siblings by what `reader` reads of each one's cell, once: as a stable sort with the
+/// bridge's comparison would, or with its arguments swapped for a descending order.
+QCE_EXPORT void sortByCells(std::vector<proxy::Element*>& siblings,
+                            const std::function<QModelIndex(proxy::Element*)>& indexOf,
+                            SortInputs::Reader reader, Qt::SortOrder order);
 
 /// The bridge's comparison of two source cells of one column, by the field type that the cells
 /// report. Whether the column is known at all is the caller's question.

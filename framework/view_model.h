@@ -118,7 +118,9 @@ class TViewModel : public QAbstractItemModel, public gui::ViewModel, public T {
 
   /// Lets the root reorder its members by `less`, around it telling Qt that the layout changes and
   /// where each persistent index has gone.
-  void reorder(const proxy::ElementGroup::Less& less);
+  /// With an `arrange`, a group that offers it orders its members by that instead.
+  void reorder(const proxy::ElementGroup::Less& less,
+               const proxy::ElementGroup::Arrange& arrange = {});
 
  protected:
   virtual void onBeginAddItem(proxy::Element* before, int count, proxy::Element* parent);
@@ -246,11 +248,12 @@ void TViewModel<T>::onEndMoveDownItem() {
 }
 
 template <class T>
-void TViewModel<T>::reorder(const proxy::ElementGroup::Less& less) {
+void TViewModel<T>::reorder(const proxy::ElementGroup::Less& less,
+                            const proxy::ElementGroup::Arrange& arrange) {
   proxy::ElementGroup* root = getRoot();
   if (root == nullptr) return;
   emit layoutAboutToBeChanged({}, VerticalSortHint);
-  root->reorder(less);
+  if (!arrange || !root->arrange(arrange)) root->reorder(less);
   const QModelIndexList before = persistentIndexList();
   QModelIndexList after;
   after.reserve(before.size());

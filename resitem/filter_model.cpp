@@ -145,6 +145,10 @@ bool QCEResItemFilterModelImpl::isQuantityColumn(int sourceColumn) const {
   return column != nullptr && column->field != nullptr && column->key == domain::keys::BRIAmount;
 }
 
+gui::SortInputs::Reader QCEResItemFilterModelImpl::sortReader(int sourceColumn) const {
+  return isQuantityColumn(sourceColumn) ? gui::readDisplayedNumber : bridgeReader(sourceColumn);
+}
+
 bool QCEResItemFilterModelImpl::lessThan(const QModelIndex& left, const QModelIndex& right) const {
   if (left.column() == right.column() && isQuantityColumn(left.column())) {
     return displayedNumber(left) < displayedNumber(right);

@@ -51,6 +51,7 @@ class QCE_EXPORT QCEResItemFilterModelImpl
   bool filterAcceptsRow(proxy::Element* item) const override;
   /// Numbers in the quantity column, the bridge's comparison elsewhere.
   bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
+  gui::SortInputs::Reader sortReader(int sourceColumn) const override;
   /// Whether the item's texts hold the keywords; asked of the operator once per item.
   bool isFilterByCondition(proxy::Element* item) const;
 

@@ -5,4 +5,8 @@ namespace proxy {
 Element::~Element() = default;
 ElementGroup::~ElementGroup() = default;
 
+bool ElementGroup::arrange(const Arrange& /*arrange*/) {
+  return false;
+}
+
 }  // namespace proxy

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 #include "contract_export.h"
 #include "host/base/object.h"
@@ -40,6 +41,12 @@ class QCE_CONTRACT_EXPORT ElementGroup : public base::Object {
   /// they are, only their rows change. While `less` is being asked about a set of siblings, their
   /// row() still answers the row before the reorder.
   virtual void reorder(const Less& less) = 0;
+
+  /// Gets siblings in the order of their rows and leaves them in the order that they shall have.
+  using Arrange = std::function<void(std::vector<Element*>& siblings)>;
+  /// As reorder, with all siblings handed over at once instead of asking about pairs; their row()
+  /// still answers the row before. False when a group does not offer it: nothing has changed then.
+  virtual bool arrange(const Arrange& arrange);
 };
 
 }  // namespace proxy

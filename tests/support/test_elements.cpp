@@ -83,6 +83,21 @@ void Tree::reorder(std::vector<scoped_refptr<Node>>& nodes, const Less& less) {
   for (auto& node : nodes) reorder(node->children_, less);
 }
 
+bool Tree::arrange(const Arrange& how) {
+  arrange(members_, how);
+  return true;
+}
+
+void Tree::arrange(std::vector<scoped_refptr<Node>>& nodes, const Arrange& how) {
+  std::vector<proxy::Element*> order;
+  for (auto& node : nodes) order.push_back(node.get());
+  how(order);
+  const auto kept = nodes;
+  for (std::size_t i = 0; i < order.size(); ++i) nodes[i].reset(static_cast<Node*>(order[i]));
+  if (!nodes.empty()) renumber(nodes, nodes.front()->parent_);
+  for (auto& node : nodes) arrange(node->children_, how);
+}
+
 std::string Tree::text() const {
   struct Writer {
     static std::string of(const Node& node) {

@@ -46,6 +46,7 @@ class Tree : public proxy::ElementGroup {
   int size() const override { return static_cast<int>(members_.size()); }
   proxy::Element* member(int row) const override { return node(row); }
   void reorder(const Less& less) override;
+  bool arrange(const Arrange& arrange) override;
 
   Node* node(int row) const;
   Node* add(const std::string& name) { return insert(size(), name, nullptr); }
@@ -62,6 +63,7 @@ class Tree : public proxy::ElementGroup {
   }
   static void renumber(std::vector<scoped_refptr<Node>>& nodes, Node* parent);
   static void reorder(std::vector<scoped_refptr<Node>>& nodes, const Less& less);
+  static void arrange(std::vector<scoped_refptr<Node>>& nodes, const Arrange& arrange);
 
   std::vector<scoped_refptr<Node>> members_;
 };

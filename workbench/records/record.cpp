@@ -1,6 +1,7 @@
 #include "workbench/records/record.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace records {
@@ -41,22 +42,41 @@ void RowList::clear() {
 }
 
 void RowList::reorder(const proxy::ElementGroup::Less& less) {
-  reorderFlat(less);
-  for (const scoped_refptr<Record>& record : rows_) {
-    if (auto* branch = dynamic_cast<Branch*>(record.get())) branch->rows().reorder(less);
-  }
+  arrange([&less](std::vector<proxy::Element*>& siblings) {
+    std::stable_sort(siblings.begin(), siblings.end(), std::cref(less));
+  });
 }
 
 void RowList::reorderFlat(const proxy::ElementGroup::Less& less) {
-  // The copy is ordered, so that nothing has changed while (or if) less looks at the rows.
-  std::vector<Record*> order;
+  // A copy is ordered, so that nothing has changed while (or if) less looks at the rows.
+  std::vector<proxy::Element*> order;
   order.reserve(rows_.size());
   for (const scoped_refptr<Record>& record : rows_) order.push_back(record.get());
-  std::stable_sort(order.begin(), order.end(),
-                   [&less](Record* a, Record* b) { return less(a, b); });
+  std::stable_sort(order.begin(), order.end(), std::cref(less));
+  adopt(order);
+}
+
+void RowList::arrange(const proxy::ElementGroup::Arrange& arrange) {
+  std::vector<proxy::Element*> order;
+  order.reserve(rows_.size());
+  bool leaves = true;
+  for (const scoped_refptr<Record>& record : rows_) {
+    order.push_back(record.get());
+    leaves = leaves && record->childCount() == 0;
+  }
+  arrange(order);
+  adopt(order);
+  if (leaves) return;
+  for (const scoped_refptr<Record>& record : rows_) {
+    if (auto* branch = dynamic_cast<Branch*>(record.get())) branch->rows().arrange(arrange);
+  }
+}
+
+void RowList::adopt(const std::vector<proxy::Element*>& order) {
   for (scoped_refptr<Record>& record : rows_) record.detach();
   for (std::size_t i = 0; i < order.size(); ++i) {
-    rows_[i] = scoped_refptr<Record>(order[i], false);  // takes over the reference given up above
+    // Takes over the reference given up above.
+    rows_[i] = scoped_refptr<Record>(static_cast<Record*>(order[i]), false);
   }
   renumber(0);
 }

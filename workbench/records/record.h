@@ -51,11 +51,14 @@ class RowList {
   void clear();
   /// Orders these rows and those below each of them; see proxy::ElementGroup::reorder.
   void reorder(const proxy::ElementGroup::Less& less);
+  /// See proxy::ElementGroup::arrange.
+  void arrange(const proxy::ElementGroup::Arrange& arrange);
   /// As reorder, but these rows alone.
   void reorderFlat(const proxy::ElementGroup::Less& less);
 
  private:
   void renumber(int from);
+  void adopt(const std::vector<proxy::Element*>& order);
 
   proxy::Element* parent_;
   std::vector<scoped_refptr<Record>> rows_;
@@ -83,6 +86,10 @@ class Group : public proxy::ElementGroup {
   int size() const override { return rows_.size(); }
   proxy::Element* member(int row) const override { return rows_.at(row); }
   void reorder(const Less& less) override { rows_.reorder(less); }
+  bool arrange(const Arrange& arrange) override {
+    rows_.arrange(arrange);
+    return true;
+  }
   RowList& rows() { return rows_; }
   const RowList& rows() const { return rows_; }
 
