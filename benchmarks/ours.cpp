@@ -61,8 +61,9 @@ Ours::Ours(const Rows& rows) : parts_(std::make_unique<Parts>()) {
   std::unordered_map<std::string, records::CostAccount*> accounts;
   for (std::size_t row = 0; row < rows.size(); ++row) {
     records::ResourceItemData item;
-    records::CostAccount*& account = accounts[rows.text(row, 0)];
-    if (account == nullptr) account = &builder.addAccount(nullptr, 0, "", rows.text(row, 0));
+    const std::string accountName = rows.text(row, 0);
+    records::CostAccount*& account = accounts[accountName];
+    if (account == nullptr) account = &builder.addAccount(nullptr, 0, "", accountName);
     item.account = account;
     item.code = project.texts.intern(rows.text(row, 1));
     item.name = project.texts.intern(rows.text(row, 2));

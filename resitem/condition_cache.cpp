@@ -1,5 +1,6 @@
 #include "resitem/condition_cache.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -31,7 +32,9 @@ void ConditionCache::insert(proxy::Element* element, bool answer) {
 }
 
 void ConditionCache::clear() {
-  slots_ = std::vector<Slot>();
+  if (size_ == 0) return;
+  // The room stays: the next filter asks about as many elements.
+  std::fill(slots_.begin(), slots_.end(), Slot());
   size_ = 0;
 }
 

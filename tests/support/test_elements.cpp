@@ -90,6 +90,7 @@ bool Tree::arrange(const Arrange& how) {
 
 void Tree::arrange(std::vector<scoped_refptr<Node>>& nodes, const Arrange& how) {
   std::vector<proxy::Element*> order;
+  order.reserve(nodes.size());
   for (auto& node : nodes) order.push_back(node.get());
   how(order);
   const auto kept = nodes;

@@ -137,20 +137,36 @@ Decimal Decimal::fromDigits(std::int64_t digits, int places) {
   return Decimal(FromUnits(), Units(digits) * power(Places - std::clamp(places, 0, Places)));
 }
 
-std::optional<std::int64_t> Decimal::significantDigits(int& places) const {
-  Units digits = units_;
-  places = Places;
-  // The zeros at the end, at most 12, by halves.
+namespace {
+
+// Drops the zeros at the end, at most `places`, by halves.
+template <class Integer>
+void dropZeros(Integer& digits, int& places) {
   for (const int zeros : {8, 4, 2, 1}) {
     if (zeros <= places && digits % power(zeros) == 0) {
       digits /= power(zeros);
       places -= zeros;
     }
   }
-  if (digits > std::numeric_limits<std::int64_t>::max() ||
-      digits < std::numeric_limits<std::int64_t>::min()) {
-    return {};
+}
+
+bool fitsInt64(Int128 value) {
+  return value <= std::numeric_limits<std::int64_t>::max() &&
+         value >= std::numeric_limits<std::int64_t>::min();
+}
+
+}  // namespace
+
+std::optional<std::int64_t> Decimal::significantDigits(int& places) const {
+  places = Places;
+  if (fitsInt64(units_)) {  // nearly always, and much cheaper
+    auto digits = static_cast<std::int64_t>(units_);
+    dropZeros(digits, places);
+    return digits;
   }
+  Units digits = units_;
+  dropZeros(digits, places);
+  if (!fitsInt64(digits)) return {};
   return static_cast<std::int64_t>(digits);
 }
 

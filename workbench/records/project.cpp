@@ -255,8 +255,9 @@ void Project::write(ResourceItem& item, ItemField field, const FieldValue& value
 void Project::count(ResourceGroup& group, const costing::Totals& before,
                     const costing::Totals& after) {
   if (before == after) return;
+  const bool fresh = before == costing::Totals();  // a new item, as when a file is filled
   const auto move = [&](costing::Totals& totals) {
-    totals -= before;
+    if (!fresh) totals -= before;
     totals += after;
   };
   move(group.totals_);

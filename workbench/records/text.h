@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 namespace records {
 
@@ -35,8 +37,17 @@ class TextPool {
   Text intern(std::string_view text);
 
  private:
+  struct Slot {
+    std::uint32_t hash = 0;
+    std::uint32_t number = 0;  // of the text, from 1; 0: free
+  };
+  std::size_t slotOf(std::uint32_t hash, std::string_view text) const;
+  void grow();
+
   std::deque<std::string> texts_;  // keep their address
-  std::unordered_map<std::string_view, const std::string*> known_;
+  // Open addressing with small slots: a file of a million items interns four million texts, and
+  // each look-up is one visit to memory far away.
+  std::vector<Slot> slots_;
 };
 
 }  // namespace records
