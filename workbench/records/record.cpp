@@ -1,7 +1,6 @@
 #include "workbench/records/record.h"
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 namespace records {
@@ -43,7 +42,8 @@ void RowList::clear() {
 
 void RowList::reorder(const proxy::ElementGroup::Less& less) {
   arrange([&less](std::vector<proxy::Element*>& siblings) {
-    std::stable_sort(siblings.begin(), siblings.end(), std::cref(less));
+    std::stable_sort(siblings.begin(), siblings.end(),
+                     [&less](proxy::Element* a, proxy::Element* b) { return less(a, b); });
   });
 }
 
@@ -52,7 +52,8 @@ void RowList::reorderFlat(const proxy::ElementGroup::Less& less) {
   std::vector<proxy::Element*> order;
   order.reserve(rows_.size());
   for (const scoped_refptr<Record>& record : rows_) order.push_back(record.get());
-  std::stable_sort(order.begin(), order.end(), std::cref(less));
+  std::stable_sort(order.begin(), order.end(),
+                   [&less](proxy::Element* a, proxy::Element* b) { return less(a, b); });
   adopt(order);
 }
 
