@@ -34,7 +34,7 @@ DesFilterView::DesFilterView(ViewType viewType, bwidgets::Widget* parent)
   cbkmEdit_ = addBox(form, QStringLiteral("成本科目:"), QStringLiteral("cbkm"));
   codeEdit_ = addBox(form, QStringLiteral("编  码:"), QStringLiteral("code"));
   nameEdit_ = addBox(form, QStringLiteral("名  称:"), QStringLiteral("name"));
-  // Resource items have no features; their fourth condition is held against the specification.
+  // Resource items have no features; their fourth condition is held against 规格型号.
   featureEdit_ =
       addBox(form, viewType_ == ResItem ? QStringLiteral("规格型号:") : QStringLiteral("项目特征:"),
              QStringLiteral("feature"));

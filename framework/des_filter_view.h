@@ -24,7 +24,7 @@ class QCE_EXPORT DesFilterView : public bwidgets::Widget {
  public:
   enum ViewType {
     SubEngineering = 0,  ///< the fourth box is for project features; the check boxes are shown
-    ResItem = 1          ///< the fourth box is for the specification; no check boxes, since the
+    ResItem = 1          ///< the fourth box is for 规格型号; no check boxes, since the
                          ///< filter of resource items knows neither children nor siblings
   };
 
