@@ -125,7 +125,7 @@ class TestFilterViewModel : public QObject {
     QFETCH(QString, ascending);
     materials();
     filter_->sort(column);
-    QTest::qWait(Filter::SortDelay + 60);
+    waitForSort(*filter_);
     QCOMPARE(QString::fromStdString(op_->tree.text()), ascending);
     QCOMPARE(QString::fromStdString(tests::treeText(*filter_)), ascending);
   }
@@ -136,10 +136,10 @@ class TestFilterViewModel : public QObject {
     filter_->connectLayoutAboutToBeChanged([&calls] { calls << "about"; });
     filter_->connectLayoutChanged([&calls] { calls << "done"; });
     filter_->sort(0);
-    QTest::qWait(50);
     filter_->sort(3, Qt::DescendingOrder);
     QCOMPARE(op_->tree.text(), std::string("混凝土 水泥 砖 钢筋"));
-    QTest::qWait(Filter::SortDelay + 60);
+    waitForSort(*filter_);
+    QTest::qWait(Filter::SortDelay + 60);  // the first request does not come after it
     QCOMPARE(op_->tree.text(), std::string("水泥 钢筋 混凝土 砖"));
     QCOMPARE(calls, (QStringList{"about", "done"}));
 
@@ -166,7 +166,7 @@ class TestFilterViewModel : public QObject {
     const QPersistentModelIndex child(filter_->makeIndex(cement->child(0), 1));
     auto* bagged = cement->child(0);
     filter_->sort(0, Qt::DescendingOrder);
-    QTest::qWait(Filter::SortDelay + 60);
+    waitForSort(*filter_);
     QCOMPARE(op_->tree.text(), std::string("砖 水泥(袋装 白) 混凝土 钢筋"));
     QVERIFY(view.isExpanded(filter_->makeIndex(cement, 0)));
     QCOMPARE(filter_->getInternalData(view.currentIndex()), bagged);
@@ -184,7 +184,7 @@ class TestFilterViewModel : public QObject {
     filter_->comparisons = 0;
     filter_->comparedReads = 0;
     filter_->sort(0);
-    QTest::qWait(Filter::SortDelay + 60);
+    waitForSort(*filter_);
     QVERIFY(filter_->comparisons > 2000);
     QCOMPARE(filter_->comparedReads, 500);
   }
@@ -211,13 +211,15 @@ class TestFilterViewModel : public QObject {
     }
     source_->setOperator(op_.get());
     const auto sorted = [this](Filter& filter, int column, Qt::SortOrder order) {
-      filter.sort(0);  // from one and the same order
-      QTest::qWait(Filter::SortDelay + 40);
+      source_->reorder({}, [](std::vector<proxy::Element*>& siblings) {
+        std::sort(siblings.begin(), siblings.end(),
+                  [](const auto* a, const auto* b) { return a->id() < b->id(); });
+      });
       filter.sort(column, order);
-      QTest::qWait(Filter::SortDelay + 40);
+      waitForSort(filter);
       return op_->tree.text();
     };
-    for (int column = 1; column < 5; ++column) {
+    for (int column = 0; column < 5; ++column) {
       for (const Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
         const std::string byPairs = sorted(*filter_, column, order);
         keyed.comparisons = 0;
@@ -225,12 +227,6 @@ class TestFilterViewModel : public QObject {
         QVERIFY(column == 4 || keyed.comparisons == 0);
       }
     }
-    filter_->sort(0, Qt::DescendingOrder);
-    QTest::qWait(Filter::SortDelay + 40);
-    const std::string byPairs = op_->tree.text();
-    filter_->sort(0);
-    QTest::qWait(Filter::SortDelay + 40);
-    QCOMPARE(sorted(keyed, 0, Qt::DescendingOrder), byPairs);
   }
 
   void passesTheAbstractModelOn() {
@@ -268,7 +264,7 @@ class TestFilterViewModel : public QObject {
     tests::attachTester(&nameless);
     tests::attachTester(&filter);
     filter.sort(0);
-    QTest::qWait(Filter::SortDelay + 60);
+    waitForSort(filter);
     QCOMPARE(QString::fromStdString(op_->tree.text()), QString("Z a Ä"));  // by code point
   }
 
@@ -288,6 +284,11 @@ class TestFilterViewModel : public QObject {
   }
 
  private:
+  /// Until the sort that was asked for is done, however busy the machine is.
+  static void waitForSort(const Filter& filter) {
+    QSignalSpy sorted(filter.sourceModel(), &QAbstractItemModel::layoutChanged);
+    QVERIFY(sorted.wait());
+  }
   void rows(const QStringList& names) {
     source_->setOperator(nullptr);
     op_->tree.clear();

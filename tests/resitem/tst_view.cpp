@@ -320,8 +320,9 @@ class TestView : public QObject {
     s.grid->collapse(s.filter.index(1, 0));
     s.select({s.s2, s.s3});
     s.op.onRebuild = [&s] { s.op.tree.move(0, 2, s.op.tree.node(0)); };
+    QSignalSpy sorted(&s.model, &QAbstractItemModel::layoutChanged);
     s.grid->header()->setSortIndicator(0, Qt::AscendingOrder);
-    QTest::qWait(160);
+    QVERIFY(sorted.wait());
     QTest::keyClick(s.grid, Qt::Key_F5);
     QTest::qWait(160);
     QCOMPARE(s.grid->header()->sortIndicatorSection(), -1);  // and nothing sorts again
