@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "workbench/records/bill_line.h"
 #include "workbench/records/change.h"
 
 namespace records {
@@ -43,6 +44,8 @@ class Observer {
  public:
   virtual ~Observer();
   virtual void itemChanged(ResourceItem& /*item*/) {}
+  /// The item's bill lines have changed: what is booked into it or remains in it, or their terms.
+  virtual void bookingChanged(ResourceItem& /*item*/) {}
   /// A row comes in below `parent` at `row`.
   virtual void aboutToInsert(ResourceGroup& /*parent*/, int /*row*/) {}
   virtual void inserted() {}
@@ -104,6 +107,44 @@ class Project {
   /// the stored one. False when there is no row to pass.
   bool moveUp(ResourceItem& item);
   bool moveDown(ResourceItem& item);
+
+  // Booking. The quantity of a budget item is pooled into cost items piece by piece; what remains
+  // counts in its home, the item that it was gathered to. docs/costing.md has the rules.
+
+  costing::Decimal quantity(const BudgetItem& item) const;  ///< bill quantity × content, exact
+  costing::Decimal pooled(const BudgetItem& item) const;    ///< into all items
+  costing::Decimal pooled(const BudgetItem& item, const ResourceItem& into) const;
+  costing::Decimal remaining(const BudgetItem& item) const;
+  Bill& billOf(const BudgetItem& item) const;
+  /// The unit work that a node, a bill, a budget item, a cost item or a grouping row belongs to;
+  /// null when there is none.
+  StructureNode* unitWorkOf(const proxy::Element& element) const;
+  /// Whether both stand for the same resource: category, name, specification and unit.
+  bool sameResource(const BudgetItem& a, const BudgetItem& b) const;
+
+  // All throw Refusal where the rules forbid it (another unit work above all), and
+  // std::overflow_error where a figure would not fit. Nothing has changed then.
+
+  /// Moves a quantity from what remains of the budget item into the cost item, on top of what was
+  /// pooled there before; its bill becomes associated. Refused: negative, more than remains. 0 does
+  /// nothing.
+  void pool(BudgetItem& item, ResourceItem& into, const costing::Decimal& quantity);
+  /// Gives the whole pooling back. The bill stays associated.
+  void withdraw(BudgetItem& item, ResourceItem& from);
+  /// Changes no quantity.
+  void associate(ResourceItem& item, Bill& bill, bool summary);
+  /// Withdraws the bill's poolings into the item and drops the line's terms.
+  void disassociate(ResourceItem& item, Bill& bill);
+  /// The defaults where there is no such line.
+  LineTerms terms(const ResourceItem& item, const Bill& bill) const;
+  /// Refused: coefficient 0, a negative price, a bill without a line in the item (unless the terms
+  /// associate it), and taking the association from under a pooling.
+  void setTerms(ResourceItem& item, Bill& bill, const LineTerms& terms);
+
+  /// In the order of the project's bills: those that are used in the item (a budget item has its
+  /// home there and is not pooled away, or is pooled into it) or associated with it.
+  std::vector<BillLine> linesOf(const ResourceItem& item) const;
+  std::vector<Bill*> associatedBills(const ResourceItem& item) const;
 
   bool hasRecorded() const { return !recorded_.empty(); }
   ChangeSet takeRecorded();
