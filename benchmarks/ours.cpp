@@ -65,10 +65,11 @@ Ours::Ours(const Rows& rows) : parts_(std::make_unique<Parts>()) {
     records::CostAccount*& account = accounts[accountName];
     if (account == nullptr) account = &builder.addAccount(nullptr, 0, "", accountName);
     item.account = account;
-    item.code = project.texts.intern(rows.text(row, 1));
-    item.name = project.texts.intern(rows.text(row, 2));
-    item.spec = project.texts.intern(rows.text(row, 3));
-    item.unit = project.texts.intern(rows.text(row, 4));
+    const std::string code = rows.text(row, 1);
+    const std::string name = rows.text(row, 2);
+    const std::string spec = rows.text(row, 3);
+    const std::string unit = rows.text(row, 4);
+    project.texts.intern({code, name, spec, unit}, item.code, item.name, item.spec, item.unit);
     item.quantity = cents(rows.number(row, 0));
     item.price = cents(rows.number(row, 1));
     item.taxRate = 13;

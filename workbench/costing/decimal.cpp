@@ -139,15 +139,13 @@ Decimal Decimal::fromDigits(std::int64_t digits, int places) {
 
 namespace {
 
-// Drops the zeros at the end, at most `places`, by halves.
-template <class Integer>
+// Drops `Zeros` zeros at the end where there are so many; the divisor is known to the compiler.
+template <int Zeros, class Integer>
 void dropZeros(Integer& digits, int& places) {
-  for (const int zeros : {8, 4, 2, 1}) {
-    if (zeros <= places && digits % power(zeros) == 0) {
-      digits /= power(zeros);
-      places -= zeros;
-    }
-  }
+  constexpr std::int64_t divisor = Powers[Zeros];
+  if (Zeros > places || digits % divisor != 0) return;
+  digits /= divisor;
+  places -= Zeros;
 }
 
 bool fitsInt64(Int128 value) {
@@ -158,16 +156,22 @@ bool fitsInt64(Int128 value) {
 }  // namespace
 
 std::optional<std::int64_t> Decimal::significantDigits(int& places) const {
+  // By halves, and in 64 bits as soon as they suffice: much cheaper. Amounts do after the first.
   places = Places;
-  if (fitsInt64(units_)) {  // nearly always, and much cheaper
-    auto digits = static_cast<std::int64_t>(units_);
-    dropZeros(digits, places);
-    return digits;
+  Units units = units_;
+  if (!fitsInt64(units)) dropZeros<8>(units, places);
+  if (!fitsInt64(units)) {
+    dropZeros<4>(units, places);
+    dropZeros<2>(units, places);
+    dropZeros<1>(units, places);
+    if (!fitsInt64(units)) return {};
   }
-  Units digits = units_;
-  dropZeros(digits, places);
-  if (!fitsInt64(digits)) return {};
-  return static_cast<std::int64_t>(digits);
+  auto digits = static_cast<std::int64_t>(units);
+  dropZeros<8>(digits, places);
+  dropZeros<4>(digits, places);
+  dropZeros<2>(digits, places);
+  dropZeros<1>(digits, places);
+  return digits;
 }
 
 double Decimal::toDouble() const {

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,15 +37,35 @@ class TextPool {
 
   Text intern(std::string_view text);
 
+  /// The texts of one record together: their visits to memory overlap, so that a loader gets them
+  /// at little more than the price of one.
+  template <class... Texts>
+  void intern(const std::array<std::string_view, sizeof...(Texts)>& texts, Texts&... into) {
+    std::array<Text, sizeof...(Texts)> interned;
+    internAll(texts.data(), interned.data(), texts.size());
+    const Text* next = interned.data();
+    ((into = *next++), ...);
+  }
+
  private:
+  static constexpr std::size_t MostAtOnce = 8;
+  static constexpr std::uint32_t ChunkBits = 10;
+
   struct Slot {
     std::uint32_t hash = 0;
     std::uint32_t number = 0;  // of the text, from 1; 0: free
   };
-  std::size_t slotOf(std::uint32_t hash, std::string_view text) const;
-  void grow();
 
-  std::deque<std::string> texts_;  // keep their address
+  void internAll(const std::string_view* texts, Text* interned, std::size_t count);
+  Text find(std::uint32_t hash, std::string_view text);
+  std::size_t slotOf(std::uint32_t hash, std::string_view text) const;
+  const std::string& textAt(std::uint32_t number) const {
+    return chunks_[(number - 1) >> ChunkBits][(number - 1) & ((1U << ChunkBits) - 1)];
+  }
+  void reserve(std::size_t more);
+
+  std::vector<std::unique_ptr<std::string[]>> chunks_;  // texts keep their address
+  std::uint32_t size_ = 0;
   // Open addressing with small slots: a file of a million items interns four million texts, and
   // each look-up is one visit to memory far away.
   std::vector<Slot> slots_;

@@ -147,11 +147,8 @@ class Filler {
 
   bool add(StructureNode& section, const exchange::Bill& source) {
     Bill& bill = builder_.addBill(section, 0);
-    bill.sourceId = text(source.id);
-    bill.code = text(source.code);
-    bill.name = text(source.name);
-    bill.features = text(source.features);
-    bill.unit = text(source.unit);
+    project_.texts.intern({source.id, source.code, source.name, source.features, source.unit},
+                          bill.sourceId, bill.code, bill.name, bill.features, bill.unit);
     bill.account = account(source.accountId);
     bill.quantity = source.quantity;
     if (source.unitPrice) {
@@ -168,11 +165,8 @@ class Filler {
 
   void add(Bill& bill, const costing::Decimal& billQuantity, const exchange::Resource& source) {
     BudgetItem& line = builder_.addBudgetItem(bill, 0);
-    line.sourceId = text(source.id);
-    line.code = text(source.code);
-    line.name = text(source.name);
-    line.spec = text(source.spec);
-    line.unit = text(source.unit);
+    project_.texts.intern({source.id, source.code, source.name, source.spec, source.unit},
+                          line.sourceId, line.code, line.name, line.spec, line.unit);
     line.category = categoryOf(source.category);
     line.ownerSupplied = source.ownerSupplied;
     line.provisional = source.provisional;
@@ -240,8 +234,6 @@ class Filler {
           fee.base && fee.rate ? exchange::feeAmount(*fee.base, *fee.rate) : fee.declaredAmount;
     }
   }
-
-  Text text(const std::string& value) { return project_.texts.intern(value); }
 
   Project& project_;
   ProjectBuilder builder_;

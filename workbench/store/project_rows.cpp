@@ -1,6 +1,9 @@
 #include "workbench/store/project_rows.h"
 
 #include <QSqlError>
+#include <algorithm>
+#include <array>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -396,7 +399,14 @@ class Reader {
 
  private:
   bool counted() { return ++rows_ % ReportEvery != 0 || !progress_ || progress_(rows_); }
-  records::Text text(Rows& rows) { return project_.texts.intern(rows.text()); }
+  template <class... Texts>
+  void texts(Rows& rows, Texts&... into) {
+    std::array<std::string, sizeof...(Texts)> read;
+    std::generate(read.begin(), read.end(), [&rows] { return rows.text(); });
+    std::array<std::string_view, sizeof...(Texts)> views;
+    std::copy(read.begin(), read.end(), views.begin());
+    project_.texts.intern(views, into...);
+  }
 
   void facts() {
     std::unordered_map<std::string, std::string> values;
@@ -470,11 +480,7 @@ class Reader {
     while (rows.next()) {
       const std::int64_t id = rows.id();
       records::Bill& bill = builder_.addBill(rows.required(nodes_), id);
-      bill.sourceId = text(rows);
-      bill.code = text(rows);
-      bill.name = text(rows);
-      bill.features = text(rows);
-      bill.unit = text(rows);
+      texts(rows, bill.sourceId, bill.code, bill.name, bill.features, bill.unit);
       bill.account = rows.reference(accounts_);
       bill.quantity = rows.decimal();
       if (const auto price = rows.optionalDecimal()) bill.unitPrice = *price;
@@ -499,10 +505,7 @@ class Reader {
       data.category = static_cast<Category>(rows.number(0, records::CategoryCount - 1));
       data.position = rows.place();
       data.account = rows.reference(accounts_);
-      data.code = text(rows);
-      data.name = text(rows);
-      data.spec = text(rows);
-      data.unit = text(rows);
+      texts(rows, data.code, data.name, data.spec, data.unit);
       data.quantity = rows.decimal();
       data.price = rows.decimal();
       data.taxRate = rows.decimal();
@@ -511,7 +514,7 @@ class Reader {
       data.provisional = rows.flag();
       data.priceAdjustable = rows.flag();
       data.associated = rows.flag();
-      data.annotation = text(rows);
+      texts(rows, data.annotation);
       items_[data.id] = &builder_.addItem(unitWork, data);
       if (!counted()) return false;
     }
@@ -529,12 +532,9 @@ class Reader {
       records::ResourceItem& item = rows.required(items_);
       records::BudgetItem& line = builder_.addBudgetItem(bill, id);
       builder_.gather(line, item);
-      line.sourceId = text(rows);
+      texts(rows, line.sourceId);
       line.category = static_cast<Category>(rows.number(0, records::CategoryCount - 1));
-      line.code = text(rows);
-      line.name = text(rows);
-      line.spec = text(rows);
-      line.unit = text(rows);
+      texts(rows, line.code, line.name, line.spec, line.unit);
       line.content = rows.decimal();
       line.price = rows.decimal();
       line.taxRate = rows.decimal();

@@ -116,6 +116,13 @@ void RecordTest::sharesEqualTexts() {
   QVERIFY(pool.intern("螺纹钢") == first);
   QVERIFY(pool.intern("螺纹钢 ") != first);
   QCOMPARE(first.str(), std::string("螺纹钢"));
+  // Together, new and known ones, more than are taken at once, one twice.
+  records::Text many[11];
+  const std::string far = std::string(40, 'x');
+  pool.intern({"螺纹钢", "a", "", far, "a", "5", "b", "c", "d", far, "螺纹钢"}, many[0], many[1],
+              many[2], many[3], many[4], many[5], many[6], many[7], many[8], many[9], many[10]);
+  QVERIFY(many[0] == first && many[10] == first && many[1] == many[4] && many[3] == many[9]);
+  QVERIFY(many[2].empty() && many[5].str() == "5" && many[3].str() == far && many[8].str() == "d");
   QVERIFY(pool.intern("") == records::Text());
 }
 
