@@ -4,5 +4,7 @@ namespace gui {
 
 template class TViewModel<abst::qce::QCEResItemModel>;
 template class TFilterViewModel<abst::qce::QCEResItemFilterModel>;
+template class TViewModel<abst::qce::QCENotionalPoolingModel>;
+template class TFilterViewModel<abst::qce::QCENotionalPoolingFilterModel>;
 
 }  // namespace gui

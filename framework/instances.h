@@ -5,6 +5,8 @@
 
 #include "framework/filter_view_model.h"
 #include "framework/view_model.h"
+#include "host/abst/qce/notional_pooling_filter_model.h"
+#include "host/abst/qce/notional_pooling_model.h"
 #include "host/abst/qce/res_item_filter_model.h"
 #include "host/abst/qce/res_item_model.h"
 
@@ -12,5 +14,7 @@ namespace gui {
 
 extern template class QCE_EXPORT TViewModel<abst::qce::QCEResItemModel>;
 extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCEResItemFilterModel>;
+extern template class QCE_EXPORT TViewModel<abst::qce::QCENotionalPoolingModel>;
+extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCENotionalPoolingFilterModel>;
 
 }  // namespace gui

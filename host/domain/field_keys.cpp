@@ -21,4 +21,15 @@ const std::string BRIProvisional = "BRIProvisional";  // an older key, without t
 const std::string BRIPriceAdjustable = "QCE_BRIPriceAdjustable";
 const std::string BRIComment = "QCE_BRIComment";
 
+const std::string NPChoose = "QCE_NPChoose";
+const std::string NPType = "QCE_NPType";
+const std::string NPCode = "QCE_NPCode";
+const std::string NPName = "QCE_NPName";
+const std::string NPUnit = "QCE_NPUnit";
+const std::string NPAmount = "QCE_NPAmount";
+const std::string NPCollectionAmount = "QCE_NPCollectionAmount";
+const std::string NPExcludeTaxUnitPrice = "QCE_NPExcludeTaxUnitPrice";
+const std::string NPExcludeTaxTotalCost = "QCE_NPExcludeTaxTotalCost";
+const std::string NPQuantutyCoefficient = "QCE_NPQuantutyCoefficient";
+
 }  // namespace domain::keys

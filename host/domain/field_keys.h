@@ -30,4 +30,16 @@ QCE_CONTRACT_EXPORT extern const std::string BRIProvisional;      ///< bool: pro
 QCE_CONTRACT_EXPORT extern const std::string BRIPriceAdjustable;  ///< bool: price adjustable
 QCE_CONTRACT_EXPORT extern const std::string BRIComment;          ///< annotation (批注)
 
+// Pooling (归集) of budget resource items.
+QCE_CONTRACT_EXPORT extern const std::string NPChoose;  ///< check box; the model holds its state
+QCE_CONTRACT_EXPORT extern const std::string NPType;    ///< category (人工, 材料, ...)
+QCE_CONTRACT_EXPORT extern const std::string NPCode;
+QCE_CONTRACT_EXPORT extern const std::string NPName;
+QCE_CONTRACT_EXPORT extern const std::string NPUnit;
+QCE_CONTRACT_EXPORT extern const std::string NPAmount;  ///< what is left to pool, in the row's unit
+QCE_CONTRACT_EXPORT extern const std::string NPCollectionAmount;     ///< quantity to pool
+QCE_CONTRACT_EXPORT extern const std::string NPExcludeTaxUnitPrice;  ///< yuan
+QCE_CONTRACT_EXPORT extern const std::string NPExcludeTaxTotalCost;  ///< of what is left, yuan
+QCE_CONTRACT_EXPORT extern const std::string NPQuantutyCoefficient;
+
 }  // namespace domain::keys

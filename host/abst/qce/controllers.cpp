@@ -16,4 +16,10 @@ std::string QCENewProjectView::getProjectTemplate() const {
 QCENewProjectController::~QCENewProjectController() = default;
 QCEResItemController::~QCEResItemController() = default;
 
+bool QCEResItemController::canCollectToCost(proxy::Element* /*item*/) const {
+  return false;
+}
+
+void QCEResItemController::collectToCost(proxy::Element* /*item*/) {}
+
 }  // namespace abst::qce

@@ -22,6 +22,12 @@ class QCE_CONTRACT_EXPORT QCEResItemController {
   /// Moves an item one row up or down among its siblings; false when it cannot move.
   virtual bool moveUp(proxy::Element* item) = 0;
   virtual bool moveDown(proxy::Element* item) = 0;
+
+  /// Whether budget resource items can be pooled into `item`.
+  virtual bool canCollectToCost(proxy::Element* item) const;
+  /// Asks the user what to pool into `item`, and books it; returns when that is done. By default
+  /// nothing happens.
+  virtual void collectToCost(proxy::Element* item);
 };
 
 }  // namespace abst::qce
