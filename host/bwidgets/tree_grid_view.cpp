@@ -1,5 +1,6 @@
 #include "host/bwidgets/tree_grid_view.h"
 
+#include <QAbstractProxyModel>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
@@ -119,18 +120,21 @@ void TreeGridView::setSelectionModel(QItemSelectionModel* selectionModel) {
       connect(watched, &QAbstractItemModel::columnsInserted, header_, &GridHeader::readGroups),
       connect(watched, &QAbstractItemModel::columnsRemoved, header_, &GridHeader::readGroups),
   };
+  // Rows that were moved by hand are no longer in the order of the arrow. A proxy tells of them as
+  // of any change of layout, so the models below it are asked.
+  for (const QAbstractItemModel* below = watched; below != nullptr;) {
+    modelConnections_.push_back(
+        connect(below, &QAbstractItemModel::rowsMoved, this, &TreeGridView::clearSortIndicator));
+    const auto* proxy = qobject_cast<const QAbstractProxyModel*>(below);
+    below = proxy != nullptr ? proxy->sourceModel() : nullptr;
+  }
 }
 
 void TreeGridView::afterReset() {
   header_->readGroups();
   applyDefaultColumnWidths();
   state_->restore();
-  {
-    // The rows stand as the model gives them; an arrow of an earlier sort would lie.
-    const QSignalBlocker quiet(header_);
-    header_->setSortIndicator(-1, Qt::AscendingOrder);
-    header_->viewport()->update();
-  }
+  clearSortIndicator();  // the rows stand as the model gives them
   if (!currentIndex().isValid()) emit currentElementChanged(nullptr);
 }
 
