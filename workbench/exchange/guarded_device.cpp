@@ -41,9 +41,9 @@ bool GuardedDevice::fill() {
   buffer_.resize(ChunkBytes);
   qint64 count = source_.read(buffer_.data(), buffer_.size());
   if (count < 0) {
-    fault_ = {
-        QStringLiteral("读取文件失败（%1）：请检查磁盘或网络后重试").arg(source_.errorString()), 0,
-        0};
+    fault_ = {QStringLiteral("读取文件失败（技术信息：%1）：请检查磁盘或网络后重试")
+                  .arg(source_.errorString()),
+              0, 0};
     return false;
   }
   position_ = validEnd_ = 0;

@@ -424,7 +424,7 @@ std::vector<IndirectFeeGroup> Synthesis::fees() const {
 }
 
 QString unwritable(const QSaveFile& file) {
-  return QStringLiteral("文件“%1”无法写入（%2）：请检查文件夹是否存在、磁盘空间和权限")
+  return QStringLiteral("文件“%1”无法写入（技术信息：%2）：请检查文件夹是否存在、磁盘空间和权限")
       .arg(file.fileName(), file.errorString());
 }
 

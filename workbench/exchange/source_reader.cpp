@@ -752,7 +752,7 @@ QString pathFault(const QString& path) {
 }
 
 QString openFault(const QFile& file) {
-  return QStringLiteral("文件“%1”无法打开（%2）：请关闭占用它的程序或检查权限后重试")
+  return QStringLiteral("文件“%1”无法打开（技术信息：%2）：请关闭占用它的程序或检查权限后重试")
       .arg(QFileInfo(file).fileName(), file.errorString());
 }
 

@@ -234,7 +234,7 @@ QString SourceWriter::writeFile(const SourceDocument& document, const QString& p
   }
   QSaveFile file(path);
   if (!file.open(QIODevice::WriteOnly) || !write(document, file) || !file.commit()) {
-    return QStringLiteral("文件“%1”无法写入（%2）：请检查文件夹是否存在、磁盘空间和权限")
+    return QStringLiteral("文件“%1”无法写入（技术信息：%2）：请检查文件夹是否存在、磁盘空间和权限")
         .arg(path, file.errorString());
   }
   return {};

@@ -55,7 +55,8 @@ class Checker {
   void integrity() {
     for (QSqlQuery query = rows(QStringLiteral("PRAGMA integrity_check")); query.next();) {
       const QString text = query.value(0).toString();
-      if (text != QStringLiteral("ok")) find(QStringLiteral("数据库结构：%1").arg(text));
+      if (text != QStringLiteral("ok"))
+        find(QStringLiteral("数据库结构不一致（技术信息：%1）").arg(text));
     }
     for (QSqlQuery query = rows(QStringLiteral("PRAGMA foreign_key_check")); query.next();) {
       find(QStringLiteral("数据表 %1 第 %2 行引用的 %3 记录不存在")
@@ -240,7 +241,8 @@ CheckReport check(const QString& path) {
     database.run(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
     Checker(database, report).run();
   } catch (const SqlError& error) {
-    report.findings.append(QStringLiteral("无法读取：%1").arg(QString::fromUtf8(error.what())));
+    report.findings.append(QStringLiteral("数据无法读取（技术信息：%1），请用备份打开")
+                               .arg(QString::fromUtf8(error.what())));
   } catch (const std::overflow_error&) {
     report.findings.append(QStringLiteral("有数值超出可计算的范围"));
   }

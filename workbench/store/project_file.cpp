@@ -1,11 +1,11 @@
 #include "workbench/store/project_file.h"
-#include "workbench/records/project_templates.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QtEndian>
+#include <algorithm>
 #include <filesystem>
 #include <utility>
 
@@ -30,6 +30,7 @@ enum EngineError : int {
   Busy = 5,
   LockedTable = 6,
   ReadOnly = 8,
+  InputOutput = 10,
   Corrupt = 11,
   Full = 13,
   CannotOpen = 14,
@@ -42,6 +43,20 @@ class Failed : public std::runtime_error {
       : std::runtime_error(message.toStdString()), failure{kind, message} {}
   const Failure failure;
 };
+
+std::filesystem::path native(const QString& path) {
+#ifdef Q_OS_UNIX
+  return QFile::encodeName(path).toStdString();
+#else
+  return path.toStdWString();
+#endif
+}
+
+/// The files that this program has open.
+QStringList& openFiles() {
+  static QStringList paths;
+  return paths;
+}
 
 QString shown(const QString& path) {
   return QDir::toNativeSeparators(path);
@@ -72,6 +87,33 @@ Failed noPermission(const QString& path) {
               .arg(shown(path))};
 }
 
+/// The engine speaks English: its words only follow the Chinese ones, for whoever helps the user.
+QString technical(const QString& words) {
+  return QStringLiteral("（技术信息：%1）").arg(words.trimmed());
+}
+
+/// Why the engine could not write.
+QString writeProblem(const SqlError& error) {
+  switch (error.code() & 0xff) {
+    case Full:
+      return QStringLiteral("磁盘空间不足");
+    case Permission:
+    case ReadOnly:
+    case CannotOpen:
+      return QStringLiteral("没有写入权限");
+    case InputOutput:
+      return QStringLiteral("磁盘读写出错") + technical(QString::fromUtf8(error.what()));
+    default:
+      return QStringLiteral("数据库拒绝写入") + technical(QString::fromUtf8(error.what()));
+  }
+}
+
+Failed cannotWrite(const QString& path, const QString& problem) {
+  return {FailureKind::Unwritable,
+          QStringLiteral("无法写入工程文件“%1”：%2。请检查磁盘空间和文件权限后再试。")
+              .arg(shown(path), problem)};
+}
+
 Failed fromEngine(const QString& path, const SqlError& error) {
   switch (error.code() & 0xff) {
     case Busy:
@@ -81,17 +123,29 @@ Failed fromEngine(const QString& path, const SqlError& error) {
     case ReadOnly:
     case CannotOpen:
       return noPermission(path);
+    case InputOutput:
+    case Full:
+      return cannotWrite(path, writeProblem(error));
     case Corrupt:
       return damaged(path, QStringLiteral("数据库结构不完整"));
     case NotADatabase:
       return damaged(path, QStringLiteral("文件内容无法识别"));
     default:
-      return damaged(path, QString::fromUtf8(error.what()));
+      return damaged(
+          path, QStringLiteral("数据表与本程序不符") + technical(QString::fromUtf8(error.what())));
   }
 }
 
 /// Refuses what is no project file, by its header alone.
 void checkHeader(const QString& path) {
+  // Reading a file that is open here would end its lock: closing any handle of it does.
+  const QStringList& open = openFiles();
+  if (std::any_of(open.begin(), open.end(),
+                  [&path](const QString& other) { return isSameFile(path, other); })) {
+    throw Failed(
+        FailureKind::Locked,
+        QStringLiteral("工程文件“%1”已经在本程序中打开，请先在这里关闭它再试。").arg(shown(path)));
+  }
   const QFileInfo info(path);
   if (!info.exists()) {
     throw Failed(FailureKind::Missing,
@@ -131,7 +185,9 @@ void checkContent(Database& database, const QString& path) {
   }
   if (version < 1) throw damaged(path, QStringLiteral("没有文件版本"));
   const QString found = database.value(QStringLiteral("PRAGMA quick_check(1)")).toString();
-  if (found != QStringLiteral("ok")) throw damaged(path, found);
+  if (found != QStringLiteral("ok")) {
+    throw damaged(path, QStringLiteral("数据库结构不一致") + technical(found));
+  }
   const QVariant table = database.value(QStringLiteral("PRAGMA foreign_key_check"));
   if (!table.isNull()) {
     throw damaged(path, QStringLiteral("数据表 %1 引用的记录不存在").arg(table.toString()));
@@ -170,22 +226,12 @@ void removeWithSideFiles(const QString& path) {
   for (const char* side : SideFiles) QFile::remove(path + QLatin1String(side));
 }
 
-std::filesystem::path native(const QString& path) {
-#ifdef Q_OS_UNIX
-  return QFile::encodeName(path).toStdString();
-#else
-  return path.toStdWString();
-#endif
-}
-
 void replaceFile(const QString& from, const QString& to) {
   std::error_code error;
   std::filesystem::rename(native(from), native(to), error);
-  if (error) {
-    throw Failed(FailureKind::Unwritable,
-                 QStringLiteral("无法写入工程文件“%1”：%2。")
-                     .arg(shown(to), QString::fromStdString(error.message())));
-  }
+  if (!error) return;
+  throw cannotWrite(to, QStringLiteral("不能换上新写好的文件") +
+                            technical(QString::fromStdString(error.message())));
 }
 
 /// Gives the finished `part` its name, durably.
@@ -194,14 +240,6 @@ void moveToPlace(const QString& part, const QString& path) {
   for (const char* side : SideFiles) QFile::remove(path + QLatin1String(side));
   replaceFile(part, path);
   syncDirectory(path);
-}
-
-Failure cannotWrite(const QString& path, const SqlError& error) {
-  const bool full = (error.code() & 0xff) == Full;
-  return {FailureKind::Unwritable,
-          QStringLiteral("无法写入工程文件“%1”：%2。请检查磁盘空间后再试。")
-              .arg(shown(path),
-                   full ? QStringLiteral("磁盘空间不足") : QString::fromUtf8(error.what()))};
 }
 
 void checkTarget(const QString& path, bool replace) {
@@ -229,8 +267,18 @@ void checkTarget(const QString& path, bool replace) {
 
 }  // namespace
 
-ProjectFile::ProjectFile() = default;
-ProjectFile::~ProjectFile() = default;
+bool isSameFile(const QString& path, const QString& other) {
+  std::error_code error;
+  return std::filesystem::equivalent(native(path), native(other), error);
+}
+
+ProjectFile::ProjectFile(const QString& path) : path_(QFileInfo(path).absoluteFilePath()) {
+  openFiles().append(path_);
+}
+
+ProjectFile::~ProjectFile() {
+  openFiles().removeOne(path_);
+}
 
 bool ProjectFile::create(const QString& path, const exchange::SourceDocument* source,
                          const NewProject& answers, Failure& failure, const Progress& progress,
@@ -278,7 +326,7 @@ bool ProjectFile::create(const QString& path, const exchange::SourceDocument* so
   } catch (const Failed& failed) {
     failure = failed.failure;
   } catch (const SqlError& error) {
-    failure = cannotWrite(path, error);
+    failure = cannotWrite(path, writeProblem(error)).failure;
   } catch (const std::overflow_error&) {
     failure = {FailureKind::Unwritable,
                QStringLiteral("源文件中的数量或单价过大，汇总后超出可计算的范围，未新建工程。")};
@@ -291,8 +339,7 @@ std::unique_ptr<ProjectFile> ProjectFile::open(const QString& path, Failure& fai
                                                const Progress& progress) {
   try {
     checkHeader(path);
-    std::unique_ptr<ProjectFile> file(new ProjectFile);
-    file->path_ = QFileInfo(path).absoluteFilePath();
+    std::unique_ptr<ProjectFile> file(new ProjectFile(path));
     file->database_ = std::make_unique<Database>(path);
     lock(*file->database_);
     checkContent(*file->database_, path);
@@ -334,7 +381,7 @@ bool ProjectFile::copyTo(const QString& path, Failure& failure) const {
   } catch (const Failed& failed) {
     failure = failed.failure;
   } catch (const SqlError& error) {
-    failure = cannotWrite(path, error);
+    failure = cannotWrite(path, writeProblem(error)).failure;
   }
   removeWithSideFiles(part);
   return false;
@@ -347,10 +394,8 @@ bool ProjectFile::commit(const records::ChangeSet& changes, QString& message) {
     transaction.commit();
     return true;
   } catch (const SqlError& error) {
-    const bool full = (error.code() & 0xff) == Full;
     message = QStringLiteral("修改未能保存到“%1”，已撤回：%2。\n请检查磁盘空间和文件权限后再试。")
-                  .arg(shown(path_),
-                       full ? QStringLiteral("磁盘空间不足") : QString::fromUtf8(error.what()));
+                  .arg(shown(path_), writeProblem(error));
     return false;
   }
 }

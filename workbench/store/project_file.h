@@ -25,6 +25,9 @@ struct NewProject {
   QString projectTemplate = {};  ///< key of what a project without a source file starts with
 };
 
+/// Whether two paths lead to one file, by whatever spelling or link. False when one is missing.
+bool isSameFile(const QString& path, const QString& other);
+
 /// Hears how far a long operation is, 0 to 100; false cancels it.
 using Progress = std::function<bool(int percent)>;
 
@@ -56,7 +59,7 @@ class ProjectFile {
   bool commit(const records::ChangeSet& changes, QString& message);
 
  private:
-  ProjectFile();
+  explicit ProjectFile(const QString& path);
 
   QString path_;
   std::unique_ptr<Database> database_;

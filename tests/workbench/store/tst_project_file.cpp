@@ -52,6 +52,10 @@ QByteArray contentOf(const QString& path) {
   return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+QString lineOf(FailureKind kind) {
+  return QString::number(static_cast<int>(kind));
+}
+
 void say(const QString& line) {
   std::fputs(qPrintable(line + '\n'), stdout);
   std::fflush(stdout);
@@ -65,7 +69,7 @@ int actAs(const QStringList& arguments) {
   store::Failure failure;
   const auto opened = controllers::OpenProject::open(path, failure);
   if (!opened) {
-    say(QString::number(static_cast<int>(failure.kind)));
+    say(lineOf(failure.kind));
     return 1;
   }
   app::Services services;
@@ -253,6 +257,9 @@ void ProjectFileTest::refusesWithItsOwnMessage() {
   QVERIFY(!store::ProjectFile::open(path, failure));
   QVERIFY2(failure.kind == kind && failure.message.contains(words), qPrintable(failure.message));
   QVERIFY(failure.message.contains(path));
+  QString plain = failure.message;
+  plain.remove(path).remove(QRegularExpression("（技术信息：[^）]*）"));
+  QVERIFY2(!plain.contains(QRegularExpression("[A-Za-z]+ [A-Za-z]+")), qPrintable(plain));
   if (fault != "directory") QVERIFY(contentOf(path) == before);
   QVERIFY(!store::check(path).ok());
 }
@@ -270,9 +277,17 @@ void ProjectFileTest::refusesAFileThatAnotherProgramHasOpen() {
   // The lock goes with the process, even with one that could not say goodbye.
   other.kill();
   QVERIFY2(fixture.open() != nullptr, qPrintable(fixture.failure.message));
-  // A second time in this very program is no different.
-  QVERIFY(!store::ProjectFile::open(fixture.path(), failure));
-  QVERIFY(failure.kind == FailureKind::Locked);
+  // A second time in this very program is no different, whatever the way to the file; and the
+  // attempt does not take the lock away.
+  const QString symbolic = fixture.directory() + "/symbolic.qcp";
+  const QString hard = fixture.directory() + "/hard.qcp";
+  QVERIFY(QFile::link(fixture.path(), symbolic));
+  QCOMPARE(::link(QFile::encodeName(fixture.path()), QFile::encodeName(hard)), 0);
+  for (const QString& path : {fixture.path(), symbolic, hard}) {
+    QVERIFY(!store::ProjectFile::open(path, failure));
+    QVERIFY(failure.kind == FailureKind::Locked);
+  }
+  QCOMPARE(Other("hold", fixture.path()).firstLine(), lineOf(FailureKind::Locked));
 }
 
 void ProjectFileTest::refusesWithoutPermission() {
@@ -281,7 +296,7 @@ void ProjectFileTest::refusesWithoutPermission() {
   QVERIFY(QFile::setPermissions(fixture.directory(), QFile::Permissions(0x7755)));
   QVERIFY(QFile::setPermissions(fixture.path(), QFile::Permissions(0x6644)));
   const Other other("open-as-nobody", fixture.path());
-  QCOMPARE(other.firstLine(), QString::number(static_cast<int>(FailureKind::NoPermission)));
+  QCOMPARE(other.firstLine(), lineOf(FailureKind::NoPermission));
 }
 
 void ProjectFileTest::failedCreationLeavesNothing() {
