@@ -72,6 +72,8 @@ bool NewProjectController::createProject(const abst::qce::QCENewProjectView& ans
     if (failure.kind == store::FailureKind::Cancelled) return false;
     return refuse(failure.message);
   }
+  sourceMoney_ = sourcePath.empty() ? SourceMoney()
+                                    : SourceMoney{source.report.summary(), source.report.toText()};
   created_(target);
   return true;
 }

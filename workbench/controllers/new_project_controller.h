@@ -8,6 +8,13 @@
 
 namespace controllers {
 
+/// Money that a source file declares against money read from it, as Chinese text; both empty for a
+/// project without a source file.
+struct SourceMoney {
+  QString summary;  ///< one line
+  QString details;  ///< a line for the project and each unit work
+};
+
 /// Makes project files from the answers of the new-project dialog.
 class NewProjectController : public abst::qce::QCENewProjectController {
  public:
@@ -21,6 +28,9 @@ class NewProjectController : public abst::qce::QCENewProjectController {
 
   /// For the progress of reading and writing, 0 to 100; false cancels.
   void setProgress(store::Progress progress) { progress_ = std::move(progress); }
+
+  /// Of the project made last.
+  const SourceMoney& sourceMoney() const { return sourceMoney_; }
 
   std::string checkSource(const std::string& path, const std::string& type) const override;
   bool createProject(const abst::qce::QCENewProjectView& answers) override;
@@ -36,6 +46,7 @@ class NewProjectController : public abst::qce::QCENewProjectController {
   ChooseTarget chooseTarget_;
   Created created_;
   store::Progress progress_;
+  SourceMoney sourceMoney_;
 };
 
 }  // namespace controllers

@@ -3,6 +3,8 @@
 #include <QStringList>
 #include <algorithm>
 
+#include "host/base/number_text.h"
+
 namespace exchange {
 namespace {
 
@@ -12,6 +14,10 @@ QString text(const std::string& utf8) {
 
 QString money(const costing::Decimal& value) {
   return text(value.toString(2));
+}
+
+QString thousands(const costing::Decimal& value) {
+  return text(base::ToThousandthsString(value.toDouble(), 2));
 }
 
 QString figureText(const char* noun, const MoneyFigure& figure) {
@@ -38,6 +44,19 @@ bool MoneyReport::agrees() const {
   return differenceCount == 0 && project.agrees() &&
          std::all_of(unitWorks.begin(), unitWorks.end(),
                      [](const MoneyLine& line) { return line.agrees(); });
+}
+
+QString MoneyReport::summary() const {
+  const auto figure = [](const char* noun, const MoneyFigure& sum) {
+    QString line = QStringLiteral("%1 %2").arg(QString::fromUtf8(noun), thousands(sum.read));
+    if (!sum.declared) return line + QStringLiteral("（未申报）");
+    return sum.agrees() ? line : line + QStringLiteral("（申报 %1）").arg(thousands(*sum.declared));
+  };
+  return QStringLiteral("%1：%2　%3　%4")
+      .arg(agrees() ? QStringLiteral("申报与读入金额一致")
+                    : QStringLiteral("申报与读入金额不一致，按读入的金额新建"),
+           figure("清单", project.bills), figure("人材机", project.resources),
+           figure("间接费", project.fees));
 }
 
 QString MoneyReport::toText() const {

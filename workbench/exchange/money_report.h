@@ -47,6 +47,8 @@ struct MoneyReport {
   std::size_t differenceCount = 0;
 
   bool agrees() const;
+  /// One line of Chinese text: whether the project's money agrees, and its sums.
+  QString summary() const;
   /// A few lines of Chinese text: the project, then each unit work, then what differs.
   QString toText() const;
 

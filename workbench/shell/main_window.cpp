@@ -16,12 +16,13 @@
 #include <QUndoStack>
 
 #include "workbench/shell/application.h"
+#include "workbench/shell/elided_label.h"
 #include "workbench/shell/new_project.h"
 #include "workbench/shell/page_stack.h"
 #include "workbench/shell/progress.h"
 #include "workbench/shell/session.h"
 #include "workbench/shell/welcome_view.h"
-#include "workbench/store/failure.h"
+#include "workbench/store/project_file.h"
 
 namespace shell {
 
@@ -190,10 +191,13 @@ void MainWindow::createActions() {
 }
 
 void MainWindow::createStatusBar() {
+  sourceMoney_ = new ElidedLabel;
+  sourceMoney_->setObjectName(QStringLiteral("sourceMoneyText"));
   totals_ = new QLabel;
   totals_->setObjectName(QStringLiteral("totalsText"));
   saved_ = new QLabel;
   saved_->setObjectName(QStringLiteral("savedText"));
+  statusBar()->addWidget(sourceMoney_, 1);
   statusBar()->addPermanentWidget(totals_);
   statusBar()->addPermanentWidget(saved_);
   statusBar()->setSizeGripEnabled(false);
@@ -202,7 +206,7 @@ void MainWindow::createStatusBar() {
 
 bool MainWindow::openProject(const QString& path) {
   const QString absolute = QFileInfo(path).absoluteFilePath();
-  if (session_ && session_->path() == absolute) return true;
+  if (session_ && store::isSameFile(session_->path(), absolute)) return true;
   store::Failure failure;
   std::unique_ptr<Session> opened;
   {
@@ -253,6 +257,8 @@ void MainWindow::closeProject() {
   services_.setUndo(nullptr);
   session_->undoStack().disconnect(this);  // it tells of its steps also while they are destroyed
   session_.reset();
+  sourceMoney_->setText({});
+  sourceMoney_->setToolTip({});
   refreshState();
 }
 
@@ -271,10 +277,12 @@ void MainWindow::connectUndo() {
 }
 
 void MainWindow::newProject() {
-  const QString path = runNewProject(this, *chooser_, services_.paths().documents());
-  if (path.isEmpty()) return;
+  const NewProjectResult made = runNewProject(this, *chooser_, services_.paths().documents());
+  if (made.path.isEmpty()) return;
   services_.configuration().setValue(kPageKey, "resources");
-  openProject(path);
+  if (!openProject(made.path)) return;
+  sourceMoney_->setText(made.money.summary);
+  sourceMoney_->setToolTip(made.money.details);
 }
 
 void MainWindow::openWithChooser() {

@@ -18,6 +18,7 @@ struct Failure;
 
 namespace shell {
 
+class ElidedLabel;
 class PageStack;
 class Session;
 class WelcomeView;
@@ -83,6 +84,7 @@ class MainWindow : public QMainWindow {
   QAction* redo_ = nullptr;
   QList<QAction*> needProject_;
   QTimer* totalsTimer_;
+  ElidedLabel* sourceMoney_ = nullptr;  ///< of the source file, after a project was made of it
   QLabel* totals_ = nullptr;
   QLabel* saved_ = nullptr;
 };

@@ -3,7 +3,6 @@
 #include <memory>
 
 #include "project/dialog.h"
-#include "workbench/controllers/new_project_controller.h"
 #include "workbench/records/project_templates.h"
 #include "workbench/shell/file_chooser.h"
 #include "workbench/shell/progress.h"
@@ -44,13 +43,14 @@ class Controller : public controllers::NewProjectController {
 
 }  // namespace
 
-QString runNewProject(QWidget* window, FileChooser& chooser, const QString& directory) {
+NewProjectResult runNewProject(QWidget* window, FileChooser& chooser, const QString& directory) {
   gui::qce::QCENewProjectViewImpl dialog(window);
   QString made;
   Controller controller(&dialog, chooser, directory, made);
   dialog.setController(&controller);
   dialog.setProjectTemplates(records::projectTemplates());
-  return dialog.exec() == 1 ? made : QString();
+  if (dialog.exec() != 1) return {};
+  return {made, controller.sourceMoney()};
 }
 
 }  // namespace shell

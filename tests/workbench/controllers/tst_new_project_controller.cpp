@@ -49,11 +49,13 @@ class NewProjectControllerTest : public QObject {
     QFile::remove(target_);
     controllers::NewProjectController controller([this](const QString&) { return target_; },
                                                  [this](const QString& path) { created_ = path; });
-    return controller.createProject(Answers(sourcePath));
+    const bool made = controller.createProject(Answers(sourcePath));
+    money_ = controller.sourceMoney().summary;
+    return made;
   }
 
   QTemporaryDir dir_;
-  QString target_, created_;
+  QString target_, created_, money_;
 };
 
 void NewProjectControllerTest::makesAProjectOfItsAnswers() {
@@ -115,6 +117,7 @@ void NewProjectControllerTest::differingMoneyNeedsTheUsersWord() {
   QCOMPARE(services.channel.messages().size(), std::size_t(1));
   QVERIFY(services.channel.messages()[0].text.find("不一致") != std::string::npos);
   QCOMPARE(QFileInfo::exists(target_), answer == QMessageBox::Yes);
+  QCOMPARE(money_.contains("（申报 "), answer == QMessageBox::Yes);
 }
 
 QTEST_GUILESS_MAIN(NewProjectControllerTest)

@@ -152,6 +152,15 @@ void MainWindowTest::opensFromTheRecentList() {
   driver_.key(Qt::Key_Return);
   QVERIFY(window_->session() != nullptr);
   QCOMPARE(window_->session()->path(), path("甲.qcp"));
+
+  // The same file by another way is what is open already.
+  const shell::Session* session = window_->session();
+  QVERIFY(QFile::link(path("甲.qcp"), path("链接.qcp")));
+  for (const QString& other : {path("链接.qcp"), path("data/../甲.qcp")}) {
+    QVERIFY(window_->openProject(other));
+    QCOMPARE(window_->session(), session);
+  }
+  QCOMPARE(channel_->messages().size(), std::size_t(0));
 }
 
 void MainWindowTest::offersToForgetAMissingProject() {
@@ -258,6 +267,13 @@ void MainWindowTest::newProjectAsksWhereToSave() {
   QCOMPARE(window_->session()->path(), path("新.qcp"));
   QCOMPARE(window_->session()->name(), QString("新工程"));
   QCOMPARE(window_->pages()->currentPage(), QString("resources"));
+  const auto* money = window_->findChild<QLabel*>("sourceMoneyText");
+  QVERIFY(money->isVisible());
+  QVERIFY2(money->text().startsWith("申报与读入金额一致：清单 "), qPrintable(money->text()));
+  QVERIFY(money->text().contains("人材机 " + window_->session()->totals().budget));
+  QVERIFY(money->toolTip().contains("申报"));
+  window_->closeProject();
+  QCOMPARE(money->text(), QString());
 }
 
 void MainWindowTest::windowStateOutlivesTheProgram() {
