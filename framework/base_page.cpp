@@ -20,25 +20,32 @@ int frozenColumnCount(const ViewModel& model, const std::string& firstKey,
   return std::max(column + 1, 0);
 }
 
+QAbstractItemModel* showInGrid(bwidgets::TreeGridView* grid, abst::BaseModel* model,
+                               const std::string& firstKey, const std::string& secondKey) {
+  auto* items = dynamic_cast<QAbstractItemModel*>(model);
+  if (items == nullptr || grid == nullptr) {
+    base::LogError("a page was given a model that it cannot show");
+    return nullptr;
+  }
+  grid->setModel(items);
+  grid->applyDefaultColumnWidths();
+  grid->applyHeaderSettings();
+  grid->initSearchBox();
+  if (const auto* viewModel = dynamic_cast<const ViewModel*>(model)) {
+    grid->setFrozenColumnCount(frozenColumnCount(*viewModel, firstKey, secondKey));
+  }
+  return items;
+}
+
 BasePage::BasePage(QWidget* parent) : Widget(parent) {}
 BasePage::~BasePage() = default;
 
 void BasePage::setModel(abst::BaseModel* model) {
-  auto* items = dynamic_cast<QAbstractItemModel*>(model);
-  if (items == nullptr || grid_ == nullptr) {
-    base::LogError("a page was given a model that it cannot show");
-    return;
-  }
+  QAbstractItemModel* items = showInGrid(grid_, model, firstKey_, secondKey_);
+  if (items == nullptr) return;
   for (const QMetaObject::Connection& connection : connections_) disconnect(connection);
   model_ = model;
-  grid_->setModel(items);
-  grid_->applyDefaultColumnWidths();
-  grid_->applyHeaderSettings();
   connections_ = connectModel(items);
-  grid_->initSearchBox();
-  if (const auto* viewModel = dynamic_cast<const ViewModel*>(model)) {
-    grid_->setFrozenColumnCount(frozenColumnCount(*viewModel, firstKey_, secondKey_));
-  }
 }
 
 void BasePage::activate() {

@@ -28,6 +28,13 @@ class ViewModel;
 QCE_EXPORT int frozenColumnCount(const ViewModel& model, const std::string& firstKey,
                                  const std::string& secondKey);
 
+/// Shows `model` in `grid` with its kept column widths, its header, a search box and its leading
+/// key columns in place (see frozenColumnCount). A model that is no QAbstractItemModel is logged
+/// and answered with null; otherwise the answer is the model.
+QCE_EXPORT QAbstractItemModel* showInGrid(bwidgets::TreeGridView* grid, abst::BaseModel* model,
+                                          const std::string& firstKey,
+                                          const std::string& secondKey);
+
 /// What every page of the module has in common: one model in one grid, an active mark, and
 /// sub-views as pages of a tab or stack widget.
 ///

@@ -17,6 +17,14 @@ QSize Screen::availableSize(const QWidget* widget) {
   return screen != nullptr ? screen->availableGeometry().size() : QSize(1024, 768);
 }
 
+int Screen::getNoIncludeTaskbartWidget() {
+  return availableSize().width();
+}
+
+int Screen::getNoIncludeTaskbartHeight() {
+  return availableSize().height();
+}
+
 QSize Screen::fraction(const QSize& available, double width, double height) {
   // A hair is added so that a tenth of 1920 is 192 whatever the binary fraction of 0.1.
   const auto part = [](int whole, double share) {
