@@ -32,4 +32,19 @@ const std::string NPExcludeTaxUnitPrice = "QCE_NPExcludeTaxUnitPrice";
 const std::string NPExcludeTaxTotalCost = "QCE_NPExcludeTaxTotalCost";
 const std::string NPQuantutyCoefficient = "QCE_NPQuantutyCoefficient";
 
+const std::string SECode = "QCE_SECode";
+const std::string SEName = "QCE_SEName";
+const std::string SEProjFeatures = "SEProjFeatures";  // an older key, without the prefix
+const std::string SEUnit = "QCE_SEUnit";
+const std::string SEAmount = "QCE_SEAmount";
+
+const std::string SEContent = "QCE_SEContent";
+const std::string SEBudgetContent = "QCE_SEBudgetContent";
+const std::string SECoefficient = "QCE_SECoefficient";
+const std::string SEBudgetAmount = "QCE_SEBudgetAmount";
+const std::string SECostAmount = "QCE_SECostAmount";
+const std::string BRIBillUnitPrice = "QCE_BRIBillUnitPrice";
+const std::string RIExcludedTaxFee = "QCE_RIExcludedTaxFee";
+const std::string RIExcludedTaxTotalCost = "QCE_RIExcludedTaxTotalCost";
+
 }  // namespace domain::keys

@@ -42,4 +42,23 @@ QCE_CONTRACT_EXPORT extern const std::string NPExcludeTaxUnitPrice;  ///< yuan
 QCE_CONTRACT_EXPORT extern const std::string NPExcludeTaxTotalCost;  ///< of what is left, yuan
 QCE_CONTRACT_EXPORT extern const std::string NPQuantutyCoefficient;
 
+// Bills.
+QCE_CONTRACT_EXPORT extern const std::string SECode;          ///< 清单编码
+QCE_CONTRACT_EXPORT extern const std::string SEName;          ///< 清单名称
+QCE_CONTRACT_EXPORT extern const std::string SEProjFeatures;  ///< 项目特征
+QCE_CONTRACT_EXPORT extern const std::string SEUnit;          ///< 单位
+QCE_CONTRACT_EXPORT extern const std::string SEAmount;        ///< quantity of the bill, in its unit
+
+// Bills of a resource item.
+QCE_CONTRACT_EXPORT extern const std::string SEContent;         ///< actual content per unit of bill
+QCE_CONTRACT_EXPORT extern const std::string SEBudgetContent;   ///< budget content per unit of bill
+QCE_CONTRACT_EXPORT extern const std::string SECoefficient;     ///< factor of the cost quantity
+QCE_CONTRACT_EXPORT extern const std::string SEBudgetAmount;    ///< budget quantity, in item units
+QCE_CONTRACT_EXPORT extern const std::string SECostAmount;      ///< cost quantity, in item units
+QCE_CONTRACT_EXPORT extern const std::string BRIBillUnitPrice;  ///< unit price of the bill, yuan
+QCE_CONTRACT_EXPORT extern const std::string
+    RIExcludedTaxFee;  ///< subcontract cost price per unit of bill excluding tax, yuan
+QCE_CONTRACT_EXPORT extern const std::string
+    RIExcludedTaxTotalCost;  ///< cost of the item in the bill excluding tax, yuan
+
 }  // namespace domain::keys
