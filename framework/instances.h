@@ -5,6 +5,8 @@
 
 #include "framework/filter_view_model.h"
 #include "framework/view_model.h"
+#include "host/abst/qce/association_bill_left_model.h"
+#include "host/abst/qce/association_bill_right_filter_model.h"
 #include "host/abst/qce/notional_pooling_filter_model.h"
 #include "host/abst/qce/notional_pooling_model.h"
 #include "host/abst/qce/res_item_filter_model.h"
@@ -16,5 +18,8 @@ extern template class QCE_EXPORT TViewModel<abst::qce::QCEResItemModel>;
 extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCEResItemFilterModel>;
 extern template class QCE_EXPORT TViewModel<abst::qce::QCENotionalPoolingModel>;
 extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCENotionalPoolingFilterModel>;
+extern template class QCE_EXPORT TViewModel<abst::qce::QCEAssociationBillLeftModel>;
+extern template class QCE_EXPORT TViewModel<abst::qce::QCEAssociationBillRightModel>;
+extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCEAssociationBillRightFilterModel>;
 
 }  // namespace gui

@@ -1,0 +1,14 @@
+#include "host/domain/qce/association_bill_left_operator.h"
+#include "host/domain/qce/association_bill_right_operator.h"
+
+namespace domain::qce {
+
+QCEAssociationBillLeftOperator::~QCEAssociationBillLeftOperator() = default;
+QCEAssociationBillRightOperator::~QCEAssociationBillRightOperator() = default;
+
+std::optional<int> QCEAssociationBillRightOperator::getPrecision(const proxy::Element* /*row*/,
+                                                                 const std::string& /*key*/) const {
+  return {};
+}
+
+}  // namespace domain::qce
