@@ -156,102 +156,98 @@ class TestIncludes : public QObject {
   Q_OBJECT
 
  private slots:
-  void pointsDownEverywhere();
-  void findsAPlantedOffence_data();
-  void findsAPlantedOffence();
-  void findsAPlantedCircle();
-};
-
-void TestIncludes::pointsDownEverywhere() {
-  const QDir root(QCE_SOURCE_DIR);
-  QStringList found;
-  QSet<QString> seen;
-  Arrows arrows;
-  int includes = 0;
-  for (const auto* top : {"host", "framework", "project", "resitem", "pooling", "engineering",
-                          "destructors", "workbench"}) {
-    QDirIterator files(root.filePath(top), {"*.h", "*.cpp"}, QDir::Files,
-                       QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-      QFile file(files.next());
-      QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.fileName()));
-      const QString path = root.relativeFilePath(file.fileName());
-      const QString text = QString::fromUtf8(file.readAll());
-      found << offences(path, text);
-      addArrows(arrows, path, text);
-      includes += includesOf(text).size();
-      seen << roomOf(path);
+  void pointsDownEverywhere() {
+    const QDir root(QCE_SOURCE_DIR);
+    QStringList found;
+    QSet<QString> seen;
+    Arrows arrows;
+    int includes = 0;
+    for (const auto* top : {"host", "framework", "project", "resitem", "pooling", "engineering",
+                            "destructors", "workbench"}) {
+      QDirIterator files(root.filePath(top), {"*.h", "*.cpp"}, QDir::Files,
+                         QDirIterator::Subdirectories);
+      while (files.hasNext()) {
+        QFile file(files.next());
+        QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.fileName()));
+        const QString path = root.relativeFilePath(file.fileName());
+        const QString text = QString::fromUtf8(file.readAll());
+        found << offences(path, text);
+        addArrows(arrows, path, text);
+        includes += includesOf(text).size();
+        seen << roomOf(path);
+      }
     }
+    // A test that read nothing would pass as well.
+    for (const auto* room :
+         {"host/base", "host/abst", "framework", "project", "workbench/costing"}) {
+      QVERIFY2(seen.contains(room), room);
+    }
+    QVERIFY2(includes > 200, qPrintable(QString::number(includes)));
+    QVERIFY2(found.isEmpty(), qPrintable("\n" + found.join('\n')));
+    const QStringList rounds = circle(arrows);
+    QVERIFY2(rounds.isEmpty(),
+             qPrintable("these folders include each other: " + rounds.join(", ")));
   }
-  // A test that read nothing would pass as well.
-  for (const auto* room : {"host/base", "host/abst", "framework", "project", "workbench/costing"}) {
-    QVERIFY2(seen.contains(room), room);
+
+  void findsAPlantedOffence_data() {
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("expected");  // empty when the include is right
+    const auto row = [](const char* name, const char* path, const char* text,
+                        const char* expected) { QTest::newRow(name) << path << text << expected; };
+    row("up", "host/base/log.h", "\n#include \"host/domain/value.h\"",
+        "host/base/log.h:2: host/domain/value.h: host/domain does not lie below host/base");
+    row("up, in angle brackets", "framework/a.h", "#include <resitem/model.h>",
+        "framework/a.h:1: resitem/model.h: resitem does not lie below framework");
+    row("into the workbench", "project/a.cpp", " # include \"workbench/shell/main_window.h\"",
+        "project/a.cpp:1: workbench/shell/main_window.h: workbench/shell does not lie below "
+        "project");
+    row("sideways", "engineering/a.h", "#include \"pooling/dialog.h\"",
+        "engineering/a.h:1: pooling/dialog.h: pooling does not lie below engineering");
+    row("Qt in the contract", "host/abst/qce/a.h", "#include <QString>",
+        "host/abst/qce/a.h:1: QString: host/abst is kept free of Qt");
+    row("Qt by module", "host/app/a.h", "#include <QtCore/QString>",
+        "host/app/a.h:1: QtCore/QString: host/app is kept free of Qt");
+    row("Qt by file", "workbench/records/a.h", "#include <qglobal.h>",
+        "workbench/records/a.h:1: qglobal.h: workbench/records is kept free of Qt");
+    row("SQL in a page", "resitem/a.cpp", "#include <QSqlQuery>",
+        "resitem/a.cpp:1: QSqlQuery: resitem is kept free of SQL");
+    row("SQL in arithmetic", "workbench/costing/a.h", "#include <sqlite3.h>",
+        "workbench/costing/a.h:1: sqlite3.h: workbench/costing is kept free of SQL");
+    row("arithmetic on the contract", "workbench/costing/a.h", "#include \"host/base/log.h\"",
+        "workbench/costing/a.h:1: host/base/log.h: host/base does not lie below workbench/costing");
+    row("export header from above", "host/gui/a.h", "#include \"qce_export.h\"",
+        "host/gui/a.h:1: qce_export.h: belongs to a layer above host/gui");
+    row("relative", "resitem/a.h", "#include \"../pooling/dialog.h\"",
+        "resitem/a.h:1: ../pooling/dialog.h: names no folder of the plan; write it from the "
+        "repository root");
+    row("unknown folder", "helpers/a.h", "", "helpers/a.h: lies in no folder of the plan");
+    row("down", "resitem/page.cpp",
+        "#include <QTimer>\n#include <vector>\n#include \"resitem/page.h\"\n"
+        "#include \"host/presentation/a.h\"\n#include \"qce_export.h\"",
+        "");
+    row("SQL in the store", "workbench/store/a.cpp", "#include <QSqlQuery>", "");
+    row("not an include", "host/base/a.h", "// see #include <QString>\n#define QString", "");
   }
-  QVERIFY2(includes > 200, qPrintable(QString::number(includes)));
-  QVERIFY2(found.isEmpty(), qPrintable("\n" + found.join('\n')));
-  const QStringList rounds = circle(arrows);
-  QVERIFY2(rounds.isEmpty(), qPrintable("these folders include each other: " + rounds.join(", ")));
-}
+  void findsAPlantedOffence() {
+    QFETCH(QString, path);
+    QFETCH(QString, text);
+    QFETCH(QString, expected);
+    QCOMPARE(offences(path, text).join('\n'), expected);
+  }
 
-void TestIncludes::findsAPlantedOffence_data() {
-  QTest::addColumn<QString>("path");
-  QTest::addColumn<QString>("text");
-  QTest::addColumn<QString>("expected");  // empty when the include is right
-  const auto row = [](const char* name, const char* path, const char* text, const char* expected) {
-    QTest::newRow(name) << path << text << expected;
-  };
-  row("up", "host/base/log.h", "\n#include \"host/domain/value.h\"",
-      "host/base/log.h:2: host/domain/value.h: host/domain does not lie below host/base");
-  row("up, in angle brackets", "framework/a.h", "#include <resitem/model.h>",
-      "framework/a.h:1: resitem/model.h: resitem does not lie below framework");
-  row("into the workbench", "project/a.cpp", " # include \"workbench/shell/main_window.h\"",
-      "project/a.cpp:1: workbench/shell/main_window.h: workbench/shell does not lie below project");
-  row("sideways", "engineering/a.h", "#include \"pooling/dialog.h\"",
-      "engineering/a.h:1: pooling/dialog.h: pooling does not lie below engineering");
-  row("Qt in the contract", "host/abst/qce/a.h", "#include <QString>",
-      "host/abst/qce/a.h:1: QString: host/abst is kept free of Qt");
-  row("Qt by module", "host/app/a.h", "#include <QtCore/QString>",
-      "host/app/a.h:1: QtCore/QString: host/app is kept free of Qt");
-  row("Qt by file", "workbench/records/a.h", "#include <qglobal.h>",
-      "workbench/records/a.h:1: qglobal.h: workbench/records is kept free of Qt");
-  row("SQL in a page", "resitem/a.cpp", "#include <QSqlQuery>",
-      "resitem/a.cpp:1: QSqlQuery: resitem is kept free of SQL");
-  row("SQL in arithmetic", "workbench/costing/a.h", "#include <sqlite3.h>",
-      "workbench/costing/a.h:1: sqlite3.h: workbench/costing is kept free of SQL");
-  row("arithmetic on the contract", "workbench/costing/a.h", "#include \"host/base/log.h\"",
-      "workbench/costing/a.h:1: host/base/log.h: host/base does not lie below workbench/costing");
-  row("export header from above", "host/gui/a.h", "#include \"qce_export.h\"",
-      "host/gui/a.h:1: qce_export.h: belongs to a layer above host/gui");
-  row("relative", "resitem/a.h", "#include \"../pooling/dialog.h\"",
-      "resitem/a.h:1: ../pooling/dialog.h: names no folder of the plan; write it from the "
-      "repository root");
-  row("unknown folder", "helpers/a.h", "", "helpers/a.h: lies in no folder of the plan");
-  row("down", "resitem/page.cpp",
-      "#include <QTimer>\n#include <vector>\n#include \"resitem/page.h\"\n"
-      "#include \"host/presentation/a.h\"\n#include \"qce_export.h\"",
-      "");
-  row("SQL in the store", "workbench/store/a.cpp", "#include <QSqlQuery>", "");
-  row("not an include", "host/base/a.h", "// see #include <QString>\n#define QString", "");
-}
-
-void TestIncludes::findsAPlantedOffence() {
-  QFETCH(QString, path);
-  QFETCH(QString, text);
-  QFETCH(QString, expected);
-  QCOMPARE(offences(path, text).join('\n'), expected);
-}
-
-void TestIncludes::findsAPlantedCircle() {
-  Arrows arrows;
-  addArrows(arrows, "workbench/cli/a.h", "#include \"workbench/shell/b.h\"");
-  addArrows(arrows, "workbench/shell/b.h", "#include \"workbench/operators/c.h\"");
-  addArrows(arrows, "workbench/operators/c.h", "#include \"workbench/store/d.h\"");
-  addArrows(arrows, "workbench/store/d.h", "#include \"workbench/costing/e.h\"");
-  QCOMPARE(circle(arrows), QStringList());
-  addArrows(arrows, "workbench/store/d.h", "#include \"workbench/shell/b.h\"");
-  QCOMPARE(circle(arrows),
-           (QStringList{"workbench/operators", "workbench/shell", "workbench/store"}));
-}
+  void findsAPlantedCircle() {
+    Arrows arrows;
+    addArrows(arrows, "workbench/cli/a.h", "#include \"workbench/shell/b.h\"");
+    addArrows(arrows, "workbench/shell/b.h", "#include \"workbench/operators/c.h\"");
+    addArrows(arrows, "workbench/operators/c.h", "#include \"workbench/store/d.h\"");
+    addArrows(arrows, "workbench/store/d.h", "#include \"workbench/costing/e.h\"");
+    QCOMPARE(circle(arrows), QStringList());
+    addArrows(arrows, "workbench/store/d.h", "#include \"workbench/shell/b.h\"");
+    QCOMPARE(circle(arrows),
+             (QStringList{"workbench/operators", "workbench/shell", "workbench/store"}));
+  }
+};
 
 QTEST_APPLESS_MAIN(TestIncludes)
 #include "tst_includes.moc"

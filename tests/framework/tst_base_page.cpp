@@ -13,6 +13,7 @@
 #include "resitem/model.h"
 #include "tests/support/fake_res_item_operator.h"
 #include "tests/support/recording_services.h"
+#include "tests/support/rows.h"
 #include "tests/support/test_main.h"
 #include "tests/support/tester_proxy.h"
 
@@ -151,10 +152,9 @@ class TestBasePage : public QObject {
   }
 
   void freezesUpToTheLeadingKeyColumn_data() {
-    QTest::addColumn<QString>("first");
-    QTest::addColumn<int>("count");
-    QTest::newRow("first key") << "QCE_BRIName" << 2;
-    QTest::newRow("second key") << "unknown" << 1;
+    const tests::Rows<QString, int> row{"first", "count"};
+    row("first key", "QCE_BRIName", 2);
+    row("second key", "unknown", 1);
   }
   void freezesUpToTheLeadingKeyColumn() {
     QFETCH(QString, first);

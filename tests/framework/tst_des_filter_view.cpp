@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include "framework/des_filter_view.h"
+#include "tests/support/rows.h"
 #include "tests/support/test_main.h"
 
 using gui::qce::destructors::DesFilterView;
@@ -41,177 +42,159 @@ class TestDesFilterView : public QObject {
   Q_OBJECT
 
  private slots:
-  void labelsItsBoxesByViewType_data();
-  void labelsItsBoxesByViewType();
-  void emptiesTheBoxesOnReset();
-  void startsOnReturnFromAnywhere_data();
-  void startsOnReturnFromAnywhere();
-  void startsOnceInsideADialogWithADefaultButton();
-  void letsNoSpaceThrough();
-  void typesASpaceIntoABoxAndTogglesAFocusedCheckBox();
-  void passesOtherKeysOn();
-  void tabsThroughBoxesAndButtonsFromTopToBottom();
-  void cutsNoText();
+  void labelsItsBoxesByViewType_data() {
+    const tests::Rows<int, QString, QString, bool> row{"type", "fourthLabel", "absentLabel",
+                                                       "checkBoxes"};
+    row("sub-engineering", 0, "项目特征:", "规格型号:", true);
+    row("resource items", 1, "规格型号:", "项目特征:", false);
+  }
+  void labelsItsBoxesByViewType() {
+    QFETCH(int, type);
+    QFETCH(QString, fourthLabel);
+    QFETCH(QString, absentLabel);
+    QFETCH(bool, checkBoxes);
+    DesFilterView panel(static_cast<DesFilterView::ViewType>(type), nullptr);
+    panel.show();
+    const QStringList labels{"成本科目:", "编  码:", "名  称:", fourthLabel, "单  位:"};
+    const QStringList typed{"C30 混凝土", "0101%", "\"a\" ", "规格✓", " m³"};
+    for (int i = 0; i < labels.size(); ++i) {
+      QVERIFY2(box(panel, labels[i]), qPrintable(labels[i]));
+      box(panel, labels[i])->insert(typed[i]);
+    }
+    std::vector<std::string> expected;
+    for (const QString& text : typed) expected.push_back(text.toStdString());
+    QVERIFY(conditions(panel) == expected);
+    QVERIFY(!box(panel, absentLabel));
+    QCOMPARE(panel.showChildrenBox()->isVisible(), checkBoxes);
+    QCOMPARE(panel.showSiblingBox()->isVisible(), checkBoxes);
+    QCOMPARE(panel.showChildrenBox()->text(), "显示下级内容");
+    QCOMPARE(panel.showSiblingBox()->text(), "显示同级内容");
+  }
+
+  void emptiesTheBoxesOnReset() {
+    DesFilterView panel(DesFilterView::SubEngineering, nullptr);
+    const auto edits = panel.findChildren<QLineEdit*>();
+    QCOMPARE(edits.size(), 5);
+    for (auto* edit : edits) edit->setText("x");
+    panel.showChildrenBox()->setChecked(true);
+    QSignalSpy started(panel.startButton(), &QPushButton::clicked);
+    QTest::mouseClick(panel.resetButton(), Qt::LeftButton);
+    QVERIFY(conditions(panel) == std::vector<std::string>(5));
+    QVERIFY(panel.showChildrenBox()->isChecked());
+    QCOMPARE(started.count(), 0);
+  }
+
+  void startsOnReturnFromAnywhere_data() {
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<int>("key");
+    for (const auto* target : {"panel", "box", "start", "cancel", "check box"}) {
+      QTest::addRow("return on the %s", target) << target << int(Qt::Key_Return);
+      QTest::addRow("enter on the %s", target) << target << int(Qt::Key_Enter);
+    }
+  }
+  void startsOnReturnFromAnywhere() {
+    QFETCH(QString, target);
+    QFETCH(int, key);
+    Page page;
+    auto* panel = new DesFilterView(DesFilterView::SubEngineering, &page);
+    const QHash<QString, QWidget*> targets{{"panel", panel},
+                                           {"box", box(*panel, "单  位:")},
+                                           {"start", panel->startButton()},
+                                           {"cancel", panel->cancelButton()},
+                                           {"check box", panel->showChildrenBox()}};
+    QSignalSpy started(panel->startButton(), &QPushButton::clicked);
+    QSignalSpy cancelled(panel->cancelButton(), &QPushButton::clicked);
+    QTest::keyClick(targets[target], static_cast<Qt::Key>(key));
+    QCOMPARE(started.count(), 1);
+    QCOMPARE(started[0][0].toBool(), false);
+    QCOMPARE(cancelled.count(), 0);
+    QVERIFY(!panel->showChildrenBox()->isChecked());
+    QVERIFY(page.keys.isEmpty());
+  }
+
+  void startsOnceInsideADialogWithADefaultButton() {
+    QDialog dialog;
+    QPushButton other("确定", &dialog);
+    other.setDefault(true);
+    QSignalSpy confirmed(&other, &QPushButton::clicked);
+    bwidgets::Widget holder(&dialog);
+    DesFilterView panel(DesFilterView::SubEngineering, &holder);
+    QSignalSpy started(panel.startButton(), &QPushButton::clicked);
+    dialog.show();
+    for (QWidget* target : std::initializer_list<QWidget*>{
+             box(panel, "编  码:"), panel.cancelButton(), panel.showSiblingBox()}) {
+      target->setFocus();
+      QTest::keyClick(target, Qt::Key_Return);
+    }
+    QCOMPARE(started.count(), 3);
+    QCOMPARE(confirmed.count(), 0);
+  }
+
+  void letsNoSpaceThrough() {
+    Page page;
+    auto* panel = new DesFilterView(DesFilterView::SubEngineering, &page);
+    QSignalSpy started(panel->startButton(), &QPushButton::clicked);
+    QTest::keyClick(panel, Qt::Key_Space);
+    QVERIFY(page.keys.isEmpty());
+    QCOMPARE(started.count(), 0);
+    QVERIFY(conditions(*panel) == std::vector<std::string>(5));
+  }
+
+  void typesASpaceIntoABoxAndTogglesAFocusedCheckBox() {
+    Page page;
+    auto* panel = new DesFilterView(DesFilterView::SubEngineering, &page);
+    QTest::keyClicks(box(*panel, "名  称:"), "C30 P6");
+    QCOMPARE(panel->getName(), std::string("C30 P6"));
+    QSignalSpy siblings(panel->showSiblingBox(), &QCheckBox::stateChanged);
+    QTest::keyClick(panel->showSiblingBox(), Qt::Key_Space);
+    QTest::keyClick(panel->showSiblingBox(), Qt::Key_Space);
+    QCOMPARE(siblings.count(), 2);
+    QCOMPARE(siblings[0][0].toInt(), 2);
+    QCOMPARE(siblings[1][0].toInt(), 0);
+    QVERIFY(page.keys.isEmpty());
+  }
+
+  void passesOtherKeysOn() {
+    Page page;
+    auto* panel = new DesFilterView(DesFilterView::SubEngineering, &page);
+    QTest::keyClick(panel, Qt::Key_Escape);
+    QTest::keyClick(box(*panel, "编  码:"), Qt::Key_F3);
+    QCOMPARE(page.keys, (QList<int>{Qt::Key_Escape, Qt::Key_F3}));
+  }
+
+  void tabsThroughBoxesAndButtonsFromTopToBottom() {
+    DesFilterView panel(DesFilterView::SubEngineering, nullptr);
+    panel.show();
+    QVERIFY(QTest::qWaitForWindowActive(&panel));
+    panel.setFocus();
+    QList<QWidget*> order;
+    for (int i = 0; i < 10; ++i) {
+      order << panel.focusWidget();
+      QTest::keyClick(panel.focusWidget(), Qt::Key_Tab);
+    }
+    const QList<QWidget*> expected{box(panel, "成本科目:"), box(panel, "编  码:"),
+                                   box(panel, "名  称:"),   box(panel, "项目特征:"),
+                                   box(panel, "单  位:"),   panel.showChildrenBox(),
+                                   panel.showSiblingBox(),  panel.startButton(),
+                                   panel.cancelButton(),    panel.resetButton()};
+    QCOMPARE(order, expected);
+  }
+
+  void cutsNoText() {
+    DesFilterView panel(DesFilterView::SubEngineering, nullptr);
+    panel.resize(panel.minimumSizeHint());
+    panel.show();
+    for (auto* label : panel.findChildren<QLabel*>()) {
+      QVERIFY2(label->width() >= label->sizeHint().width(), qPrintable(label->text()));
+    }
+    for (auto* button : panel.findChildren<QAbstractButton*>()) {
+      if (button->text().isEmpty()) continue;  // a box's own clear button
+      QVERIFY2(button->width() >= button->sizeHint().width(), qPrintable(button->text()));
+    }
+    QString picture = qEnvironmentVariable("QCE_PICTURE_DIR");
+    if (!picture.isEmpty()) QVERIFY(panel.grab().save(picture + "/filter_panel.png"));
+  }
 };
-
-void TestDesFilterView::labelsItsBoxesByViewType_data() {
-  QTest::addColumn<int>("type");
-  QTest::addColumn<QString>("fourthLabel");
-  QTest::addColumn<QString>("absentLabel");
-  QTest::addColumn<bool>("checkBoxes");
-  QTest::newRow("sub-engineering") << 0 << "项目特征:"
-                                   << "规格型号:" << true;
-  QTest::newRow("resource items") << 1 << "规格型号:"
-                                  << "项目特征:" << false;
-}
-
-void TestDesFilterView::labelsItsBoxesByViewType() {
-  QFETCH(int, type);
-  QFETCH(QString, fourthLabel);
-  QFETCH(QString, absentLabel);
-  QFETCH(bool, checkBoxes);
-  DesFilterView panel(static_cast<DesFilterView::ViewType>(type), nullptr);
-  panel.show();
-  const QStringList labels{"成本科目:", "编  码:", "名  称:", fourthLabel, "单  位:"};
-  const QStringList typed{"C30 混凝土", "0101%", "\"a\" ", "规格✓", " m³"};
-  for (int i = 0; i < labels.size(); ++i) {
-    QVERIFY2(box(panel, labels[i]), qPrintable(labels[i]));
-    box(panel, labels[i])->insert(typed[i]);
-  }
-  std::vector<std::string> expected;
-  for (const QString& text : typed) expected.push_back(text.toStdString());
-  QVERIFY(conditions(panel) == expected);
-  QVERIFY(!box(panel, absentLabel));
-  QCOMPARE(panel.showChildrenBox()->isVisible(), checkBoxes);
-  QCOMPARE(panel.showSiblingBox()->isVisible(), checkBoxes);
-  QCOMPARE(panel.showChildrenBox()->text(), "显示下级内容");
-  QCOMPARE(panel.showSiblingBox()->text(), "显示同级内容");
-}
-
-void TestDesFilterView::emptiesTheBoxesOnReset() {
-  DesFilterView panel(DesFilterView::SubEngineering, nullptr);
-  const auto edits = panel.findChildren<QLineEdit*>();
-  QCOMPARE(edits.size(), 5);
-  for (auto* edit : edits) edit->setText("x");
-  panel.showChildrenBox()->setChecked(true);
-  QSignalSpy started(panel.startButton(), &QPushButton::clicked);
-  QTest::mouseClick(panel.resetButton(), Qt::LeftButton);
-  QVERIFY(conditions(panel) == std::vector<std::string>(5));
-  QVERIFY(panel.showChildrenBox()->isChecked());
-  QCOMPARE(started.count(), 0);
-}
-
-void TestDesFilterView::startsOnReturnFromAnywhere_data() {
-  QTest::addColumn<QString>("target");
-  QTest::addColumn<int>("key");
-  for (const auto* target : {"panel", "box", "start", "cancel", "check box"}) {
-    QTest::addRow("return on the %s", target) << target << int(Qt::Key_Return);
-    QTest::addRow("enter on the %s", target) << target << int(Qt::Key_Enter);
-  }
-}
-
-void TestDesFilterView::startsOnReturnFromAnywhere() {
-  QFETCH(QString, target);
-  QFETCH(int, key);
-  Page page;
-  auto* panel = new DesFilterView(DesFilterView::SubEngineering, &page);
-  const QHash<QString, QWidget*> targets{{"panel", panel},
-                                         {"box", box(*panel, "单  位:")},
-                                         {"start", panel->startButton()},
-                                         {"cancel", panel->cancelButton()},
-                                         {"check box", panel->showChildrenBox()}};
-  QSignalSpy started(panel->startButton(), &QPushButton::clicked);
-  QSignalSpy cancelled(panel->cancelButton(), &QPushButton::clicked);
-  QTest::keyClick(targets[target], static_cast<Qt::Key>(key));
-  QCOMPARE(started.count(), 1);
-  QCOMPARE(started[0][0].toBool(), false);
-  QCOMPARE(cancelled.count(), 0);
-  QVERIFY(!panel->showChildrenBox()->isChecked());
-  QVERIFY(page.keys.isEmpty());
-}
-
-void TestDesFilterView::startsOnceInsideADialogWithADefaultButton() {
-  QDialog dialog;
-  QPushButton other("确定", &dialog);
-  other.setDefault(true);
-  QSignalSpy confirmed(&other, &QPushButton::clicked);
-  bwidgets::Widget holder(&dialog);
-  DesFilterView panel(DesFilterView::SubEngineering, &holder);
-  QSignalSpy started(panel.startButton(), &QPushButton::clicked);
-  dialog.show();
-  for (QWidget* target : std::initializer_list<QWidget*>{
-           box(panel, "编  码:"), panel.cancelButton(), panel.showSiblingBox()}) {
-    target->setFocus();
-    QTest::keyClick(target, Qt::Key_Return);
-  }
-  QCOMPARE(started.count(), 3);
-  QCOMPARE(confirmed.count(), 0);
-}
-
-void TestDesFilterView::letsNoSpaceThrough() {
-  Page page;
-  auto* panel = new DesFilterView(DesFilterView::SubEngineering, &page);
-  QSignalSpy started(panel->startButton(), &QPushButton::clicked);
-  QTest::keyClick(panel, Qt::Key_Space);
-  QVERIFY(page.keys.isEmpty());
-  QCOMPARE(started.count(), 0);
-  QVERIFY(conditions(*panel) == std::vector<std::string>(5));
-}
-
-void TestDesFilterView::typesASpaceIntoABoxAndTogglesAFocusedCheckBox() {
-  Page page;
-  auto* panel = new DesFilterView(DesFilterView::SubEngineering, &page);
-  QTest::keyClicks(box(*panel, "名  称:"), "C30 P6");
-  QCOMPARE(panel->getName(), std::string("C30 P6"));
-  QSignalSpy siblings(panel->showSiblingBox(), &QCheckBox::stateChanged);
-  QTest::keyClick(panel->showSiblingBox(), Qt::Key_Space);
-  QTest::keyClick(panel->showSiblingBox(), Qt::Key_Space);
-  QCOMPARE(siblings.count(), 2);
-  QCOMPARE(siblings[0][0].toInt(), 2);
-  QCOMPARE(siblings[1][0].toInt(), 0);
-  QVERIFY(page.keys.isEmpty());
-}
-
-void TestDesFilterView::passesOtherKeysOn() {
-  Page page;
-  auto* panel = new DesFilterView(DesFilterView::SubEngineering, &page);
-  QTest::keyClick(panel, Qt::Key_Escape);
-  QTest::keyClick(box(*panel, "编  码:"), Qt::Key_F3);
-  QCOMPARE(page.keys, (QList<int>{Qt::Key_Escape, Qt::Key_F3}));
-}
-
-void TestDesFilterView::tabsThroughBoxesAndButtonsFromTopToBottom() {
-  DesFilterView panel(DesFilterView::SubEngineering, nullptr);
-  panel.show();
-  QVERIFY(QTest::qWaitForWindowActive(&panel));
-  panel.setFocus();
-  QList<QWidget*> order;
-  for (int i = 0; i < 10; ++i) {
-    order << panel.focusWidget();
-    QTest::keyClick(panel.focusWidget(), Qt::Key_Tab);
-  }
-  const QList<QWidget*> expected{box(panel, "成本科目:"), box(panel, "编  码:"),
-                                 box(panel, "名  称:"),   box(panel, "项目特征:"),
-                                 box(panel, "单  位:"),   panel.showChildrenBox(),
-                                 panel.showSiblingBox(),  panel.startButton(),
-                                 panel.cancelButton(),    panel.resetButton()};
-  QCOMPARE(order, expected);
-}
-
-void TestDesFilterView::cutsNoText() {
-  DesFilterView panel(DesFilterView::SubEngineering, nullptr);
-  panel.resize(panel.minimumSizeHint());
-  panel.show();
-  for (auto* label : panel.findChildren<QLabel*>()) {
-    QVERIFY2(label->width() >= label->sizeHint().width(), qPrintable(label->text()));
-  }
-  for (auto* button : panel.findChildren<QAbstractButton*>()) {
-    if (button->text().isEmpty()) continue;  // a box's own clear button
-    QVERIFY2(button->width() >= button->sizeHint().width(), qPrintable(button->text()));
-  }
-  QString picture = qEnvironmentVariable("QCE_PICTURE_DIR");
-  if (!picture.isEmpty()) QVERIFY(panel.grab().save(picture + "/filter_panel.png"));
-}
 
 QCE_WIDGET_TEST_MAIN(TestDesFilterView)
 #include "tst_des_filter_view.moc"

@@ -4,6 +4,7 @@
 #include <random>
 
 #include "framework/filter_view_model.h"
+#include "tests/support/rows.h"
 #include "tests/support/test_elements.h"
 #include "tests/support/tester_proxy.h"
 
@@ -111,14 +112,13 @@ class TestFilterViewModel : public QObject {
   }
 
   void sortsByTypeAsShown_data() {
-    QTest::addColumn<int>("column");
-    QTest::addColumn<QString>("ascending");
-    QTest::newRow("pinyin") << 0 << "钢筋 混凝土 水泥 砖";
-    QTest::newRow("number") << 1 << "混凝土 钢筋 砖 水泥";
+    const tests::Rows<int, QString> row{"column", "ascending"};
+    row("pinyin", 0, "钢筋 混凝土 水泥 砖");
+    row("number", 1, "混凝土 钢筋 砖 水泥");
     // 1,200.00 and 1,000.00 are no numbers to the comparison: both count as 0 and keep their order.
-    QTest::newRow("separators") << 2 << "混凝土 水泥 砖 钢筋";
-    QTest::newRow("flag") << 3 << "混凝土 砖 水泥 钢筋";
-    QTest::newRow("unknown type keeps the order") << 4 << "混凝土 水泥 砖 钢筋";
+    row("separators", 2, "混凝土 水泥 砖 钢筋");
+    row("flag", 3, "混凝土 砖 水泥 钢筋");
+    row("unknown type keeps the order", 4, "混凝土 水泥 砖 钢筋");
   }
   void sortsByTypeAsShown() {
     QFETCH(int, column);

@@ -4,6 +4,7 @@
 #include <QTest>
 
 #include "framework/view_model.h"
+#include "tests/support/rows.h"
 #include "tests/support/test_elements.h"
 #include "tests/support/tester_proxy.h"
 
@@ -141,29 +142,27 @@ class TestViewModel : public QObject {
   }
 
   void formatsNumbers_data() {
-    QTest::addColumn<int>("precision");  // -1 absent
-    QTest::addColumn<int>("strip");      // -1 absent
-    QTest::addColumn<bool>("thousands");
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("no precision, strip unset") << -1 << -1 << false << 1.5 << "1.500000";
-    QTest::newRow("no precision, strip true") << -1 << 1 << false << 1.50 << "1.5";
-    QTest::newRow("no precision, strip false strips too") << -1 << 0 << false << 2.0 << "2";
-    QTest::newRow("precision") << 2 << -1 << false << 1.005 << "1.01";
-    QTest::newRow("precision, strip false keeps") << 2 << 0 << false << 1.5 << "1.50";
-    QTest::newRow("precision, strip true") << 3 << 1 << false << 1.5 << "1.5";
-    QTest::newRow("thousands") << 2 << -1 << true << 1234567.891 << "1,234,567.89";
-    QTest::newRow("thousands, strip false does not strip")
-        << 2 << 0 << true << 1000.5 << "1,000.50";
-    QTest::newRow("thousands, strip") << 2 << 1 << true << 1000.5 << "1,000.5";
-    QTest::newRow("thousands of the rounded text") << 0 << -1 << true << 999.5 << "1,000";
+    // precision: -1 absent
+    // strip: -1 absent
+    const tests::Rows<int, int, bool, double, QString> row{"precision", "strip", "thousands",
+                                                           "value", "text"};
+    row("no precision, strip unset", -1, -1, false, 1.5, "1.500000");
+    row("no precision, strip true", -1, 1, false, 1.50, "1.5");
+    row("no precision, strip false strips too", -1, 0, false, 2.0, "2");
+    row("precision", 2, -1, false, 1.005, "1.01");
+    row("precision, strip false keeps", 2, 0, false, 1.5, "1.50");
+    row("precision, strip true", 3, 1, false, 1.5, "1.5");
+    row("thousands", 2, -1, true, 1234567.891, "1,234,567.89");
+    row("thousands, strip false does not strip", 2, 0, true, 1000.5, "1,000.50");
+    row("thousands, strip", 2, 1, true, 1000.5, "1,000.5");
+    row("thousands of the rounded text", 0, -1, true, 999.5, "1,000");
     // Six decimals first, then grouped without a precision of its own.
-    QTest::newRow("thousands, no precision") << -1 << -1 << true << 1234.12345678 << "1,234.123457";
-    QTest::newRow("thousands, half up") << 2 << -1 << true << 1000000.005 << "1,000,000.01";
-    QTest::newRow("more digits than a double tells apart")
-        << 2 << -1 << true << 123456789012345.67 << "123,456,789,012,345.67";
-    QTest::newRow("negative") << 1 << -1 << true << -1234.56 << "-1,234.6";
-    QTest::newRow("no negative zero") << 2 << -1 << false << -0.001 << "0.00";
+    row("thousands, no precision", -1, -1, true, 1234.12345678, "1,234.123457");
+    row("thousands, half up", 2, -1, true, 1000000.005, "1,000,000.01");
+    row("more digits than a double tells apart", 2, -1, true, 123456789012345.67,
+        "123,456,789,012,345.67");
+    row("negative", 1, -1, true, -1234.56, "-1,234.6");
+    row("no negative zero", 2, -1, false, -0.001, "0.00");
   }
   void formatsNumbers() {
     QFETCH(int, precision);

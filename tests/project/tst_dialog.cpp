@@ -17,6 +17,7 @@
 #include "host/app/services.h"
 #include "project/checks.h"
 #include "project/dialog.h"
+#include "tests/support/rows.h"
 #include "tests/support/test_main.h"
 
 using gui::qce::ProjectNameProblem;
@@ -117,30 +118,414 @@ class TestDialog : public QObject {
   Q_OBJECT
 
  private slots:
-  void init();
-  void cleanup();
+  void init() {
+    journal.clear();
+    folder_ = std::make_unique<QTemporaryDir>();
+    QVERIFY(folder_->isValid());
+    paths_.documents = folder_->path().toStdString();
+    paths_.templates = folder_->filePath("data").toStdString();
+    app::Services services;
+    services.channel = &hostChannel_;
+    services.qceChannel = &channel_;
+    services.pathMgr = &paths_;
+    before_ = app::InstallServices(services);
+  }
 
-  void showsItsTextsUncut();
-  void preparesOnShowAndExec();
-  void takesAChosenFileAndProposesAName_data();
-  void takesAChosenFileAndProposesAName();
-  void changesNothingWhenChoosingIsCancelled();
-  void asksQtForAFileByDefault();
-  void tellsTheTypeOfAFile_data();
-  void tellsTheTypeOfAFile();
-  void tellsTheCheckedCostType();
-  void offersReportTemplates();
-  void judgesNames_data();
-  void judgesNames();
-  void refusesUnusableSources_data();
-  void refusesUnusableSources();
-  void refusesAnUnreadableSource();
-  void asksTheControllerBeforeItCreates();
-  void mendsOneFaultAfterTheOther();
-  void staysOpenWhenTheHostCannotCreate();
-  void acceptsWithoutAController();
-  void rejectsOnCancelAndEscape();
-  void isDraggedByItsHead();
+  void cleanup() { app::InstallServices(before_); }
+
+  void showsItsTextsUncut() {
+    file("data/汇报表/汇报表模板/成本测算汇报表.hbbmb");
+    Dialog dialog;
+    dialog.setProjectTemplates({{"房屋建筑与装饰工程", "building"}});
+    dialog.show();
+    QCOMPARE(dialog.size(), QSize(530, 420));
+    QCOMPARE(dialog.minimumSize(), dialog.maximumSize());
+    QCOMPARE(dialog.windowTitle(), "新建成本测算");
+    QVERIFY(!dialog.windowIcon().pixmap(16, 16).isNull());
+    QCOMPARE(dialog.edit("path")->placeholderText(), "选择招投标文件或造价标准数据文件");
+    QStringList labels;
+    for (auto* label : dialog.findChildren<QLabel*>()) {
+      labels << label->text();
+      QVERIFY2(label->width() >= label->sizeHint().width(), qPrintable(label->text()));
+      QVERIFY2(label->height() >= label->sizeHint().height(), qPrintable(label->text()));
+    }
+    for (const auto* text : {"选择文件", "工程名称", "工程模板", "成本类型", "汇报表模板",
+                             "软件支持两种成本测算方式：", "方式1：直接新建工程",
+                             "方式2：选择各地造价标准文件、电子标文件新建"}) {
+      QVERIFY2(labels.contains(text), text);
+    }
+    for (const auto* text : {"浏览", "新建", "取消", "投标成本测算", "目标成本测算"}) {
+      const auto* button = dialog.button(text);
+      QVERIFY2(button, text);
+      QVERIFY2(button->width() >= button->sizeHint().width(), text);
+      QVERIFY2(dialog.rect().contains(QRect(button->mapTo(&dialog, {}), button->size())), text);
+    }
+    int borderless = 0;
+    for (auto* widget : dialog.findChildren<QWidget*>()) {
+      borderless += widget->styleSheet() == "border: none;";
+    }
+    QCOMPARE(borderless, 1);
+    const QString pictures = qEnvironmentVariable("QCE_PICTURE_DIR");
+    if (!pictures.isEmpty()) QVERIFY(dialog.grab().save(pictures + "/new_project.png"));
+  }
+
+  void preparesOnShowAndExec() {
+    Dialog dialog;
+    dialog.setProjectTemplates({{"乙", "2"}, {"甲", "1"}});
+    QCOMPARE(dialog.combo("projectTemplate")->count(), 0);
+    const auto spoil = [&] {
+      dialog.edit("path")->setText("/x.CZB");
+      dialog.edit("name")->setText("旧工程");
+      dialog.edit("costPlan")->setText("别的");
+      dialog.combo("projectTemplate")->addItem("丙");
+      dialog.combo("projectTemplate")->setCurrentIndex(1);
+    };
+    const auto verify = [&] {
+      QCOMPARE(dialog.edit("path")->text(), "/x.CZB");
+      QCOMPARE(dialog.edit("name")->text(), "");
+      QCOMPARE(dialog.edit("costPlan")->text(), "成本计划工程");
+      QCOMPARE(items(dialog.combo("projectTemplate")), (QStringList{"乙", "甲"}));
+      QCOMPARE(dialog.combo("projectTemplate")->itemData(1).toString(), "1");
+      QCOMPARE(dialog.getProjectTemplate(), std::string("2"));
+      QVERIFY(dialog.isVisible());
+      dialog.close();
+    };
+    spoil();
+    dialog.show();
+    verify();
+    spoil();
+    QTimer::singleShot(0, &dialog, verify);
+    QCOMPARE(dialog.exec(), int(QDialog::Rejected));
+    spoil();
+    dialog.open();
+    verify();
+
+    dialog.setProjectTemplates({});
+    dialog.show();
+    QVERIFY(!dialog.combo("projectTemplate")->isEnabled());
+    QCOMPARE(dialog.getProjectTemplate(), std::string());
+  }
+
+  void takesAChosenFileAndProposesAName_data() {
+    const tests::Rows<QString, QString> row{"path", "name"};
+    row("plain", "/d/办公楼.TBQD", "办公楼");
+    row("two dots", "D:/a/项目.v2.ZBQD", "项目");
+    row("dot in a folder", "/v1.2/桥", "桥");
+    row("nothing before the dot", "/d/.CZB", "");
+  }
+  void takesAChosenFileAndProposesAName() {
+    QFETCH(QString, path);
+    QFETCH(QString, name);
+    Dialog dialog;
+    dialog.show();
+    dialog.edit("name")->setText("旧");
+    dialog.chosen = path;
+    dialog.click("浏览");
+    QCOMPARE(journal, (QStringList{"打开", folder_->path(), Filter}));
+    QCOMPARE(dialog.edit("path")->text(), path);
+    QCOMPARE(dialog.edit("path")->toolTip(), path);
+    QCOMPARE(dialog.edit("path")->cursorPosition(), 0);
+    QCOMPARE(dialog.edit("name")->text(), name);
+  }
+
+  void changesNothingWhenChoosingIsCancelled() {
+    Dialog dialog;
+    dialog.show();
+    dialog.chosen = "/d/a.CTB";
+    dialog.click("浏览");
+    dialog.edit("name")->setText("我的工程");
+    dialog.chosen.clear();
+    dialog.click("浏览");
+    QCOMPARE(dialog.edit("path")->text(), "/d/a.CTB");
+    QCOMPARE(dialog.edit("path")->toolTip(), "/d/a.CTB");
+    QCOMPARE(dialog.edit("name")->text(), "我的工程");
+  }
+
+  void asksQtForAFileByDefault() {
+    const QString source = file("住宅.zbqd");
+    file("住宅.xls");
+    QCENewProjectViewImpl dialog;
+    dialog.show();
+    QStringList filters, offered;
+    QString title, directory;
+    QTimer::singleShot(0, &dialog, [&] {
+      auto* chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+      if (chooser == nullptr) return;
+      title = chooser->windowTitle();
+      directory = chooser->directory().path();
+      filters = chooser->nameFilters();
+      chooser->findChild<QLineEdit*>("fileNameEdit")->setText("住宅.zbqd");
+      QTest::keyClick(chooser->findChild<QLineEdit*>("fileNameEdit"), Qt::Key_Return);
+    });
+    for (auto* button : dialog.findChildren<QAbstractButton*>()) {
+      if (button->text() == "浏览") QTest::mouseClick(button, Qt::LeftButton);
+    }
+    QCOMPARE(title, "打开");
+    QCOMPARE(directory, folder_->path());
+    QStringList expected = QString(Filter).split(";;");
+    expected[0] = expected[0].trimmed();  // Qt shows a filter without outer blanks
+    QCOMPARE(filters, expected);
+    std::string path, name;
+    dialog.readFilePath(path, name);
+    QCOMPARE(QString::fromStdString(path), source);
+    QCOMPARE(QString::fromStdString(name), "住宅");
+  }
+
+  void tellsTheTypeOfAFile_data() {
+    const tests::Rows<QString, QString> row{"path", "type"};
+    row("empty", "", "");
+    row("capitals", "/d/a.ZBQD", "ZBQD");
+    row("as typed", "/d/a.TbQd", "TbQd");
+    row("last of many", "/d/a.v2.ZGXJQD", "ZGXJQD");
+    row("no dot", "/d/招标", "/d/招标");
+    row("dot in a folder", "/d.1/招标", "1/招标");
+    row("dot at the end", "/d/a.", "");
+  }
+  void tellsTheTypeOfAFile() {
+    QFETCH(QString, path);
+    QFETCH(QString, type);
+    Dialog dialog;
+    dialog.show();
+    dialog.edit("path")->insert(path);
+    QCOMPARE(dialog.typeOfFile(), type);
+  }
+
+  void tellsTheCheckedCostType() {
+    Dialog dialog;
+    dialog.show();
+    QCOMPARE(QString::fromStdString(dialog.getType()), "投标成本测算");
+    dialog.click("目标成本测算");
+    QCOMPARE(QString::fromStdString(dialog.getType()), "目标成本测算");
+    dialog.findChild<QButtonGroup*>()->setExclusive(false);
+    dialog.click("目标成本测算");
+    QCOMPARE(dialog.getType(), std::string());
+    dialog.edit("name")->setText("a");
+    dialog.click("新建");
+    QCOMPARE(journal.size(), 1);
+    QVERIFY(journal[0].contains("成本类型"));
+    QVERIFY(dialog.isVisible());
+  }
+
+  void offersReportTemplates() {
+    Dialog dialog;  // no template directory yet
+    QCOMPARE(dialog.combo("reportTemplate")->count(), 0);
+    QVERIFY(!dialog.combo("reportTemplate")->isEnabled());
+    QCOMPARE(dialog.getReportTemplatePath(), std::string());
+
+    const QString folder = "data/汇报表/汇报表模板/";
+    const QString second = file(folder + "b.HBBMB");
+    const QString first = file(folder + "a.hbbmb");
+    for (const auto* name : {"c.txt", "hbbmb", "d.hbbmb.bak", "e.hbbmbx"}) file(folder + name);
+    dialog.setReportTemplate();
+    dialog.setReportTemplate();
+    auto* box = dialog.combo("reportTemplate");
+    QCOMPARE(items(box), (QStringList{"a.hbbmb", "b.HBBMB"}));
+    QCOMPARE(QString::fromStdString(dialog.getReportTemplatePath()), first);
+    dialog.show();
+    QTest::keyClick(box, Qt::Key_Down);
+    QCOMPARE(QString::fromStdString(dialog.getReportTemplatePath()), second);
+
+    QFile::remove(first);
+    dialog.setReportTemplate();
+    QCOMPARE(items(box), QStringList{"b.HBBMB"});
+    QVERIFY(QDir(folder_->filePath("data")).removeRecursively());
+    dialog.setReportTemplate();
+    QCOMPARE(box->count(), 0);
+    QCOMPARE(dialog.getReportTemplatePath(), std::string());
+  }
+
+  void judgesNames_data() {
+    // fault: what the message must name; empty for a good name
+    const tests::Rows<QString, QString> row{"name", "fault"};
+    row("empty", "", "为空");
+    row("blanks", "  \t", "为空");
+    row("wide blank", QString(QChar(0x3000)), "为空");
+    row("blank in front", " a", "空格");
+    row("blank behind", "a ", "空格");
+    row("folder", "../a", "字符：/");
+    row("each once", "a:b?c:d\\", "字符：: ? \\");
+    row("tab inside", "a\tb", "第 2 个字");
+    row("right-to-left override", QString("ab") + QChar(0x202e), "第 3 个字");
+    row("hidden file", ".a", "“.”");
+    row("dot behind", "a.", "“.”");
+    row("device", "nul.x", "“nul.x”");
+    row("one too long", QString(81, QChar(0x697c)), "81");
+    row("just long enough", QString(80, QChar(0x697c)), "");
+    row("dot and blank inside", "3# 楼 v2.1（改）", "");
+    row("no device", "console", "");
+  }
+  void judgesNames() {
+    QFETCH(QString, name);
+    QFETCH(QString, fault);
+    const QString problem = ProjectNameProblem(name);
+    if (fault.isEmpty()) {
+      QCOMPARE(problem, "");
+      QFile made(folder_->filePath(name + ".qcp-journal"));
+      QVERIFY2(made.open(QIODevice::WriteOnly), "an accepted name must make a file name");
+    } else {
+      QVERIFY2(problem.contains(fault), qPrintable(problem));
+    }
+  }
+
+  void refusesUnusableSources_data() {
+    const tests::Rows<QString, QString> row{"name", "fault"};
+    row("missing", "没有.ZBQD", "找不到文件");
+    row("blank", " ", "找不到文件");
+    row("folder", "folder.CZB", "不是文件");
+    row("pipe", "pipe.CZB", "不是文件");  // opening it would wait for ever
+    row("unknown extension", "a.xls", "“xls”");
+    row("no extension", "ZBQD", "没有扩展名");
+    row("longer extension", "a.ZBQDX", "“ZBQDX”");
+  }
+  void refusesUnusableSources() {
+    QFETCH(QString, name);
+    QFETCH(QString, fault);
+    for (const auto* made : {"a.xls", "ZBQD", "a.ZBQDX"}) file(made);
+    QVERIFY(QDir(folder_->path()).mkdir("folder.CZB"));
+    QCOMPARE(mkfifo(qPrintable(folder_->filePath("pipe.CZB")), 0600), 0);
+    Controller controller;
+    Dialog dialog;
+    dialog.setController(&controller);
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowActive(&dialog));
+    dialog.edit("name")->setText("工程");
+    dialog.edit("path")->setText(name == " " ? name : folder_->filePath(name));
+    dialog.click("新建");
+    QCOMPARE(journal.size(), 1);
+    QVERIFY2(journal[0].startsWith(QString("message %1: ").arg(int(QMessageBox::Ok))) &&
+                 journal[0].contains(fault) && journal[0].contains(name),
+             qPrintable(journal[0]));
+    QVERIFY(dialog.isVisible());
+    QVERIFY(dialog.edit("path")->hasFocus());
+    QCOMPARE(dialog.edit("path")->selectedText(), dialog.edit("path")->text());
+  }
+
+  void refusesAnUnreadableSource() {
+    const QString source = file("锁.GCLQD");
+    QVERIFY(QFile::setPermissions(folder_->path(), QFile::Permissions(0x7755)));
+    QCOMPARE(chmod(qPrintable(source), 0), 0);
+    const bool root = geteuid() == 0;  // root reads everything: look with another user's eyes
+    if (root) QCOMPARE(seteuid(65534), 0);
+    const QString problem = gui::qce::SourceFileProblem(source);
+    if (root) QCOMPARE(seteuid(0), 0);
+    QVERIFY2(problem.contains("无法读取") && problem.contains(source), qPrintable(problem));
+  }
+
+  void asksTheControllerBeforeItCreates() {
+    Controller controller;
+    controller.problem = "内容是投标文件，与扩展名 ZBQD 不符。";
+    Dialog dialog;
+    dialog.setController(&controller);
+    dialog.setProjectTemplates({{"通用", "general"}, {"市政", "municipal"}});
+    dialog.show();
+    dialog.chosen = file("办公楼.v2.zbqd");
+    dialog.click("浏览");
+    journal.clear();
+    dialog.click("新建");
+    QCOMPARE(journal, (QStringList{"check 办公楼.v2.zbqd as zbqd",
+                                   QString("message %1: 内容是投标文件，与扩展名 ZBQD 不符。")
+                                       .arg(int(QMessageBox::Ok))}));
+    QVERIFY(dialog.isVisible());
+
+    journal.clear();
+    controller.problem.clear();
+    dialog.click("目标成本测算");
+    QTest::keyClick(dialog.combo("projectTemplate"), Qt::Key_Down);
+    dialog.edit("costPlan")->setText("一期计划");
+    QTest::keyClick(dialog.edit("name"), Qt::Key_Return);
+    QCOMPARE(journal,
+             (QStringList{"check 办公楼.v2.zbqd as zbqd",
+                          "create 办公楼 from 办公楼.v2.zbqd, 目标成本测算, 一期计划, municipal"}));
+    QCOMPARE(dialog.result(), 1);
+    QVERIFY(!dialog.isVisible());
+  }
+
+  void mendsOneFaultAfterTheOther() {
+    Controller controller;
+    Dialog dialog;
+    dialog.setController(&controller);
+    int result = -1;
+    QTimer::singleShot(0, &dialog, [&] {
+      dialog.edit("path")->setText("/没有.CZB");
+      dialog.click("新建");  // the path and the name are both wrong
+      QTest::keyClick(dialog.focusWidget(), Qt::Key_Delete);
+      dialog.click("新建");  // the name still is
+      QTest::keyClicks(dialog.focusWidget(), "a/b");
+      dialog.click("新建");
+      QTest::keyClicks(dialog.focusWidget(), "ab");  // replaces the selected name
+      QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+    });
+    result = dialog.exec();
+    QCOMPARE(result, 1);
+    QCOMPARE(journal.size(), 4);
+    QVERIFY(journal[0].contains("找不到文件"));
+    QVERIFY(journal[1].contains("为空"));
+    QVERIFY(journal[2].contains("字符：/"));
+    QCOMPARE(journal[3], "create ab from , 投标成本测算, 成本计划工程, ");
+  }
+
+  void staysOpenWhenTheHostCannotCreate() {
+    Controller controller;
+    controller.creates = false;
+    Dialog dialog;
+    dialog.setController(&controller);
+    dialog.show();
+    dialog.edit("name")->setText("工程");
+    dialog.click("新建");
+    QCOMPARE(journal.size(), 1);  // the host has told why; the dialog adds nothing
+    QVERIFY(dialog.isVisible());
+    QCOMPARE(dialog.edit("name")->text(), "工程");
+  }
+
+  void acceptsWithoutAController() {
+    Dialog dialog;
+    dialog.show();
+    dialog.click("新建");
+    QVERIFY(dialog.isVisible());
+    dialog.edit("name")->setText("工程");
+    dialog.click("新建");
+    QCOMPARE(dialog.result(), 1);
+  }
+
+  void rejectsOnCancelAndEscape() {
+    Controller controller;
+    Dialog dialog;
+    dialog.setController(&controller);
+    const std::vector<std::function<void()>> ways{
+        [&] { dialog.click("取消"); },
+        [&] { QTest::keyClick(dialog.edit("name"), Qt::Key_Escape); }};
+    for (const auto& leave : ways) {
+      QTimer::singleShot(0, &dialog, [&] {
+        dialog.edit("name")->setText("工程");
+        leave();
+      });
+      QCOMPARE(dialog.exec(), 0);
+    }
+    QCOMPARE(journal, QStringList());
+  }
+
+  void isDraggedByItsHead() {
+    Dialog dialog;
+    dialog.show();
+    dialog.move(100, 100);
+    const auto drag = [&](QWidget* from) {
+      QTest::mousePress(from, Qt::LeftButton, {}, {5, 5});
+      const QPoint target = from->mapToGlobal({45, 25});
+      QMouseEvent step(QEvent::MouseMove, from->mapFromGlobal(target), target, Qt::NoButton,
+                       Qt::LeftButton, Qt::NoModifier);
+      QApplication::sendEvent(from, &step);
+      QTest::mouseRelease(from, Qt::LeftButton, {}, from->mapFromGlobal(target));
+      return dialog.pos();
+    };
+    const QPoint start = dialog.pos();
+    auto* head = dialog.findChild<QWidget*>("head");
+    QCOMPARE(drag(head->findChild<QLabel*>()), start + QPoint(40, 20));
+    QCOMPARE(drag(head), start + QPoint(80, 40));
+    QCOMPARE(drag(&dialog), start + QPoint(120, 60));  // its top left corner is the head's
+    for (auto* label : dialog.findChildren<QLabel*>()) {
+      if (label->text() == "工程名称") QCOMPARE(drag(label), start + QPoint(120, 60));
+    }
+  }
 
  private:
   QString file(const QString& name) {
@@ -157,455 +542,6 @@ class TestDialog : public QObject {
   Paths paths_;
   app::Services before_;
 };
-
-void TestDialog::init() {
-  journal.clear();
-  folder_ = std::make_unique<QTemporaryDir>();
-  QVERIFY(folder_->isValid());
-  paths_.documents = folder_->path().toStdString();
-  paths_.templates = folder_->filePath("data").toStdString();
-  app::Services services;
-  services.channel = &hostChannel_;
-  services.qceChannel = &channel_;
-  services.pathMgr = &paths_;
-  before_ = app::InstallServices(services);
-}
-
-void TestDialog::cleanup() {
-  app::InstallServices(before_);
-}
-
-void TestDialog::showsItsTextsUncut() {
-  file("data/汇报表/汇报表模板/成本测算汇报表.hbbmb");
-  Dialog dialog;
-  dialog.setProjectTemplates({{"房屋建筑与装饰工程", "building"}});
-  dialog.show();
-  QCOMPARE(dialog.size(), QSize(530, 420));
-  QCOMPARE(dialog.minimumSize(), dialog.maximumSize());
-  QCOMPARE(dialog.windowTitle(), "新建成本测算");
-  QVERIFY(!dialog.windowIcon().pixmap(16, 16).isNull());
-  QCOMPARE(dialog.edit("path")->placeholderText(), "选择招投标文件或造价标准数据文件");
-  QStringList labels;
-  for (auto* label : dialog.findChildren<QLabel*>()) {
-    labels << label->text();
-    QVERIFY2(label->width() >= label->sizeHint().width(), qPrintable(label->text()));
-    QVERIFY2(label->height() >= label->sizeHint().height(), qPrintable(label->text()));
-  }
-  for (const auto* text :
-       {"选择文件", "工程名称", "工程模板", "成本类型", "汇报表模板", "软件支持两种成本测算方式：",
-        "方式1：直接新建工程", "方式2：选择各地造价标准文件、电子标文件新建"}) {
-    QVERIFY2(labels.contains(text), text);
-  }
-  for (const auto* text : {"浏览", "新建", "取消", "投标成本测算", "目标成本测算"}) {
-    const auto* button = dialog.button(text);
-    QVERIFY2(button, text);
-    QVERIFY2(button->width() >= button->sizeHint().width(), text);
-    QVERIFY2(dialog.rect().contains(QRect(button->mapTo(&dialog, {}), button->size())), text);
-  }
-  int borderless = 0;
-  for (auto* widget : dialog.findChildren<QWidget*>()) {
-    borderless += widget->styleSheet() == "border: none;";
-  }
-  QCOMPARE(borderless, 1);
-  const QString pictures = qEnvironmentVariable("QCE_PICTURE_DIR");
-  if (!pictures.isEmpty()) QVERIFY(dialog.grab().save(pictures + "/new_project.png"));
-}
-
-void TestDialog::preparesOnShowAndExec() {
-  Dialog dialog;
-  dialog.setProjectTemplates({{"乙", "2"}, {"甲", "1"}});
-  QCOMPARE(dialog.combo("projectTemplate")->count(), 0);
-  const auto spoil = [&] {
-    dialog.edit("path")->setText("/x.CZB");
-    dialog.edit("name")->setText("旧工程");
-    dialog.edit("costPlan")->setText("别的");
-    dialog.combo("projectTemplate")->addItem("丙");
-    dialog.combo("projectTemplate")->setCurrentIndex(1);
-  };
-  const auto verify = [&] {
-    QCOMPARE(dialog.edit("path")->text(), "/x.CZB");
-    QCOMPARE(dialog.edit("name")->text(), "");
-    QCOMPARE(dialog.edit("costPlan")->text(), "成本计划工程");
-    QCOMPARE(items(dialog.combo("projectTemplate")), (QStringList{"乙", "甲"}));
-    QCOMPARE(dialog.combo("projectTemplate")->itemData(1).toString(), "1");
-    QCOMPARE(dialog.getProjectTemplate(), std::string("2"));
-    QVERIFY(dialog.isVisible());
-    dialog.close();
-  };
-  spoil();
-  dialog.show();
-  verify();
-  spoil();
-  QTimer::singleShot(0, &dialog, verify);
-  QCOMPARE(dialog.exec(), int(QDialog::Rejected));
-  spoil();
-  dialog.open();
-  verify();
-
-  dialog.setProjectTemplates({});
-  dialog.show();
-  QVERIFY(!dialog.combo("projectTemplate")->isEnabled());
-  QCOMPARE(dialog.getProjectTemplate(), std::string());
-}
-
-void TestDialog::takesAChosenFileAndProposesAName_data() {
-  QTest::addColumn<QString>("path");
-  QTest::addColumn<QString>("name");
-  QTest::newRow("plain") << "/d/办公楼.TBQD"
-                         << "办公楼";
-  QTest::newRow("two dots") << "D:/a/项目.v2.ZBQD"
-                            << "项目";
-  QTest::newRow("dot in a folder") << "/v1.2/桥"
-                                   << "桥";
-  QTest::newRow("nothing before the dot") << "/d/.CZB"
-                                          << "";
-}
-
-void TestDialog::takesAChosenFileAndProposesAName() {
-  QFETCH(QString, path);
-  QFETCH(QString, name);
-  Dialog dialog;
-  dialog.show();
-  dialog.edit("name")->setText("旧");
-  dialog.chosen = path;
-  dialog.click("浏览");
-  QCOMPARE(journal, (QStringList{"打开", folder_->path(), Filter}));
-  QCOMPARE(dialog.edit("path")->text(), path);
-  QCOMPARE(dialog.edit("path")->toolTip(), path);
-  QCOMPARE(dialog.edit("path")->cursorPosition(), 0);
-  QCOMPARE(dialog.edit("name")->text(), name);
-}
-
-void TestDialog::changesNothingWhenChoosingIsCancelled() {
-  Dialog dialog;
-  dialog.show();
-  dialog.chosen = "/d/a.CTB";
-  dialog.click("浏览");
-  dialog.edit("name")->setText("我的工程");
-  dialog.chosen.clear();
-  dialog.click("浏览");
-  QCOMPARE(dialog.edit("path")->text(), "/d/a.CTB");
-  QCOMPARE(dialog.edit("path")->toolTip(), "/d/a.CTB");
-  QCOMPARE(dialog.edit("name")->text(), "我的工程");
-}
-
-void TestDialog::asksQtForAFileByDefault() {
-  const QString source = file("住宅.zbqd");
-  file("住宅.xls");
-  QCENewProjectViewImpl dialog;
-  dialog.show();
-  QStringList filters, offered;
-  QString title, directory;
-  QTimer::singleShot(0, &dialog, [&] {
-    auto* chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-    if (chooser == nullptr) return;
-    title = chooser->windowTitle();
-    directory = chooser->directory().path();
-    filters = chooser->nameFilters();
-    chooser->findChild<QLineEdit*>("fileNameEdit")->setText("住宅.zbqd");
-    QTest::keyClick(chooser->findChild<QLineEdit*>("fileNameEdit"), Qt::Key_Return);
-  });
-  for (auto* button : dialog.findChildren<QAbstractButton*>()) {
-    if (button->text() == "浏览") QTest::mouseClick(button, Qt::LeftButton);
-  }
-  QCOMPARE(title, "打开");
-  QCOMPARE(directory, folder_->path());
-  QStringList expected = QString(Filter).split(";;");
-  expected[0] = expected[0].trimmed();  // Qt shows a filter without outer blanks
-  QCOMPARE(filters, expected);
-  std::string path, name;
-  dialog.readFilePath(path, name);
-  QCOMPARE(QString::fromStdString(path), source);
-  QCOMPARE(QString::fromStdString(name), "住宅");
-}
-
-void TestDialog::tellsTheTypeOfAFile_data() {
-  QTest::addColumn<QString>("path");
-  QTest::addColumn<QString>("type");
-  QTest::newRow("empty") << ""
-                         << "";
-  QTest::newRow("capitals") << "/d/a.ZBQD"
-                            << "ZBQD";
-  QTest::newRow("as typed") << "/d/a.TbQd"
-                            << "TbQd";
-  QTest::newRow("last of many") << "/d/a.v2.ZGXJQD"
-                                << "ZGXJQD";
-  QTest::newRow("no dot") << "/d/招标"
-                          << "/d/招标";
-  QTest::newRow("dot in a folder") << "/d.1/招标"
-                                   << "1/招标";
-  QTest::newRow("dot at the end") << "/d/a."
-                                  << "";
-}
-
-void TestDialog::tellsTheTypeOfAFile() {
-  QFETCH(QString, path);
-  QFETCH(QString, type);
-  Dialog dialog;
-  dialog.show();
-  dialog.edit("path")->insert(path);
-  QCOMPARE(dialog.typeOfFile(), type);
-}
-
-void TestDialog::tellsTheCheckedCostType() {
-  Dialog dialog;
-  dialog.show();
-  QCOMPARE(QString::fromStdString(dialog.getType()), "投标成本测算");
-  dialog.click("目标成本测算");
-  QCOMPARE(QString::fromStdString(dialog.getType()), "目标成本测算");
-  dialog.findChild<QButtonGroup*>()->setExclusive(false);
-  dialog.click("目标成本测算");
-  QCOMPARE(dialog.getType(), std::string());
-  dialog.edit("name")->setText("a");
-  dialog.click("新建");
-  QCOMPARE(journal.size(), 1);
-  QVERIFY(journal[0].contains("成本类型"));
-  QVERIFY(dialog.isVisible());
-}
-
-void TestDialog::offersReportTemplates() {
-  Dialog dialog;  // no template directory yet
-  QCOMPARE(dialog.combo("reportTemplate")->count(), 0);
-  QVERIFY(!dialog.combo("reportTemplate")->isEnabled());
-  QCOMPARE(dialog.getReportTemplatePath(), std::string());
-
-  const QString folder = "data/汇报表/汇报表模板/";
-  const QString second = file(folder + "b.HBBMB");
-  const QString first = file(folder + "a.hbbmb");
-  for (const auto* name : {"c.txt", "hbbmb", "d.hbbmb.bak", "e.hbbmbx"}) file(folder + name);
-  dialog.setReportTemplate();
-  dialog.setReportTemplate();
-  auto* box = dialog.combo("reportTemplate");
-  QCOMPARE(items(box), (QStringList{"a.hbbmb", "b.HBBMB"}));
-  QCOMPARE(QString::fromStdString(dialog.getReportTemplatePath()), first);
-  dialog.show();
-  QTest::keyClick(box, Qt::Key_Down);
-  QCOMPARE(QString::fromStdString(dialog.getReportTemplatePath()), second);
-
-  QFile::remove(first);
-  dialog.setReportTemplate();
-  QCOMPARE(items(box), QStringList{"b.HBBMB"});
-  QVERIFY(QDir(folder_->filePath("data")).removeRecursively());
-  dialog.setReportTemplate();
-  QCOMPARE(box->count(), 0);
-  QCOMPARE(dialog.getReportTemplatePath(), std::string());
-}
-
-void TestDialog::judgesNames_data() {
-  QTest::addColumn<QString>("name");
-  QTest::addColumn<QString>("fault");  // what the message must name; empty for a good name
-  QTest::newRow("empty") << ""
-                         << "为空";
-  QTest::newRow("blanks") << "  \t"
-                          << "为空";
-  QTest::newRow("wide blank") << QString(QChar(0x3000)) << "为空";
-  QTest::newRow("blank in front") << " a"
-                                  << "空格";
-  QTest::newRow("blank behind") << "a "
-                                << "空格";
-  QTest::newRow("folder") << "../a"
-                          << "字符：/";
-  QTest::newRow("each once") << "a:b?c:d\\"
-                             << "字符：: ? \\";
-  QTest::newRow("tab inside") << "a\tb"
-                              << "第 2 个字";
-  QTest::newRow("right-to-left override") << QString("ab") + QChar(0x202e) << "第 3 个字";
-  QTest::newRow("hidden file") << ".a"
-                               << "“.”";
-  QTest::newRow("dot behind") << "a."
-                              << "“.”";
-  QTest::newRow("device") << "nul.x"
-                          << "“nul.x”";
-  QTest::newRow("one too long") << QString(81, QChar(0x697c)) << "81";
-  QTest::newRow("just long enough") << QString(80, QChar(0x697c)) << "";
-  QTest::newRow("dot and blank inside") << "3# 楼 v2.1（改）"
-                                        << "";
-  QTest::newRow("no device") << "console"
-                             << "";
-}
-
-void TestDialog::judgesNames() {
-  QFETCH(QString, name);
-  QFETCH(QString, fault);
-  const QString problem = ProjectNameProblem(name);
-  if (fault.isEmpty()) {
-    QCOMPARE(problem, "");
-    QFile made(folder_->filePath(name + ".qcp-journal"));
-    QVERIFY2(made.open(QIODevice::WriteOnly), "an accepted name must make a file name");
-  } else {
-    QVERIFY2(problem.contains(fault), qPrintable(problem));
-  }
-}
-
-void TestDialog::refusesUnusableSources_data() {
-  QTest::addColumn<QString>("name");
-  QTest::addColumn<QString>("fault");
-  QTest::newRow("missing") << "没有.ZBQD"
-                           << "找不到文件";
-  QTest::newRow("blank") << " "
-                         << "找不到文件";
-  QTest::newRow("folder") << "folder.CZB"
-                          << "不是文件";
-  QTest::newRow("pipe") << "pipe.CZB"
-                        << "不是文件";  // opening it would wait for ever
-  QTest::newRow("unknown extension") << "a.xls"
-                                     << "“xls”";
-  QTest::newRow("no extension") << "ZBQD"
-                                << "没有扩展名";
-  QTest::newRow("longer extension") << "a.ZBQDX"
-                                    << "“ZBQDX”";
-}
-
-void TestDialog::refusesUnusableSources() {
-  QFETCH(QString, name);
-  QFETCH(QString, fault);
-  for (const auto* made : {"a.xls", "ZBQD", "a.ZBQDX"}) file(made);
-  QVERIFY(QDir(folder_->path()).mkdir("folder.CZB"));
-  QCOMPARE(mkfifo(qPrintable(folder_->filePath("pipe.CZB")), 0600), 0);
-  Controller controller;
-  Dialog dialog;
-  dialog.setController(&controller);
-  dialog.show();
-  QVERIFY(QTest::qWaitForWindowActive(&dialog));
-  dialog.edit("name")->setText("工程");
-  dialog.edit("path")->setText(name == " " ? name : folder_->filePath(name));
-  dialog.click("新建");
-  QCOMPARE(journal.size(), 1);
-  QVERIFY2(journal[0].startsWith(QString("message %1: ").arg(int(QMessageBox::Ok))) &&
-               journal[0].contains(fault) && journal[0].contains(name),
-           qPrintable(journal[0]));
-  QVERIFY(dialog.isVisible());
-  QVERIFY(dialog.edit("path")->hasFocus());
-  QCOMPARE(dialog.edit("path")->selectedText(), dialog.edit("path")->text());
-}
-
-void TestDialog::refusesAnUnreadableSource() {
-  const QString source = file("锁.GCLQD");
-  QVERIFY(QFile::setPermissions(folder_->path(), QFile::Permissions(0x7755)));
-  QCOMPARE(chmod(qPrintable(source), 0), 0);
-  const bool root = geteuid() == 0;  // root reads everything: look with another user's eyes
-  if (root) QCOMPARE(seteuid(65534), 0);
-  const QString problem = gui::qce::SourceFileProblem(source);
-  if (root) QCOMPARE(seteuid(0), 0);
-  QVERIFY2(problem.contains("无法读取") && problem.contains(source), qPrintable(problem));
-}
-
-void TestDialog::asksTheControllerBeforeItCreates() {
-  Controller controller;
-  controller.problem = "内容是投标文件，与扩展名 ZBQD 不符。";
-  Dialog dialog;
-  dialog.setController(&controller);
-  dialog.setProjectTemplates({{"通用", "general"}, {"市政", "municipal"}});
-  dialog.show();
-  dialog.chosen = file("办公楼.v2.zbqd");
-  dialog.click("浏览");
-  journal.clear();
-  dialog.click("新建");
-  QCOMPARE(
-      journal,
-      (QStringList{
-          "check 办公楼.v2.zbqd as zbqd",
-          QString("message %1: 内容是投标文件，与扩展名 ZBQD 不符。").arg(int(QMessageBox::Ok))}));
-  QVERIFY(dialog.isVisible());
-
-  journal.clear();
-  controller.problem.clear();
-  dialog.click("目标成本测算");
-  QTest::keyClick(dialog.combo("projectTemplate"), Qt::Key_Down);
-  dialog.edit("costPlan")->setText("一期计划");
-  QTest::keyClick(dialog.edit("name"), Qt::Key_Return);
-  QCOMPARE(journal,
-           (QStringList{"check 办公楼.v2.zbqd as zbqd",
-                        "create 办公楼 from 办公楼.v2.zbqd, 目标成本测算, 一期计划, municipal"}));
-  QCOMPARE(dialog.result(), 1);
-  QVERIFY(!dialog.isVisible());
-}
-
-void TestDialog::mendsOneFaultAfterTheOther() {
-  Controller controller;
-  Dialog dialog;
-  dialog.setController(&controller);
-  int result = -1;
-  QTimer::singleShot(0, &dialog, [&] {
-    dialog.edit("path")->setText("/没有.CZB");
-    dialog.click("新建");  // the path and the name are both wrong
-    QTest::keyClick(dialog.focusWidget(), Qt::Key_Delete);
-    dialog.click("新建");  // the name still is
-    QTest::keyClicks(dialog.focusWidget(), "a/b");
-    dialog.click("新建");
-    QTest::keyClicks(dialog.focusWidget(), "ab");  // replaces the selected name
-    QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
-  });
-  result = dialog.exec();
-  QCOMPARE(result, 1);
-  QCOMPARE(journal.size(), 4);
-  QVERIFY(journal[0].contains("找不到文件"));
-  QVERIFY(journal[1].contains("为空"));
-  QVERIFY(journal[2].contains("字符：/"));
-  QCOMPARE(journal[3], "create ab from , 投标成本测算, 成本计划工程, ");
-}
-
-void TestDialog::staysOpenWhenTheHostCannotCreate() {
-  Controller controller;
-  controller.creates = false;
-  Dialog dialog;
-  dialog.setController(&controller);
-  dialog.show();
-  dialog.edit("name")->setText("工程");
-  dialog.click("新建");
-  QCOMPARE(journal.size(), 1);  // the host has told why; the dialog adds nothing
-  QVERIFY(dialog.isVisible());
-  QCOMPARE(dialog.edit("name")->text(), "工程");
-}
-
-void TestDialog::acceptsWithoutAController() {
-  Dialog dialog;
-  dialog.show();
-  dialog.click("新建");
-  QVERIFY(dialog.isVisible());
-  dialog.edit("name")->setText("工程");
-  dialog.click("新建");
-  QCOMPARE(dialog.result(), 1);
-}
-
-void TestDialog::rejectsOnCancelAndEscape() {
-  Controller controller;
-  Dialog dialog;
-  dialog.setController(&controller);
-  const std::vector<std::function<void()>> ways{
-      [&] { dialog.click("取消"); }, [&] { QTest::keyClick(dialog.edit("name"), Qt::Key_Escape); }};
-  for (const auto& leave : ways) {
-    QTimer::singleShot(0, &dialog, [&] {
-      dialog.edit("name")->setText("工程");
-      leave();
-    });
-    QCOMPARE(dialog.exec(), 0);
-  }
-  QCOMPARE(journal, QStringList());
-}
-
-void TestDialog::isDraggedByItsHead() {
-  Dialog dialog;
-  dialog.show();
-  dialog.move(100, 100);
-  const auto drag = [&](QWidget* from) {
-    QTest::mousePress(from, Qt::LeftButton, {}, {5, 5});
-    const QPoint target = from->mapToGlobal({45, 25});
-    QMouseEvent step(QEvent::MouseMove, from->mapFromGlobal(target), target, Qt::NoButton,
-                     Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(from, &step);
-    QTest::mouseRelease(from, Qt::LeftButton, {}, from->mapFromGlobal(target));
-    return dialog.pos();
-  };
-  const QPoint start = dialog.pos();
-  auto* head = dialog.findChild<QWidget*>("head");
-  QCOMPARE(drag(head->findChild<QLabel*>()), start + QPoint(40, 20));
-  QCOMPARE(drag(head), start + QPoint(80, 40));
-  QCOMPARE(drag(&dialog), start + QPoint(120, 60));  // its top left corner is the head's
-  for (auto* label : dialog.findChildren<QLabel*>()) {
-    if (label->text() == "工程名称") QCOMPARE(drag(label), start + QPoint(120, 60));
-  }
-}
 
 QCE_WIDGET_TEST_MAIN(TestDialog)
 #include "tst_dialog.moc"

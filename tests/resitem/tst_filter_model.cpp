@@ -4,6 +4,7 @@
 
 #include "resitem/model.h"
 #include "tests/support/fake_res_item_operator.h"
+#include "tests/support/rows.h"
 #include "tests/support/tester_proxy.h"
 
 namespace keys = domain::keys;
@@ -42,12 +43,11 @@ class TestFilterModel : public QObject {
   }
 
   void filtersByFlag_data() {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QString>("rows");
-    QTest::newRow("owner") << 28 << "S(s1)";
-    QTest::newRow("provisional") << 29 << "S(s2)";
-    QTest::newRow("adjustable") << 30 << "L(l1)";
-    QTest::newRow("none") << 27 << "S(s1 s2) L(l1)";
+    const tests::Rows<int, QString> row{"type", "rows"};
+    row("owner", 28, "S(s1)");
+    row("provisional", 29, "S(s2)");
+    row("adjustable", 30, "L(l1)");
+    row("none", 27, "S(s1 s2) L(l1)");
   }
   void filtersByFlag() {
     QFETCH(int, type);
@@ -89,20 +89,19 @@ class TestFilterModel : public QObject {
   }
 
   void filtersByConditions_data() {
-    QTest::addColumn<QStringList>("words");
-    QTest::addColumn<QString>("rows");
-    QTest::newRow("all empty") << QStringList{"", "", "", "", ""} << "S(s1 s2) L(l1)";
-    QTest::newRow("no words") << QStringList{} << "S(s1 s2) L(l1)";
-    QTest::newRow("part of a name") << QStringList{"", "", "钢", "", ""} << "S(s1)";
-    QTest::newRow("case counts") << QStringList{"", "", "Ab", "", ""} << "";
-    QTest::newRow("as written") << QStringList{"", "", "ab", "", ""} << "S(s2)";
-    QTest::newRow("not trimmed") << QStringList{"", "", "ab wire ", "", ""} << "";
-    QTest::newRow("no wildcard") << QStringList{"", "", "a*", "", ""} << "";
-    QTest::newRow("fourth is spec") << QStringList{"", "", "", "HRB", ""} << "S(s1)";
-    QTest::newRow("account") << QStringList{"材料", "", "", "", ""} << "S(s1)";
-    QTest::newRow("unit") << QStringList{"", "", "", "", "工日"} << "L(l1)";
-    QTest::newRow("all must match") << QStringList{"", "s", "钢", "HRB4", "t"} << "S(s1)";
-    QTest::newRow("one does not") << QStringList{"", "s", "钢", "HRB4", "kg"} << "";
+    const tests::Rows<QStringList, QString> row{"words", "rows"};
+    row("all empty", QStringList{"", "", "", "", ""}, "S(s1 s2) L(l1)");
+    row("no words", QStringList{}, "S(s1 s2) L(l1)");
+    row("part of a name", QStringList{"", "", "钢", "", ""}, "S(s1)");
+    row("case counts", QStringList{"", "", "Ab", "", ""}, "");
+    row("as written", QStringList{"", "", "ab", "", ""}, "S(s2)");
+    row("not trimmed", QStringList{"", "", "ab wire ", "", ""}, "");
+    row("no wildcard", QStringList{"", "", "a*", "", ""}, "");
+    row("fourth is spec", QStringList{"", "", "", "HRB", ""}, "S(s1)");
+    row("account", QStringList{"材料", "", "", "", ""}, "S(s1)");
+    row("unit", QStringList{"", "", "", "", "工日"}, "L(l1)");
+    row("all must match", QStringList{"", "s", "钢", "HRB4", "t"}, "S(s1)");
+    row("one does not", QStringList{"", "s", "钢", "HRB4", "kg"}, "");
   }
   void filtersByConditions() {
     QFETCH(QStringList, words);

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "tests/support/fake_res_item_operator.h"
+#include "tests/support/rows.h"
 #include "tests/support/tester_proxy.h"
 
 namespace keys = domain::keys;
@@ -52,15 +53,13 @@ class TestModel : public QObject {
   }
 
   void announcesAnEditOnceMoreUnlessItIsPriceOrAccount_data() {
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<bool>("refuse");
-    QTest::addColumn<QStringList>("announced");
+    const tests::Rows<QString, bool, QStringList> row{"key", "refuse", "announced"};
     const QString edit = QString::number(Qt::EditRole);
-    QTest::newRow("name") << "QCE_BRIName" << false << QStringList{edit, ""};
-    QTest::newRow("name refused") << "QCE_BRIName" << true << QStringList{""};
-    QTest::newRow("price") << "QCE_BRIExcludedTaxFee" << false << QStringList{edit};
-    QTest::newRow("price refused") << "QCE_BRIExcludedTaxFee" << true << QStringList{};
-    QTest::newRow("account") << "QCE_CostAccount" << false << QStringList{edit};
+    row("name", "QCE_BRIName", false, QStringList{edit, ""});
+    row("name refused", "QCE_BRIName", true, QStringList{""});
+    row("price", "QCE_BRIExcludedTaxFee", false, QStringList{edit});
+    row("price refused", "QCE_BRIExcludedTaxFee", true, QStringList{});
+    row("account", "QCE_CostAccount", false, QStringList{edit});
   }
   void announcesAnEditOnceMoreUnlessItIsPriceOrAccount() {
     QFETCH(QString, key);

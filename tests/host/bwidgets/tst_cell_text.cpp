@@ -3,143 +3,119 @@
 #include "host/bwidgets/cell_text.h"
 #include "host/bwidgets/screen.h"
 #include "host/bwidgets/text_matcher.h"
+#include "tests/support/rows.h"
 
 class TestCellText : public QObject {
   Q_OBJECT
 
  private slots:
-  void readsNumbersAsUsersWriteThem_data();
-  void readsNumbersAsUsersWriteThem();
-  void readsYesAndNo();
-  void readsBlocks_data();
-  void readsBlocks();
-  void blocksSurviveTheRoundTrip();
-  void matches_data();
-  void matches();
-  void takesFractionsOfTheScreen();
+  void readsNumbersAsUsersWriteThem_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("number");  // "-" for none
+    const auto row = [](const char* text, const char* number) {
+      QTest::newRow(text) << QString::fromUtf8(text) << QString::fromUtf8(number);
+    };
+    row("12.50", "12.50");
+    row(" 12.5 ", "12.5");
+    row("1,234,567.89", "1234567.89");
+    row("１２．５", "12.5");
+    row("１，２００", "1200");
+    row("¥1,200.00", "1200.00");
+    row("-￥3", "-3");
+    row("+3", "+3");
+    row(".5", ".5");
+    row("12,5", "-");  // a decimal comma is not guessed at
+    row("1,23,456", "-");
+    row("12kg", "-");
+    row("6%", "-");  // 6 or 0.06: the user has to say
+    row("abc", "-");
+    row("", "-");
+    row("nan", "-");
+    row("1e999", "-");
+  }
+  void readsNumbersAsUsersWriteThem() {
+    QFETCH(QString, text);
+    QTEST(bwidgets::plainNumber(text).value_or("-"), "number");
+  }
+
+  void readsYesAndNo() {
+    for (const char* yes : {"是", "√", "TRUE", "1", " y "}) {
+      QVERIFY2(bwidgets::yesOrNo(QString::fromUtf8(yes)) == std::optional<bool>(true), yes);
+    }
+    for (const char* no : {"否", "", "False", "0"}) {
+      QVERIFY2(bwidgets::yesOrNo(QString::fromUtf8(no)) == std::optional<bool>(false), no);
+    }
+    QVERIFY(!bwidgets::yesOrNo("maybe"));
+  }
+
+  void readsBlocks_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("cells");  // cells in <>, rows parted by |
+    QTest::newRow("one cell") << "a"
+                              << "<a>";
+    QTest::newRow("trailing break is no row") << "a\tb\r\nc\td\r\n"
+                                              << "<a><b>|<c><d>";
+    QTest::newRow("old line breaks") << "a\rb"
+                                     << "<a>|<b>";
+    QTest::newRow("empty cells") << "\t\n\t"
+                                 << "<><>|<><>";
+    QTest::newRow("empty row in between") << "a\n\nb"
+                                          << "<a>|<>|<b>";
+    QTest::newRow("quoted line break and tab") << "\"a\nb\tc\"\td"
+                                               << "<a\nb\tc><d>";
+    QTest::newRow("doubled quotes") << "\"say \"\"x\"\"\""
+                                    << "<say \"x\">";
+    QTest::newRow("quote inside a text") << "5\" pipe\tb"
+                                         << "<5\" pipe><b>";
+    QTest::newRow("lone quote in front") << "\"a\tb"
+                                         << "<\"a><b>";
+    QTest::newRow("quoted empty") << "\"\""
+                                  << "<>";
+    QTest::newRow("nothing") << ""
+                             << "";
+  }
+  void readsBlocks() {
+    QFETCH(QString, text);
+    QStringList rows;
+    for (const QStringList& row : bwidgets::parseBlock(text)) {
+      rows << '<' + row.join("><") + '>';
+    }
+    QTEST(rows.join('|'), "cells");
+  }
+
+  void blocksSurviveTheRoundTrip() {
+    const std::vector<QStringList> block = {
+        {"a", "", "line\nbreak"}, {"\"quoted\"", "tab\there", "5\" pipe"}, {"", "", "cr\rlf"}};
+    QVERIFY(bwidgets::parseBlock(bwidgets::formatBlock(block)) == block);
+    QCOMPARE(bwidgets::formatBlock({{"a", "b"}, {"c", "d"}}), QString("a\tb\nc\td"));
+  }
+
+  void matches_data() {
+    const tests::Rows<QString, QString, bool> row{"wish", "text", "hit"};
+    row("part", "纹钢", "螺纹钢", true);
+    row("any case", "hrb", "螺纹钢 HRB400", true);
+    row("initials", "lwg", "Φ12 螺纹钢 HRB400", true);
+    row("initials in capitals", "LWG", "螺纹钢", true);
+    row("initials and figures", "hntc30", "商品混凝土 C30", true);
+    row("one letter is no initial", "l", "螺纹钢", false);
+    row("initials must be neighbours", "lg", "螺纹钢", false);
+    row("blanks around", " 水泥 ", "普通水泥", true);
+    row("nothing wished", "", "水泥", false);
+    row("other text", "lwg", "普通水泥", false);
+  }
+  void matches() {
+    QFETCH(QString, wish);
+    QFETCH(QString, text);
+    QTEST(bwidgets::TextMatcher(wish).matches(text), "hit");
+  }
+
+  void takesFractionsOfTheScreen() {
+    using bwidgets::Screen;
+    QCOMPARE(Screen::fraction({1920, 1040}, 0.6, 0.7), QSize(1152, 728));
+    QCOMPARE(Screen::fraction({1920, 1040}, 0.1, 1.5), QSize(192, 1040));
+    QCOMPARE(Screen::fraction({1920, 1040}, -1, 0), QSize(1, 1));
+  }
 };
-
-void TestCellText::readsNumbersAsUsersWriteThem_data() {
-  QTest::addColumn<QString>("text");
-  QTest::addColumn<QString>("number");  // "-" for none
-  const auto row = [](const char* text, const char* number) {
-    QTest::newRow(text) << QString::fromUtf8(text) << QString::fromUtf8(number);
-  };
-  row("12.50", "12.50");
-  row(" 12.5 ", "12.5");
-  row("1,234,567.89", "1234567.89");
-  row("１２．５", "12.5");
-  row("１，２００", "1200");
-  row("¥1,200.00", "1200.00");
-  row("-￥3", "-3");
-  row("+3", "+3");
-  row(".5", ".5");
-  row("12,5", "-");  // a decimal comma is not guessed at
-  row("1,23,456", "-");
-  row("12kg", "-");
-  row("6%", "-");  // 6 or 0.06: the user has to say
-  row("abc", "-");
-  row("", "-");
-  row("nan", "-");
-  row("1e999", "-");
-}
-
-void TestCellText::readsNumbersAsUsersWriteThem() {
-  QFETCH(QString, text);
-  QTEST(bwidgets::plainNumber(text).value_or("-"), "number");
-}
-
-void TestCellText::readsYesAndNo() {
-  for (const char* yes : {"是", "√", "TRUE", "1", " y "}) {
-    QVERIFY2(bwidgets::yesOrNo(QString::fromUtf8(yes)) == std::optional<bool>(true), yes);
-  }
-  for (const char* no : {"否", "", "False", "0"}) {
-    QVERIFY2(bwidgets::yesOrNo(QString::fromUtf8(no)) == std::optional<bool>(false), no);
-  }
-  QVERIFY(!bwidgets::yesOrNo("maybe"));
-}
-
-void TestCellText::readsBlocks_data() {
-  QTest::addColumn<QString>("text");
-  QTest::addColumn<QString>("cells");  // cells in <>, rows parted by |
-  QTest::newRow("one cell") << "a"
-                            << "<a>";
-  QTest::newRow("trailing break is no row") << "a\tb\r\nc\td\r\n"
-                                            << "<a><b>|<c><d>";
-  QTest::newRow("old line breaks") << "a\rb"
-                                   << "<a>|<b>";
-  QTest::newRow("empty cells") << "\t\n\t"
-                               << "<><>|<><>";
-  QTest::newRow("empty row in between") << "a\n\nb"
-                                        << "<a>|<>|<b>";
-  QTest::newRow("quoted line break and tab") << "\"a\nb\tc\"\td"
-                                             << "<a\nb\tc><d>";
-  QTest::newRow("doubled quotes") << "\"say \"\"x\"\"\""
-                                  << "<say \"x\">";
-  QTest::newRow("quote inside a text") << "5\" pipe\tb"
-                                       << "<5\" pipe><b>";
-  QTest::newRow("lone quote in front") << "\"a\tb"
-                                       << "<\"a><b>";
-  QTest::newRow("quoted empty") << "\"\""
-                                << "<>";
-  QTest::newRow("nothing") << ""
-                           << "";
-}
-
-void TestCellText::readsBlocks() {
-  QFETCH(QString, text);
-  QStringList rows;
-  for (const QStringList& row : bwidgets::parseBlock(text)) {
-    rows << '<' + row.join("><") + '>';
-  }
-  QTEST(rows.join('|'), "cells");
-}
-
-void TestCellText::blocksSurviveTheRoundTrip() {
-  const std::vector<QStringList> block = {
-      {"a", "", "line\nbreak"}, {"\"quoted\"", "tab\there", "5\" pipe"}, {"", "", "cr\rlf"}};
-  QVERIFY(bwidgets::parseBlock(bwidgets::formatBlock(block)) == block);
-  QCOMPARE(bwidgets::formatBlock({{"a", "b"}, {"c", "d"}}), QString("a\tb\nc\td"));
-}
-
-void TestCellText::matches_data() {
-  QTest::addColumn<QString>("wish");
-  QTest::addColumn<QString>("text");
-  QTest::addColumn<bool>("hit");
-  QTest::newRow("part") << "纹钢"
-                        << "螺纹钢" << true;
-  QTest::newRow("any case") << "hrb"
-                            << "螺纹钢 HRB400" << true;
-  QTest::newRow("initials") << "lwg"
-                            << "Φ12 螺纹钢 HRB400" << true;
-  QTest::newRow("initials in capitals") << "LWG"
-                                        << "螺纹钢" << true;
-  QTest::newRow("initials and figures") << "hntc30"
-                                        << "商品混凝土 C30" << true;
-  QTest::newRow("one letter is no initial") << "l"
-                                            << "螺纹钢" << false;
-  QTest::newRow("initials must be neighbours") << "lg"
-                                               << "螺纹钢" << false;
-  QTest::newRow("blanks around") << " 水泥 "
-                                 << "普通水泥" << true;
-  QTest::newRow("nothing wished") << ""
-                                  << "水泥" << false;
-  QTest::newRow("other text") << "lwg"
-                              << "普通水泥" << false;
-}
-
-void TestCellText::matches() {
-  QFETCH(QString, wish);
-  QFETCH(QString, text);
-  QTEST(bwidgets::TextMatcher(wish).matches(text), "hit");
-}
-
-void TestCellText::takesFractionsOfTheScreen() {
-  using bwidgets::Screen;
-  QCOMPARE(Screen::fraction({1920, 1040}, 0.6, 0.7), QSize(1152, 728));
-  QCOMPARE(Screen::fraction({1920, 1040}, 0.1, 1.5), QSize(192, 1040));
-  QCOMPARE(Screen::fraction({1920, 1040}, -1, 0), QSize(1, 1));
-}
 
 QTEST_APPLESS_MAIN(TestCellText)
 #include "tst_cell_text.moc"

@@ -27,140 +27,133 @@ class TestSearchBox : public QObject {
   Q_OBJECT
 
  private slots:
-  void opensAndClosesByKeyboard();
-  void walksTheMatchesRoundTheEnd();
-  void startsFromTheCurrentCell();
-  void findsShownTextsAlone();
-  void findsInitialsBelowCollapsedRows();
-  void keepsUpWithTheModel();
-  void doesNotCoverWhatItFinds();
-};
-
-void TestSearchBox::opensAndClosesByKeyboard() {
-  SampleGrid g;
-  QVERIFY(!g.view->searchBox()->isVisible());
-  g.key(Qt::Key_F, Qt::ControlModifier);
-  QVERIFY(g.view->searchBox()->isVisible());
-  QVERIFY(g.view->searchBox()->lineEdit()->hasFocus());
-  QCOMPARE(count(g), QString());
-  press(g, Qt::Key_Escape);
-  QVERIFY(!g.view->searchBox()->isVisible());
-  QVERIFY(g.view->hasFocus());
-  // Closed before the typing pauses, it leaves the grid where it is.
-  type(g, "螺纹");
-  press(g, Qt::Key_Escape);
-  QTest::qWait(250);
-  QCOMPARE(g.current(), QString("0:code"));
-}
-
-void TestSearchBox::walksTheMatchesRoundTheEnd() {
-  SampleGrid g;  // items 0, 4 and 8 are 螺纹钢, one in each group
-  type(g, "螺纹");
-  QTRY_COMPARE(g.current(), QString("0.0:name"));  // as soon as the typing pauses
-  QCOMPARE(count(g), QString("1/3"));
-  press(g, Qt::Key_Return);
-  QCOMPARE(g.current(), QString("1.0:name"));
-  QCOMPARE(count(g), QString("2/3"));
-  press(g, Qt::Key_F3);
-  QCOMPARE(count(g), QString("3/3"));
-  press(g, Qt::Key_F3);
-  QCOMPARE(count(g), QString("1/3"));
-  press(g, Qt::Key_F3, Qt::ShiftModifier);
-  QCOMPARE(count(g), QString("3/3"));
-  // The keys go on working from the grid, the box closed or not.
-  press(g, Qt::Key_Escape);
-  g.key(Qt::Key_F3);
-  QCOMPARE(g.current(), QString("0.0:name"));
-  g.key(Qt::Key_F3, Qt::ShiftModifier);
-  QCOMPARE(g.current(), QString("2.0:name"));
-}
-
-void TestSearchBox::startsFromTheCurrentCell() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.setCurrent("0.3:price");
-  type(g, "螺纹");
-  press(g, Qt::Key_Return);
-  QCOMPARE(g.current(), QString("1.0:name"));
-  g.setCurrent("0.3:price");
-  press(g, Qt::Key_F3, Qt::ShiftModifier);
-  QCOMPARE(g.current(), QString("0.0:name"));
-  // In the row of the current cell the column decides.
-  g.setCurrent("1.0:code");
-  press(g, Qt::Key_F3);
-  QCOMPARE(g.current(), QString("1.0:name"));
-  g.setCurrent("1.0:unit");
-  press(g, Qt::Key_F3);
-  QCOMPARE(g.current(), QString("2.0:name"));
-}
-
-void TestSearchBox::findsShownTextsAlone() {
-  SampleGrid g;
-  g.view->setColumnHidden(7, true);
-  type(g, "备注1");
-  press(g, Qt::Key_Return);
-  QCOMPARE(count(g), QString("0/0"));
-  QCOMPARE(g.current(), QString("0:code"));
-  g.view->setColumnHidden(7, false);
-  g.node(0, 0)->set("code", std::string("hrb-1"));
-  g.model.reset([] {});
-  g.view->searchBox()->lineEdit()->setText("HRB");
-  press(g, Qt::Key_Return);
-  QCOMPARE(count(g), QString("1/4"));  // any case, two in one row
-  g.view->searchBox()->lineEdit()->setText("3,850");
-  press(g, Qt::Key_Return);
-  QCOMPARE(g.current(), QString("0.0:price"));  // as displayed
-}
-
-void TestSearchBox::findsInitialsBelowCollapsedRows() {
-  SampleGrid g;
-  type(g, "sphnt");
-  press(g, Qt::Key_Return);
-  QCOMPARE(g.current(), QString("0.2:name"));
-  QVERIFY(g.view->isExpanded(g.cell("0:code")));
-  QVERIFY(!g.view->isExpanded(g.cell("1:code")));
-  QVERIFY(g.view->viewport()->rect().contains(g.view->visualRect(g.cell("0.2:name"))));
-  QVERIFY(g.view->searchBox()->marks(g.text("1.2:name")));
-}
-
-void TestSearchBox::keepsUpWithTheModel() {
-  SampleGrid g;
-  type(g, "lwg");
-  press(g, Qt::Key_Return);
-  QCOMPARE(count(g), QString("1/3"));
-  g.filter.setData(g.cell("2.0:name"), "x");
-  QTRY_COMPARE(count(g), QString("1/2"));
-  g.filter.want("材料");
-  QTRY_COMPARE(count(g), QString("0/0"));
-  press(g, Qt::Key_F3);
-  g.filter.want("");
-  press(g, Qt::Key_F3);
-  QCOMPARE(count(g).section('/', 1), QString("2"));
-  g.view->sortByColumn(3, Qt::DescendingOrder);
-  QTRY_COMPARE(g.text("0.0:code"), QString("CL1003"));
-  press(g, Qt::Key_F3);
-  QVERIFY(g.view->currentIndex().data().toString().startsWith(QString::fromUtf8("螺纹钢")));
-  g.model.reset([&g] { g.op.tree.clear(); });
-  press(g, Qt::Key_F3);
-  QTRY_COMPARE(count(g), QString("0/0"));
-  g.view->setModel(nullptr);
-  press(g, Qt::Key_F3);
-  g.view->setModel(&g.filter);
-  press(g, Qt::Key_F3);
-}
-
-void TestSearchBox::doesNotCoverWhatItFinds() {
-  SampleGrid g(3, 40);
-  g.view->expandAll();
-  QTest::qWait(20);
-  type(g, "备注");
-  for (int i = 0; i < 60; ++i) {
-    press(g, Qt::Key_F3);
-    const QRect hit =
-        g.view->visualRect(g.view->currentIndex()).translated(g.view->viewport()->pos());
-    if (i > 8) QVERIFY2(!hit.intersects(g.view->searchBox()->geometry()), qPrintable(g.current()));
+  void opensAndClosesByKeyboard() {
+    SampleGrid g;
+    QVERIFY(!g.view->searchBox()->isVisible());
+    g.key(Qt::Key_F, Qt::ControlModifier);
+    QVERIFY(g.view->searchBox()->isVisible());
+    QVERIFY(g.view->searchBox()->lineEdit()->hasFocus());
+    QCOMPARE(count(g), QString());
+    press(g, Qt::Key_Escape);
+    QVERIFY(!g.view->searchBox()->isVisible());
+    QVERIFY(g.view->hasFocus());
+    // Closed before the typing pauses, it leaves the grid where it is.
+    type(g, "螺纹");
+    press(g, Qt::Key_Escape);
+    QTest::qWait(250);
+    QCOMPARE(g.current(), QString("0:code"));
   }
-}
+
+  void walksTheMatchesRoundTheEnd() {
+    SampleGrid g;  // items 0, 4 and 8 are 螺纹钢, one in each group
+    type(g, "螺纹");
+    QTRY_COMPARE(g.current(), QString("0.0:name"));  // as soon as the typing pauses
+    QCOMPARE(count(g), QString("1/3"));
+    press(g, Qt::Key_Return);
+    QCOMPARE(g.current(), QString("1.0:name"));
+    QCOMPARE(count(g), QString("2/3"));
+    press(g, Qt::Key_F3);
+    QCOMPARE(count(g), QString("3/3"));
+    press(g, Qt::Key_F3);
+    QCOMPARE(count(g), QString("1/3"));
+    press(g, Qt::Key_F3, Qt::ShiftModifier);
+    QCOMPARE(count(g), QString("3/3"));
+    // The keys go on working from the grid, the box closed or not.
+    press(g, Qt::Key_Escape);
+    g.key(Qt::Key_F3);
+    QCOMPARE(g.current(), QString("0.0:name"));
+    g.key(Qt::Key_F3, Qt::ShiftModifier);
+    QCOMPARE(g.current(), QString("2.0:name"));
+  }
+
+  void startsFromTheCurrentCell() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.setCurrent("0.3:price");
+    type(g, "螺纹");
+    press(g, Qt::Key_Return);
+    QCOMPARE(g.current(), QString("1.0:name"));
+    g.setCurrent("0.3:price");
+    press(g, Qt::Key_F3, Qt::ShiftModifier);
+    QCOMPARE(g.current(), QString("0.0:name"));
+    // In the row of the current cell the column decides.
+    g.setCurrent("1.0:code");
+    press(g, Qt::Key_F3);
+    QCOMPARE(g.current(), QString("1.0:name"));
+    g.setCurrent("1.0:unit");
+    press(g, Qt::Key_F3);
+    QCOMPARE(g.current(), QString("2.0:name"));
+  }
+
+  void findsShownTextsAlone() {
+    SampleGrid g;
+    g.view->setColumnHidden(7, true);
+    type(g, "备注1");
+    press(g, Qt::Key_Return);
+    QCOMPARE(count(g), QString("0/0"));
+    QCOMPARE(g.current(), QString("0:code"));
+    g.view->setColumnHidden(7, false);
+    g.node(0, 0)->set("code", std::string("hrb-1"));
+    g.model.reset([] {});
+    g.view->searchBox()->lineEdit()->setText("HRB");
+    press(g, Qt::Key_Return);
+    QCOMPARE(count(g), QString("1/4"));  // any case, two in one row
+    g.view->searchBox()->lineEdit()->setText("3,850");
+    press(g, Qt::Key_Return);
+    QCOMPARE(g.current(), QString("0.0:price"));  // as displayed
+  }
+
+  void findsInitialsBelowCollapsedRows() {
+    SampleGrid g;
+    type(g, "sphnt");
+    press(g, Qt::Key_Return);
+    QCOMPARE(g.current(), QString("0.2:name"));
+    QVERIFY(g.view->isExpanded(g.cell("0:code")));
+    QVERIFY(!g.view->isExpanded(g.cell("1:code")));
+    QVERIFY(g.view->viewport()->rect().contains(g.view->visualRect(g.cell("0.2:name"))));
+    QVERIFY(g.view->searchBox()->marks(g.text("1.2:name")));
+  }
+
+  void keepsUpWithTheModel() {
+    SampleGrid g;
+    type(g, "lwg");
+    press(g, Qt::Key_Return);
+    QCOMPARE(count(g), QString("1/3"));
+    g.filter.setData(g.cell("2.0:name"), "x");
+    QTRY_COMPARE(count(g), QString("1/2"));
+    g.filter.want("材料");
+    QTRY_COMPARE(count(g), QString("0/0"));
+    press(g, Qt::Key_F3);
+    g.filter.want("");
+    press(g, Qt::Key_F3);
+    QCOMPARE(count(g).section('/', 1), QString("2"));
+    g.view->sortByColumn(3, Qt::DescendingOrder);
+    QTRY_COMPARE(g.text("0.0:code"), QString("CL1003"));
+    press(g, Qt::Key_F3);
+    QVERIFY(g.view->currentIndex().data().toString().startsWith(QString::fromUtf8("螺纹钢")));
+    g.model.reset([&g] { g.op.tree.clear(); });
+    press(g, Qt::Key_F3);
+    QTRY_COMPARE(count(g), QString("0/0"));
+    g.view->setModel(nullptr);
+    press(g, Qt::Key_F3);
+    g.view->setModel(&g.filter);
+    press(g, Qt::Key_F3);
+  }
+
+  void doesNotCoverWhatItFinds() {
+    SampleGrid g(3, 40);
+    g.view->expandAll();
+    QTest::qWait(20);
+    type(g, "备注");
+    for (int i = 0; i < 60; ++i) {
+      press(g, Qt::Key_F3);
+      const QRect hit =
+          g.view->visualRect(g.view->currentIndex()).translated(g.view->viewport()->pos());
+      if (i > 8)
+        QVERIFY2(!hit.intersects(g.view->searchBox()->geometry()), qPrintable(g.current()));
+    }
+  }
+};
 
 QCE_WIDGET_TEST_MAIN(TestSearchBox)
 #include "tst_search_box.moc"

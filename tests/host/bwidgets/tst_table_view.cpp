@@ -11,82 +11,76 @@ class TestTableView : public QObject {
   Q_OBJECT
 
  private slots:
-  void showsRowNumbersBesideTheCells();
-  void selectsRowsByTheirNumbers();
-  void growsWithTheNumberOfRows();
-  void hasFrozenColumnsToo();
-  void dialogSpeaksChinese();
+  void showsRowNumbersBesideTheCells() {
+    SampleGrid g(30, 0, new bwidgets::TableView);
+    auto* table = static_cast<bwidgets::TableView*>(g.view.get());
+    const int width = table->rowNumberWidth();
+    QVERIFY(width > 0);
+    QTest::qWait(20);
+    QVERIFY(table->viewport()->geometry().left() >= width);
+    QCOMPARE(table->header()->geometry().left(), table->viewport()->geometry().left());
+    QCOMPARE(table->header()->width(), table->viewport()->width());
+    // The last column can be scrolled into sight in full.
+    table->horizontalScrollBar()->setValue(table->horizontalScrollBar()->maximum());
+    const QRect last = table->visualRect(g.cell("0:note"));
+    QVERIFY(last.right() < table->viewport()->width());
+    QVERIFY(last.right() > table->viewport()->width() - 5);
+    g.savePicture("table");
+    table->setRowNumbersShown(false);
+    QVERIFY(table->viewport()->geometry().left() < width);
+  }
+
+  void selectsRowsByTheirNumbers() {
+    SampleGrid g(30, 0, new bwidgets::TableView);
+    auto* numbers = g.view->findChild<QWidget*>("rowNumbers");
+    QVERIFY(numbers != nullptr);
+    const auto at = [&g](const char* path) {
+      return QPoint(
+          5, g.view->visualRect(g.cell(path)).center().y() + g.view->viewport()->geometry().top());
+    };
+    QTest::mouseClick(numbers, Qt::LeftButton, {}, at("2:code"));
+    QCOMPARE(g.view->selectedCells().size(), 8);
+    QCOMPARE(g.current(), QString("2:code"));
+    QTest::mouseClick(numbers, Qt::LeftButton, Qt::ShiftModifier, at("4:code"));
+    QCOMPARE(g.view->selectedElements().size(), std::size_t(3));
+    QTest::mouseClick(numbers, Qt::LeftButton, Qt::ControlModifier, at("6:code"));
+    QCOMPARE(g.view->selectedElements().size(), std::size_t(4));
+    QTest::mouseClick(numbers, Qt::LeftButton, {}, QPoint(5, 5));
+    QCOMPARE(g.view->selectedElements().size(), std::size_t(30));
+  }
+
+  void growsWithTheNumberOfRows() {
+    SampleGrid g(5, 0, new bwidgets::TableView);
+    QTest::qWait(20);
+    const int before = g.view->viewport()->geometry().left();
+    g.model.reset([&g] {
+      for (int i = 0; i < 20000; ++i) g.op.tree.add("x");
+    });
+    QTRY_VERIFY(g.view->viewport()->geometry().left() > before);
+  }
+
+  void hasFrozenColumnsToo() {
+    SampleGrid g(30, 0, new bwidgets::TableView);
+    g.view->setFrozenColumnCount(1);
+    const QRect code = g.view->visualRect(g.cell("1:code"));
+    g.scrollTo(100);
+    QCOMPARE(g.view->visualRect(g.cell("1:code")), code);
+    QCOMPARE(g.pathOf(g.view->indexAt(code.center())), QString("1:code"));
+  }
+
+  void dialogSpeaksChinese() {
+    bwidgets::Dialog dialog;
+    QVERIFY(!(dialog.windowFlags() & Qt::WindowContextHelpButtonHint));
+    QDialogButtonBox* box = dialog.createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    QCOMPARE(box->button(QDialogButtonBox::Ok)->text(), QString::fromUtf8("确定"));
+    QCOMPARE(box->button(QDialogButtonBox::Cancel)->text(), QString::fromUtf8("取消"));
+    dialog.show();
+    box->button(QDialogButtonBox::Ok)->click();
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    dialog.resizeToScreen(0.5, 0.5);
+    QVERIFY(dialog.width() > 100);
+  }
 };
-
-void TestTableView::showsRowNumbersBesideTheCells() {
-  SampleGrid g(30, 0, new bwidgets::TableView);
-  auto* table = static_cast<bwidgets::TableView*>(g.view.get());
-  const int width = table->rowNumberWidth();
-  QVERIFY(width > 0);
-  QTest::qWait(20);
-  QVERIFY(table->viewport()->geometry().left() >= width);
-  QCOMPARE(table->header()->geometry().left(), table->viewport()->geometry().left());
-  QCOMPARE(table->header()->width(), table->viewport()->width());
-  // The last column can be scrolled into sight in full.
-  table->horizontalScrollBar()->setValue(table->horizontalScrollBar()->maximum());
-  const QRect last = table->visualRect(g.cell("0:note"));
-  QVERIFY(last.right() < table->viewport()->width());
-  QVERIFY(last.right() > table->viewport()->width() - 5);
-  g.savePicture("table");
-  table->setRowNumbersShown(false);
-  QVERIFY(table->viewport()->geometry().left() < width);
-}
-
-void TestTableView::selectsRowsByTheirNumbers() {
-  SampleGrid g(30, 0, new bwidgets::TableView);
-  auto* numbers = g.view->findChild<QWidget*>("rowNumbers");
-  QVERIFY(numbers != nullptr);
-  const auto at = [&g](const char* path) {
-    return QPoint(
-        5, g.view->visualRect(g.cell(path)).center().y() + g.view->viewport()->geometry().top());
-  };
-  QTest::mouseClick(numbers, Qt::LeftButton, {}, at("2:code"));
-  QCOMPARE(g.view->selectedCells().size(), 8);
-  QCOMPARE(g.current(), QString("2:code"));
-  QTest::mouseClick(numbers, Qt::LeftButton, Qt::ShiftModifier, at("4:code"));
-  QCOMPARE(g.view->selectedElements().size(), std::size_t(3));
-  QTest::mouseClick(numbers, Qt::LeftButton, Qt::ControlModifier, at("6:code"));
-  QCOMPARE(g.view->selectedElements().size(), std::size_t(4));
-  QTest::mouseClick(numbers, Qt::LeftButton, {}, QPoint(5, 5));
-  QCOMPARE(g.view->selectedElements().size(), std::size_t(30));
-}
-
-void TestTableView::growsWithTheNumberOfRows() {
-  SampleGrid g(5, 0, new bwidgets::TableView);
-  QTest::qWait(20);
-  const int before = g.view->viewport()->geometry().left();
-  g.model.reset([&g] {
-    for (int i = 0; i < 20000; ++i) g.op.tree.add("x");
-  });
-  QTRY_VERIFY(g.view->viewport()->geometry().left() > before);
-}
-
-void TestTableView::hasFrozenColumnsToo() {
-  SampleGrid g(30, 0, new bwidgets::TableView);
-  g.view->setFrozenColumnCount(1);
-  const QRect code = g.view->visualRect(g.cell("1:code"));
-  g.scrollTo(100);
-  QCOMPARE(g.view->visualRect(g.cell("1:code")), code);
-  QCOMPARE(g.pathOf(g.view->indexAt(code.center())), QString("1:code"));
-}
-
-void TestTableView::dialogSpeaksChinese() {
-  bwidgets::Dialog dialog;
-  QVERIFY(!(dialog.windowFlags() & Qt::WindowContextHelpButtonHint));
-  QDialogButtonBox* box = dialog.createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-  QCOMPARE(box->button(QDialogButtonBox::Ok)->text(), QString::fromUtf8("确定"));
-  QCOMPARE(box->button(QDialogButtonBox::Cancel)->text(), QString::fromUtf8("取消"));
-  dialog.show();
-  box->button(QDialogButtonBox::Ok)->click();
-  QCOMPARE(dialog.result(), int(QDialog::Accepted));
-  dialog.resizeToScreen(0.5, 0.5);
-  QVERIFY(dialog.width() > 100);
-}
 
 QCE_WIDGET_TEST_MAIN(TestTableView)
 #include "tst_table_view.moc"

@@ -1,5 +1,6 @@
 #include <QLineEdit>
 
+#include "tests/support/rows.h"
 #include "tests/support/sample_grid.h"
 #include "tests/support/test_main.h"
 
@@ -9,475 +10,454 @@ class TestTreeGridView : public QObject {
   Q_OBJECT
 
  private slots:
-  void keepsFrozenColumnsInPlace();
-  void paintsFrozenColumnsOverTheOthers();
-  void letsGoOfFrozenColumnsInANarrowWindow();
-  void showsTheCurrentCellBesideFrozenColumns();
-  void movesOverAllShownColumns();
-  void movesOverRowsAndDisabledCells();
-  void selectsBlocksByShiftKeysAcrossTheBorder();
-  void selectsBlocksByMouse();
-  void selectsBlocksOverMovedColumns();
-  void expandsFromTheBranchMark_data();
-  void expandsFromTheBranchMark();
-  void expandsByKeyboard();
-  void drawsCaptionsOverGroupedColumns();
-  void keepsWidthsInTheModel();
-  void resizesFrozenColumnsByMouse();
-  void sortsByHeaderClick();
-  void zooms();
-  void tellsElements();
-  void selectsElements();
-  void acceptsDisabledCellsAsCurrent();
-  void fitsRowsToTheirTexts();
-};
+  void keepsFrozenColumnsInPlace() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.view->setFrozenColumnCount(2);
+    const QRect code = g.view->visualRect(g.cell("0.1:code"));
+    const QRect price = g.view->visualRect(g.cell("0.1:price"));
+    g.scrollTo(150);
+    QCOMPARE(g.view->visualRect(g.cell("0.1:code")), code);
+    QCOMPARE(g.view->visualRect(g.cell("0.1:price")), price.translated(-150, 0));
+    QCOMPARE(g.pathOf(g.view->indexAt(code.center())), QString("0.1:code"));
+    // The amount column lies at 320..420, so 45 pixels of it are beneath the border at 260.
+    QCOMPARE(g.pathOf(g.view->indexAt(QPoint(259, code.center().y()))), QString("0.1:name"));
+    QCOMPARE(g.pathOf(g.view->indexAt(QPoint(261, code.center().y()))), QString("0.1:amount"));
 
-void TestTreeGridView::keepsFrozenColumnsInPlace() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.view->setFrozenColumnCount(2);
-  const QRect code = g.view->visualRect(g.cell("0.1:code"));
-  const QRect price = g.view->visualRect(g.cell("0.1:price"));
-  g.scrollTo(150);
-  QCOMPARE(g.view->visualRect(g.cell("0.1:code")), code);
-  QCOMPARE(g.view->visualRect(g.cell("0.1:price")), price.translated(-150, 0));
-  QCOMPARE(g.pathOf(g.view->indexAt(code.center())), QString("0.1:code"));
-  // The amount column lies at 320..420, so 45 pixels of it are beneath the border at 260.
-  QCOMPARE(g.pathOf(g.view->indexAt(QPoint(259, code.center().y()))), QString("0.1:name"));
-  QCOMPARE(g.pathOf(g.view->indexAt(QPoint(261, code.center().y()))), QString("0.1:amount"));
+    // Frozen cells are edited where they are shown.
+    g.click("0.1:code");
+    g.key(Qt::Key_F2);
+    QVERIFY(g.editor() != nullptr);
+    QVERIFY(code.contains(g.editor()->geometry()));
+    QTest::keyClicks(g.editor(), "X1");
+    QTest::keyClick(g.editor(), Qt::Key_Return);
+    QTRY_COMPARE(g.text("0.1:code"), QString("X1"));
+  }
 
-  // Frozen cells are edited where they are shown.
-  g.click("0.1:code");
-  g.key(Qt::Key_F2);
-  QVERIFY(g.editor() != nullptr);
-  QVERIFY(code.contains(g.editor()->geometry()));
-  QTest::keyClicks(g.editor(), "X1");
-  QTest::keyClick(g.editor(), Qt::Key_Return);
-  QTRY_COMPARE(g.text("0.1:code"), QString("X1"));
-}
+  void paintsFrozenColumnsOverTheOthers() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.view->setFrozenColumnCount(2);
+    g.setCurrent("0.0:note");
+    g.scrollTo(0);
+    QTest::qWait(20);  // the scroll bars come
+    const QImage unscrolled = g.view->grab().toImage();
+    g.scrollTo(150);
+    const QImage scrolled = g.view->grab().toImage();
+    const QRect strip(0, 0, 258, 260);
+    QCOMPARE(scrolled.copy(strip), unscrolled.copy(strip));
+    const QRect beside(262, 0, 250, 260);
+    QVERIFY(scrolled.copy(beside) != unscrolled.copy(beside));
+    QCOMPARE(scrolled.copy(beside.adjusted(0, 60, 0, 0)),
+             unscrolled.copy(beside.translated(150, 0).adjusted(0, 60, 0, 0)));
 
-void TestTreeGridView::paintsFrozenColumnsOverTheOthers() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.view->setFrozenColumnCount(2);
-  g.setCurrent("0.0:note");
-  g.scrollTo(0);
-  QTest::qWait(20);  // the scroll bars come
-  const QImage unscrolled = g.view->grab().toImage();
-  g.scrollTo(150);
-  const QImage scrolled = g.view->grab().toImage();
-  const QRect strip(0, 0, 258, 260);
-  QCOMPARE(scrolled.copy(strip), unscrolled.copy(strip));
-  const QRect beside(262, 0, 250, 260);
-  QVERIFY(scrolled.copy(beside) != unscrolled.copy(beside));
-  QCOMPARE(scrolled.copy(beside.adjusted(0, 60, 0, 0)),
-           unscrolled.copy(beside.translated(150, 0).adjusted(0, 60, 0, 0)));
+    // Painting piece by piece, as scrolling does it, gives the same picture.
+    g.scrollTo(0);
+    QTest::qWait(20);
+    g.scrollTo(40);
+    QTest::qWait(20);
+    g.scrollTo(150);
+    QTest::qWait(20);
+    QCOMPARE(g.view->grab().toImage(), scrolled);
 
-  // Painting piece by piece, as scrolling does it, gives the same picture.
-  g.scrollTo(0);
-  QTest::qWait(20);
-  g.scrollTo(40);
-  QTest::qWait(20);
-  g.scrollTo(150);
-  QTest::qWait(20);
-  QCOMPARE(g.view->grab().toImage(), scrolled);
+    g.view->openSearchBox();
+    QTest::keyClicks(g.view->searchBox()->lineEdit(), "lwg");
+    QTest::keyClick(g.view->searchBox()->lineEdit(), Qt::Key_Return);
+    g.scrollTo(150);
+    g.savePicture("grid-frozen");
+  }
 
-  g.view->openSearchBox();
-  QTest::keyClicks(g.view->searchBox()->lineEdit(), "lwg");
-  QTest::keyClick(g.view->searchBox()->lineEdit(), Qt::Key_Return);
-  g.scrollTo(150);
-  g.savePicture("grid-frozen");
-}
+  void letsGoOfFrozenColumnsInANarrowWindow() {
+    SampleGrid g;
+    g.view->setFrozenColumnCount(2);
+    QCOMPARE(g.view->gridHeader()->frozenWidth(), 260);
+    g.view->resize(300, 320);
+    QCOMPARE(g.view->gridHeader()->frozenWidth(), 120);
+    g.view->resize(140, 320);
+    QCOMPARE(g.view->gridHeader()->frozenWidth(), 0);
+    g.view->resize(700, 320);
+    QCOMPARE(g.view->gridHeader()->frozenWidth(), 260);
+    QCOMPARE(g.view->frozenColumnCount(), 2);
+    g.view->setColumnHidden(0, true);
+    QCOMPARE(g.view->gridHeader()->frozenWidth(), 140);
+  }
 
-void TestTreeGridView::letsGoOfFrozenColumnsInANarrowWindow() {
-  SampleGrid g;
-  g.view->setFrozenColumnCount(2);
-  QCOMPARE(g.view->gridHeader()->frozenWidth(), 260);
-  g.view->resize(300, 320);
-  QCOMPARE(g.view->gridHeader()->frozenWidth(), 120);
-  g.view->resize(140, 320);
-  QCOMPARE(g.view->gridHeader()->frozenWidth(), 0);
-  g.view->resize(700, 320);
-  QCOMPARE(g.view->gridHeader()->frozenWidth(), 260);
-  QCOMPARE(g.view->frozenColumnCount(), 2);
-  g.view->setColumnHidden(0, true);
-  QCOMPARE(g.view->gridHeader()->frozenWidth(), 140);
-}
-
-void TestTreeGridView::showsTheCurrentCellBesideFrozenColumns() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.view->setFrozenColumnCount(2);
-  const int border = g.view->gridHeader()->frozenWidth();
-  g.setCurrent("0.1:note");
-  QVERIFY(g.view->viewport()->rect().contains(g.view->visualRect(g.cell("0.1:note"))));
-  // Walking back, each cell comes out from beneath the frozen columns.
-  for (const char* key : {"owner", "total", "price", "amount", "unit"}) {
+  void showsTheCurrentCellBesideFrozenColumns() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.view->setFrozenColumnCount(2);
+    const int border = g.view->gridHeader()->frozenWidth();
+    g.setCurrent("0.1:note");
+    QVERIFY(g.view->viewport()->rect().contains(g.view->visualRect(g.cell("0.1:note"))));
+    // Walking back, each cell comes out from beneath the frozen columns.
+    for (const char* key : {"owner", "total", "price", "amount", "unit"}) {
+      g.key(Qt::Key_Left);
+      QCOMPARE(g.current(), QString("0.1:") + key);
+      const QRect cell = g.view->visualRect(g.view->currentIndex());
+      QVERIFY2(cell.left() >= border && cell.right() < g.view->viewport()->width(), key);
+    }
+    const int value = g.view->horizontalScrollBar()->value();
     g.key(Qt::Key_Left);
-    QCOMPARE(g.current(), QString("0.1:") + key);
-    const QRect cell = g.view->visualRect(g.view->currentIndex());
-    QVERIFY2(cell.left() >= border && cell.right() < g.view->viewport()->width(), key);
+    QCOMPARE(g.current(), QString("0.1:name"));
+    QCOMPARE(g.view->horizontalScrollBar()->value(), value);  // it is in sight anyway
+
+    // An editor beneath the border does not cover the frozen columns.
+    g.setCurrent("0.1:unit");
+    g.key(Qt::Key_F2);
+    QVERIFY(g.editor() != nullptr);
+    g.scrollTo(30);
+    QVERIFY(!g.editor()->mask().isEmpty());
+    QVERIFY(!g.editor()->mask().contains(QPoint(0, 5)));
   }
-  const int value = g.view->horizontalScrollBar()->value();
-  g.key(Qt::Key_Left);
-  QCOMPARE(g.current(), QString("0.1:name"));
-  QCOMPARE(g.view->horizontalScrollBar()->value(), value);  // it is in sight anyway
 
-  // An editor beneath the border does not cover the frozen columns.
-  g.setCurrent("0.1:unit");
-  g.key(Qt::Key_F2);
-  QVERIFY(g.editor() != nullptr);
-  g.scrollTo(30);
-  QVERIFY(!g.editor()->mask().isEmpty());
-  QVERIFY(!g.editor()->mask().contains(QPoint(0, 5)));
-}
-
-void TestTreeGridView::movesOverAllShownColumns() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.view->setColumnHidden(2, true);
-  g.view->gridHeader()->moveSection(7, 1);  // note after code
-  g.setCurrent("0.1:code");
-  QStringList way;
-  for (int i = 0; i < 7; ++i) {
-    g.key(Qt::Key_Tab);
-    way << g.current();
-  }
-  QCOMPARE(way.join(' '), QString("0.1:note 0.1:name 0.1:amount 0.1:price 0.1:total 0.1:owner "
-                                  "0.2:code"));
-  g.key(Qt::Key_Backtab, Qt::ShiftModifier);
-  QCOMPARE(g.current(), QString("0.1:owner"));
-  g.key(Qt::Key_Home);
-  QCOMPARE(g.current(), QString("0.1:code"));
-  g.key(Qt::Key_End);
-  QCOMPARE(g.current(), QString("0.1:owner"));
-  g.key(Qt::Key_End, Qt::ControlModifier);
-  QCOMPARE(g.current(), QString("2.3:owner"));
-  g.key(Qt::Key_Home, Qt::ControlModifier);
-  QCOMPARE(g.current(), QString("0:owner"));
-}
-
-void TestTreeGridView::movesOverRowsAndDisabledCells() {
-  SampleGrid g;
-  g.view->expand(g.cell("0:code"));
-  g.op.disabledKey = "price";
-  g.setCurrent("0.3:amount");
-  g.key(Qt::Key_Right);
-  QCOMPARE(g.current(), QString("0.3:total"));
-  g.key(Qt::Key_Left);
-  QCOMPARE(g.current(), QString("0.3:amount"));
-  g.key(Qt::Key_Down);
-  QCOMPARE(g.current(), QString("1:amount"));  // the next group is collapsed
-  g.key(Qt::Key_Down);
-  g.key(Qt::Key_Down);
-  QCOMPARE(g.current(), QString("2:amount"));
-  g.key(Qt::Key_Return, Qt::ShiftModifier);
-  QCOMPARE(g.current(), QString("1:amount"));
-  g.key(Qt::Key_PageUp);
-  QCOMPARE(g.current(), QString("0:amount"));
-}
-
-void TestTreeGridView::selectsBlocksByShiftKeysAcrossTheBorder() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.view->setFrozenColumnCount(2);
-  g.setCurrent("0.1:unit");
-  g.view->setCurrentIndex(g.cell("0.1:unit"));
-  // The start scrolls out of sight beneath the frozen columns.
-  for (int i = 0; i < 5; ++i) g.key(Qt::Key_Right, Qt::ShiftModifier);
-  g.key(Qt::Key_Down, Qt::ShiftModifier);
-  QCOMPARE(g.current(), QString("0.2:note"));
-  QStringList cells;
-  for (const QModelIndex& cell : g.view->selectedCells()) cells << g.pathOf(cell);
-  QCOMPARE(cells.join(' '), QString("0.1:unit 0.1:amount 0.1:price 0.1:total 0.1:owner 0.1:note "
-                                    "0.2:unit 0.2:amount 0.2:price 0.2:total 0.2:owner 0.2:note"));
-  // A plain key starts anew from there.
-  g.key(Qt::Key_Left);
-  g.key(Qt::Key_Up, Qt::ShiftModifier);
-  QCOMPARE(g.view->selectedCells().size(), 2);
-}
-
-void TestTreeGridView::selectsBlocksByMouse() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.view->setFrozenColumnCount(2);
-  g.scrollTo(150);
-  const auto centre = [&g](const char* path) { return g.view->visualRect(g.cell(path)).center(); };
-  // A drag from a frozen column into a scrolled one takes what lies between them, hidden or not.
-  QTest::mousePress(g.view->viewport(), Qt::LeftButton, {}, centre("0.0:name"));
-  QMouseEvent move(QEvent::MouseMove, centre("0.1:price"), Qt::NoButton, Qt::LeftButton, {});
-  QCoreApplication::sendEvent(g.view->viewport(), &move);
-  QTest::mouseRelease(g.view->viewport(), Qt::LeftButton, {}, centre("0.1:price"));
-  QStringList cells;
-  for (const QModelIndex& cell : g.view->selectedCells()) cells << g.pathOf(cell);
-  QCOMPARE(cells.join(' '), QString("0.0:name 0.0:unit 0.0:amount 0.0:price "
-                                    "0.1:name 0.1:unit 0.1:amount 0.1:price"));
-
-  g.click("0.2:code");
-  QCOMPARE(g.view->selectedCells().size(), 1);
-  g.click("1:name", Qt::ShiftModifier);  // over the border of a group
-  QCOMPARE(g.view->selectedElements().size(), std::size_t(3));
-  g.click("1.1:price", Qt::ControlModifier);
-  QCOMPARE(g.view->selectedCells().size(), 7);
-  g.click("1.1:price", Qt::ControlModifier);
-  QCOMPARE(g.view->selectedCells().size(), 6);
-}
-
-void TestTreeGridView::selectsBlocksOverMovedColumns() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.view->gridHeader()->moveSection(7, 1);  // note between code and name
-  g.view->setColumnHidden(2, true);
-  g.click("0.0:code");
-  g.click("0.0:amount", Qt::ShiftModifier);
-  QStringList cells;
-  for (const QModelIndex& cell : g.view->selectedCells()) cells << g.pathOf(cell);
-  QCOMPARE(cells.join(' '), QString("0.0:code 0.0:note 0.0:name 0.0:amount"));
-}
-
-void TestTreeGridView::expandsFromTheBranchMark_data() {
-  QTest::addColumn<int>("treeColumn");
-  QTest::addColumn<int>("frozen");
-  QTest::addColumn<int>("scrolled");
-  QTest::newRow("first column") << 0 << 0 << 0;
-  QTest::newRow("frozen first column, scrolled") << 0 << 2 << 150;
-  QTest::newRow("second column") << 1 << 0 << 0;
-  QTest::newRow("frozen second column, scrolled") << 1 << 2 << 150;
-  QTest::newRow("scrolled second column") << 1 << 1 << 60;
-}
-
-void TestTreeGridView::expandsFromTheBranchMark() {
-  QFETCH(int, treeColumn);
-  QFETCH(int, frozen);
-  QFETCH(int, scrolled);
-  SampleGrid g;
-  g.view->setTreePosition(treeColumn);
-  g.view->setFrozenColumnCount(frozen);
-  g.scrollTo(scrolled);
-  const QRect content = g.view->visualRect(g.filter.index(1, treeColumn));
-  const QPoint mark(content.left() - g.view->indentation() / 2, content.center().y());
-  QTest::mouseClick(g.view->viewport(), Qt::LeftButton, {}, mark);
-  QVERIFY(g.view->isExpanded(g.cell("1:code")));
-  QTest::mouseClick(g.view->viewport(), Qt::LeftButton, {}, mark);
-  QVERIFY(!g.view->isExpanded(g.cell("1:code")));
-  // Elsewhere in the strip nothing folds, although a branch mark may lie beneath.
-  for (int x = 125; x < 700; x += 5) {
-    if (std::abs(x - mark.x()) > g.view->indentation()) {
-      QTest::mouseClick(g.view->viewport(), Qt::LeftButton, {}, QPoint(x, mark.y()));
+  void movesOverAllShownColumns() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.view->setColumnHidden(2, true);
+    g.view->gridHeader()->moveSection(7, 1);  // note after code
+    g.setCurrent("0.1:code");
+    QStringList way;
+    for (int i = 0; i < 7; ++i) {
+      g.key(Qt::Key_Tab);
+      way << g.current();
     }
+    QCOMPARE(way.join(' '), QString("0.1:note 0.1:name 0.1:amount 0.1:price 0.1:total 0.1:owner "
+                                    "0.2:code"));
+    g.key(Qt::Key_Backtab, Qt::ShiftModifier);
+    QCOMPARE(g.current(), QString("0.1:owner"));
+    g.key(Qt::Key_Home);
+    QCOMPARE(g.current(), QString("0.1:code"));
+    g.key(Qt::Key_End);
+    QCOMPARE(g.current(), QString("0.1:owner"));
+    g.key(Qt::Key_End, Qt::ControlModifier);
+    QCOMPARE(g.current(), QString("2.3:owner"));
+    g.key(Qt::Key_Home, Qt::ControlModifier);
+    QCOMPARE(g.current(), QString("0:owner"));
   }
-  QVERIFY(!g.view->isExpanded(g.cell("1:code")));
-  // A double click into a cell that cannot be edited folds its row.
-  g.op.readOnlyKey = "code";
-  g.click("1:code");
-  const QPoint centre = g.view->visualRect(g.cell("1:code")).center();
-  QTest::mouseDClick(g.view->viewport(), Qt::LeftButton, {}, centre);
-  QVERIFY(g.view->isExpanded(g.cell("1:code")));
-}
 
-void TestTreeGridView::expandsByKeyboard() {
-  SampleGrid g;
-  g.setCurrent("1:code");
-  g.key(Qt::Key_Right, Qt::AltModifier);
-  QVERIFY(g.view->isExpanded(g.cell("1:code")));
-  g.key(Qt::Key_Left, Qt::AltModifier);
-  QVERIFY(!g.view->isExpanded(g.cell("1:code")));
-  g.op.readOnlyKey = "code";
-  g.key(Qt::Key_Plus);
-  QVERIFY(g.view->isExpanded(g.cell("1:code")));
-  // Where a number can be typed, a minus is the start of it.
-  g.setCurrent("1:amount");
-  g.key(Qt::Key_Minus);
-  QVERIFY(g.view->isExpanded(g.cell("1:code")));
-  QVERIFY(g.editor() != nullptr);
-  QCOMPARE(g.editor()->text(), QString("-"));
-}
+  void movesOverRowsAndDisabledCells() {
+    SampleGrid g;
+    g.view->expand(g.cell("0:code"));
+    g.op.disabledKey = "price";
+    g.setCurrent("0.3:amount");
+    g.key(Qt::Key_Right);
+    QCOMPARE(g.current(), QString("0.3:total"));
+    g.key(Qt::Key_Left);
+    QCOMPARE(g.current(), QString("0.3:amount"));
+    g.key(Qt::Key_Down);
+    QCOMPARE(g.current(), QString("1:amount"));  // the next group is collapsed
+    g.key(Qt::Key_Down);
+    g.key(Qt::Key_Down);
+    QCOMPARE(g.current(), QString("2:amount"));
+    g.key(Qt::Key_Return, Qt::ShiftModifier);
+    QCOMPARE(g.current(), QString("1:amount"));
+    g.key(Qt::Key_PageUp);
+    QCOMPARE(g.current(), QString("0:amount"));
+  }
 
-void TestTreeGridView::drawsCaptionsOverGroupedColumns() {
-  SampleGrid g;
-  const bwidgets::GridHeader* header = g.view->gridHeader();
-  QVERIFY(header->hasGroups());
-  std::vector<bwidgets::HeaderSpan> wanted = {{0, 3, 4, 320, 210}, {1, 6, 7, 660, 240}};
-  QVERIFY(header->spans() == wanted);
-  // Columns that the filter leaves out shift the others.
-  g.table.getHeader()->column("unit")->visible = false;
-  g.filter.want("");
-  wanted = {{0, 2, 3, 260, 210}, {1, 5, 6, 600, 240}};
-  QVERIFY(header->spans() == wanted);
-  // Nor does a column that is left out take a neighbour under its caption, rows or no rows.
-  g.table.getHeader()->column("unit")->visible.reset();
-  g.table.getHeader()->column("amount")->visible = false;
-  wanted = {{0, 3, 3, 320, 110}, {1, 5, 6, 560, 240}};
-  g.filter.want("nothing has this name");
-  QVERIFY(header->spans() == wanted);
-  g.filter.want("");
-  QVERIFY(header->spans() == wanted);
-  g.table.getHeader()->column("amount")->visible.reset();
-  g.table.getHeader()->column("unit")->visible = false;
-  g.filter.want("");
-  // A click on a caption sorts nothing; one on a title below it does.
-  QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, QPoint(300, 5));
-  QCOMPARE(header->sortIndicatorSection(), -1);
-  QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, QPoint(300, header->height() - 5));
-  QCOMPARE(header->sortIndicatorSection(), 2);
-}
+  void selectsBlocksByShiftKeysAcrossTheBorder() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.view->setFrozenColumnCount(2);
+    g.setCurrent("0.1:unit");
+    g.view->setCurrentIndex(g.cell("0.1:unit"));
+    // The start scrolls out of sight beneath the frozen columns.
+    for (int i = 0; i < 5; ++i) g.key(Qt::Key_Right, Qt::ShiftModifier);
+    g.key(Qt::Key_Down, Qt::ShiftModifier);
+    QCOMPARE(g.current(), QString("0.2:note"));
+    QStringList cells;
+    for (const QModelIndex& cell : g.view->selectedCells()) cells << g.pathOf(cell);
+    QCOMPARE(cells.join(' '),
+             QString("0.1:unit 0.1:amount 0.1:price 0.1:total 0.1:owner 0.1:note "
+                     "0.2:unit 0.2:amount 0.2:price 0.2:total 0.2:owner 0.2:note"));
+    // A plain key starts anew from there.
+    g.key(Qt::Key_Left);
+    g.key(Qt::Key_Up, Qt::ShiftModifier);
+    QCOMPARE(g.view->selectedCells().size(), 2);
+  }
 
-void TestTreeGridView::keepsWidthsInTheModel() {
-  SampleGrid g;
-  QCOMPARE(g.view->columnWidth(1), 140);
-  g.view->header()->resizeSection(1, 175);
-  QCOMPARE(g.table.getHeader()->column("name")->width, std::optional<int>(175));
-  // Hiding and showing is no resizing.
-  g.view->setColumnHidden(1, true);
-  g.view->setColumnHidden(1, false);
-  QCOMPARE(g.table.getHeader()->column("name")->width, std::optional<int>(175));
-  g.table.getHeader()->column("name")->width = 90;
-  g.model.reset([] {});
-  QCOMPARE(g.view->columnWidth(1), 90);
+  void selectsBlocksByMouse() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.view->setFrozenColumnCount(2);
+    g.scrollTo(150);
+    const auto centre = [&g](const char* path) {
+      return g.view->visualRect(g.cell(path)).center();
+    };
+    // A drag from a frozen column into a scrolled one takes what lies between them, hidden or not.
+    QTest::mousePress(g.view->viewport(), Qt::LeftButton, {}, centre("0.0:name"));
+    QMouseEvent move(QEvent::MouseMove, centre("0.1:price"), Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(g.view->viewport(), &move);
+    QTest::mouseRelease(g.view->viewport(), Qt::LeftButton, {}, centre("0.1:price"));
+    QStringList cells;
+    for (const QModelIndex& cell : g.view->selectedCells()) cells << g.pathOf(cell);
+    QCOMPARE(cells.join(' '), QString("0.0:name 0.0:unit 0.0:amount 0.0:price "
+                                      "0.1:name 0.1:unit 0.1:amount 0.1:price"));
 
-  // Without a kept width the title and the first rows decide, and a refresh changes nothing.
-  g.table.getHeader()->column("note")->width.reset();
-  g.node(0, 0)->set("note", std::string("一段比较长的备注文字，用来撑开这一列"));
-  g.view->setModel(nullptr);
-  g.view->setModel(&g.filter);
-  g.view->expandAll();
-  g.view->applyDefaultColumnWidths();
-  const int sampled = g.view->columnWidth(7);
-  QVERIFY2(sampled > 200 && sampled <= 320, qPrintable(QString::number(sampled)));
-  g.node(0, 0)->set("note", std::string("短"));
-  g.model.reset([] {});
-  QCOMPARE(g.view->columnWidth(7), sampled);
-  QVERIFY(!g.table.getHeader()->column("note")->width);
+    g.click("0.2:code");
+    QCOMPARE(g.view->selectedCells().size(), 1);
+    g.click("1:name", Qt::ShiftModifier);  // over the border of a group
+    QCOMPARE(g.view->selectedElements().size(), std::size_t(3));
+    g.click("1.1:price", Qt::ControlModifier);
+    QCOMPARE(g.view->selectedCells().size(), 7);
+    g.click("1.1:price", Qt::ControlModifier);
+    QCOMPARE(g.view->selectedCells().size(), 6);
+  }
 
-  // A column that the model leaves out for a while comes back as wide as it was.
-  domain::ColumnDescriptor* unit = g.table.getHeader()->column("unit");
-  const std::function<void()> refreshes[] = {
-      [&g] { g.filter.want(""); }, [&g] { g.filter.invalidate(); }, [&g] { g.model.reset([] {}); }};
-  for (const auto& refresh : refreshes) {
-    for (const bool visible : {false, true}) {
-      unit->visible = visible;
-      refresh();
-      QCOMPARE(g.view->columnWidth(g.filter.getColumnIndex("amount")), 100);
+  void selectsBlocksOverMovedColumns() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.view->gridHeader()->moveSection(7, 1);  // note between code and name
+    g.view->setColumnHidden(2, true);
+    g.click("0.0:code");
+    g.click("0.0:amount", Qt::ShiftModifier);
+    QStringList cells;
+    for (const QModelIndex& cell : g.view->selectedCells()) cells << g.pathOf(cell);
+    QCOMPARE(cells.join(' '), QString("0.0:code 0.0:note 0.0:name 0.0:amount"));
+  }
+
+  void expandsFromTheBranchMark_data() {
+    const tests::Rows<int, int, int> row{"treeColumn", "frozen", "scrolled"};
+    row("first column", 0, 0, 0);
+    row("frozen first column, scrolled", 0, 2, 150);
+    row("second column", 1, 0, 0);
+    row("frozen second column, scrolled", 1, 2, 150);
+    row("scrolled second column", 1, 1, 60);
+  }
+  void expandsFromTheBranchMark() {
+    QFETCH(int, treeColumn);
+    QFETCH(int, frozen);
+    QFETCH(int, scrolled);
+    SampleGrid g;
+    g.view->setTreePosition(treeColumn);
+    g.view->setFrozenColumnCount(frozen);
+    g.scrollTo(scrolled);
+    const QRect content = g.view->visualRect(g.filter.index(1, treeColumn));
+    const QPoint mark(content.left() - g.view->indentation() / 2, content.center().y());
+    QTest::mouseClick(g.view->viewport(), Qt::LeftButton, {}, mark);
+    QVERIFY(g.view->isExpanded(g.cell("1:code")));
+    QTest::mouseClick(g.view->viewport(), Qt::LeftButton, {}, mark);
+    QVERIFY(!g.view->isExpanded(g.cell("1:code")));
+    // Elsewhere in the strip nothing folds, although a branch mark may lie beneath.
+    for (int x = 125; x < 700; x += 5) {
+      if (std::abs(x - mark.x()) > g.view->indentation()) {
+        QTest::mouseClick(g.view->viewport(), Qt::LeftButton, {}, QPoint(x, mark.y()));
+      }
     }
-    QCOMPARE(g.view->columnWidth(2), 60);
+    QVERIFY(!g.view->isExpanded(g.cell("1:code")));
+    // A double click into a cell that cannot be edited folds its row.
+    g.op.readOnlyKey = "code";
+    g.click("1:code");
+    const QPoint centre = g.view->visualRect(g.cell("1:code")).center();
+    QTest::mouseDClick(g.view->viewport(), Qt::LeftButton, {}, centre);
+    QVERIFY(g.view->isExpanded(g.cell("1:code")));
   }
-  QCOMPARE(unit->width, std::optional<int>(60));
-}
 
-void TestTreeGridView::resizesFrozenColumnsByMouse() {
-  SampleGrid g;
-  g.view->setFrozenColumnCount(2);
-  g.scrollTo(150);
-  QWidget* header = g.view->gridHeader()->viewport();
-  const int y = g.view->gridHeader()->height() - 5;
-  QTest::mousePress(header, Qt::LeftButton, {}, QPoint(119, y));
-  QMouseEvent move(QEvent::MouseMove, QPoint(149, y), Qt::NoButton, Qt::LeftButton, {});
-  QCoreApplication::sendEvent(header, &move);
-  QTest::mouseRelease(header, Qt::LeftButton, {}, QPoint(149, y));
-  QCOMPARE(g.view->columnWidth(0), 150);
-  QCOMPARE(g.table.getHeader()->column("code")->width, std::optional<int>(150));
-  QCOMPARE(g.view->header()->sortIndicatorSection(), -1);
-  // A click into a frozen title sorts by that column and not by the one beneath.
-  QTest::mouseClick(header, Qt::LeftButton, {}, QPoint(60, y));
-  QCOMPARE(g.view->header()->sortIndicatorSection(), 0);
-}
+  void expandsByKeyboard() {
+    SampleGrid g;
+    g.setCurrent("1:code");
+    g.key(Qt::Key_Right, Qt::AltModifier);
+    QVERIFY(g.view->isExpanded(g.cell("1:code")));
+    g.key(Qt::Key_Left, Qt::AltModifier);
+    QVERIFY(!g.view->isExpanded(g.cell("1:code")));
+    g.op.readOnlyKey = "code";
+    g.key(Qt::Key_Plus);
+    QVERIFY(g.view->isExpanded(g.cell("1:code")));
+    // Where a number can be typed, a minus is the start of it.
+    g.setCurrent("1:amount");
+    g.key(Qt::Key_Minus);
+    QVERIFY(g.view->isExpanded(g.cell("1:code")));
+    QVERIFY(g.editor() != nullptr);
+    QCOMPARE(g.editor()->text(), QString("-"));
+  }
 
-void TestTreeGridView::sortsByHeaderClick() {
-  SampleGrid g;
-  QCOMPARE(g.text("0:code"), QString("人工"));  // nothing is sorted on showing
-  QWidget* header = g.view->gridHeader()->viewport();
-  const QPoint code(60, g.view->gridHeader()->height() / 2);
-  QTest::mouseClick(header, Qt::LeftButton, {}, code);
-  QTRY_COMPARE(g.text("0:code"), QString("材料"));  // cai, ji, ren
-  QTest::mouseClick(header, Qt::LeftButton, {}, code);
-  QTRY_COMPARE(g.text("0:code"), QString("人工"));
-  QCOMPARE(g.text("1:code"), QString("机械"));
-}
+  void drawsCaptionsOverGroupedColumns() {
+    SampleGrid g;
+    const bwidgets::GridHeader* header = g.view->gridHeader();
+    QVERIFY(header->hasGroups());
+    std::vector<bwidgets::HeaderSpan> wanted = {{0, 3, 4, 320, 210}, {1, 6, 7, 660, 240}};
+    QVERIFY(header->spans() == wanted);
+    // Columns that the filter leaves out shift the others.
+    g.table.getHeader()->column("unit")->visible = false;
+    g.filter.want("");
+    wanted = {{0, 2, 3, 260, 210}, {1, 5, 6, 600, 240}};
+    QVERIFY(header->spans() == wanted);
+    // Nor does a column that is left out take a neighbour under its caption, rows or no rows.
+    g.table.getHeader()->column("unit")->visible.reset();
+    g.table.getHeader()->column("amount")->visible = false;
+    wanted = {{0, 3, 3, 320, 110}, {1, 5, 6, 560, 240}};
+    g.filter.want("nothing has this name");
+    QVERIFY(header->spans() == wanted);
+    g.filter.want("");
+    QVERIFY(header->spans() == wanted);
+    g.table.getHeader()->column("amount")->visible.reset();
+    g.table.getHeader()->column("unit")->visible = false;
+    g.filter.want("");
+    // A click on a caption sorts nothing; one on a title below it does.
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, QPoint(300, 5));
+    QCOMPARE(header->sortIndicatorSection(), -1);
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, QPoint(300, header->height() - 5));
+    QCOMPARE(header->sortIndicatorSection(), 2);
+  }
 
-void TestTreeGridView::zooms() {
-  SampleGrid g;
-  g.view->expandAll();
-  const int row = g.view->visualRect(g.cell("0:code")).height();
-  QSignalSpy zoomed(g.view.get(), &bwidgets::TreeGridView::zoomChanged);
-  g.view->setZoom(150);
-  QCOMPARE(zoomed.size(), 1);
-  QCOMPARE(g.view->columnWidth(0), 180);
-  const int larger = g.view->visualRect(g.cell("0:code")).height();
-  QVERIFY2(larger > row * 1.3 && larger < row * 1.7, qPrintable(QString::number(larger)));
-  QCOMPARE(g.table.getHeader()->column("code")->width, std::optional<int>(120));
-  g.view->header()->resizeSection(0, 210);
-  QCOMPARE(g.table.getHeader()->column("code")->width, std::optional<int>(140));
-  g.savePicture("grid-zoomed");
-  g.view->setZoom(100);
-  QCOMPARE(g.view->columnWidth(0), 140);
-  QCOMPARE(g.view->visualRect(g.cell("0:code")).height(), row);
-}
+  void keepsWidthsInTheModel() {
+    SampleGrid g;
+    QCOMPARE(g.view->columnWidth(1), 140);
+    g.view->header()->resizeSection(1, 175);
+    QCOMPARE(g.table.getHeader()->column("name")->width, std::optional<int>(175));
+    // Hiding and showing is no resizing.
+    g.view->setColumnHidden(1, true);
+    g.view->setColumnHidden(1, false);
+    QCOMPARE(g.table.getHeader()->column("name")->width, std::optional<int>(175));
+    g.table.getHeader()->column("name")->width = 90;
+    g.model.reset([] {});
+    QCOMPARE(g.view->columnWidth(1), 90);
 
-void TestTreeGridView::tellsElements() {
-  SampleGrid g;
-  g.view->expandAll();
-  std::vector<proxy::Element*> changes;
-  connect(g.view.get(), &bwidgets::TreeGridView::currentElementChanged, this,
-          [&changes](proxy::Element* element) { changes.push_back(element); });
-  g.setCurrent("1.2:name");
-  QCOMPARE(g.view->currentElement(), static_cast<proxy::Element*>(g.node(1, 2)));
-  QCOMPARE(changes.size(), std::size_t(1));
-  g.key(Qt::Key_Right);
-  QCOMPARE(changes.size(), std::size_t(1));  // the same row
-  g.key(Qt::Key_Down);
-  QCOMPARE(changes.size(), std::size_t(2));
+    // Without a kept width the title and the first rows decide, and a refresh changes nothing.
+    g.table.getHeader()->column("note")->width.reset();
+    g.node(0, 0)->set("note", std::string("一段比较长的备注文字，用来撑开这一列"));
+    g.view->setModel(nullptr);
+    g.view->setModel(&g.filter);
+    g.view->expandAll();
+    g.view->applyDefaultColumnWidths();
+    const int sampled = g.view->columnWidth(7);
+    QVERIFY2(sampled > 200 && sampled <= 320, qPrintable(QString::number(sampled)));
+    g.node(0, 0)->set("note", std::string("短"));
+    g.model.reset([] {});
+    QCOMPARE(g.view->columnWidth(7), sampled);
+    QVERIFY(!g.table.getHeader()->column("note")->width);
 
-  // Selected in whatever order, told from top to bottom, each once.
-  g.click("2.1:name");
-  g.click("0.3:unit", Qt::ControlModifier);
-  g.click("0.3:price", Qt::ControlModifier);
-  g.click("1:name", Qt::ControlModifier);
-  const std::vector<proxy::Element*> wanted = {g.node(0, 3), g.op.tree.node(1), g.node(2, 1)};
-  QVERIFY(g.view->selectedElements() == wanted);
-  g.view->collapse(g.cell("2:code"));  // what is not shown is not acted upon
-  QCOMPARE(g.view->selectedElements().size(), std::size_t(2));
-  changes.clear();
-  g.model.reset([&g] { g.op.tree.clear(); });
-  QVERIFY(!changes.empty() && changes.back() == nullptr);
-  QVERIFY(g.view->selectedElements().empty());
-}
+    // A column that the model leaves out for a while comes back as wide as it was.
+    domain::ColumnDescriptor* unit = g.table.getHeader()->column("unit");
+    const std::function<void()> refreshes[] = {[&g] { g.filter.want(""); },
+                                               [&g] { g.filter.invalidate(); },
+                                               [&g] { g.model.reset([] {}); }};
+    for (const auto& refresh : refreshes) {
+      for (const bool visible : {false, true}) {
+        unit->visible = visible;
+        refresh();
+        QCOMPARE(g.view->columnWidth(g.filter.getColumnIndex("amount")), 100);
+      }
+      QCOMPARE(g.view->columnWidth(2), 60);
+    }
+    QCOMPARE(unit->width, std::optional<int>(60));
+  }
 
-void TestTreeGridView::selectsElements() {
-  SampleGrid g;
-  g.filter.want("人工");
-  g.filter.want("");
-  const std::vector<proxy::Element*> wanted = {g.node(1, 1), g.node(1, 2), g.node(2, 0)};
-  g.view->selectElements({g.node(2, 0), nullptr, g.node(1, 1), g.node(1, 2)});
-  QVERIFY(g.view->selectedElements() == wanted);
-  QCOMPARE(g.view->currentElement(), static_cast<proxy::Element*>(g.node(2, 0)));
-  QVERIFY(g.view->isExpanded(g.cell("1:code")));
-  g.view->selectElements({});
-  QVERIFY(g.view->selectedElements().empty());
-}
+  void resizesFrozenColumnsByMouse() {
+    SampleGrid g;
+    g.view->setFrozenColumnCount(2);
+    g.scrollTo(150);
+    QWidget* header = g.view->gridHeader()->viewport();
+    const int y = g.view->gridHeader()->height() - 5;
+    QTest::mousePress(header, Qt::LeftButton, {}, QPoint(119, y));
+    QMouseEvent move(QEvent::MouseMove, QPoint(149, y), Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(header, &move);
+    QTest::mouseRelease(header, Qt::LeftButton, {}, QPoint(149, y));
+    QCOMPARE(g.view->columnWidth(0), 150);
+    QCOMPARE(g.table.getHeader()->column("code")->width, std::optional<int>(150));
+    QCOMPARE(g.view->header()->sortIndicatorSection(), -1);
+    // A click into a frozen title sorts by that column and not by the one beneath.
+    QTest::mouseClick(header, Qt::LeftButton, {}, QPoint(60, y));
+    QCOMPARE(g.view->header()->sortIndicatorSection(), 0);
+  }
 
-void TestTreeGridView::acceptsDisabledCellsAsCurrent() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.op.disabledKey = "price";
-  g.click("0.1:price");
-  QCOMPARE(g.current(), QString("0.1:price"));
-  QCOMPARE(g.view->selectedElements().size(), std::size_t(1));
-  g.key(Qt::Key_F2);
-  QVERIFY(g.editor() == nullptr);
-}
+  void sortsByHeaderClick() {
+    SampleGrid g;
+    QCOMPARE(g.text("0:code"), QString("人工"));  // nothing is sorted on showing
+    QWidget* header = g.view->gridHeader()->viewport();
+    const QPoint code(60, g.view->gridHeader()->height() / 2);
+    QTest::mouseClick(header, Qt::LeftButton, {}, code);
+    QTRY_COMPARE(g.text("0:code"), QString("材料"));  // cai, ji, ren
+    QTest::mouseClick(header, Qt::LeftButton, {}, code);
+    QTRY_COMPARE(g.text("0:code"), QString("人工"));
+    QCOMPARE(g.text("1:code"), QString("机械"));
+  }
 
-void TestTreeGridView::fitsRowsToTheirTexts() {
-  SampleGrid g;
-  g.node(0, 0)->set("note", std::string("第一行\n第二行\n第三行"));
-  g.view->expandAll();
-  const int plain = g.view->visualRect(g.cell("0.0:code")).height();
-  QCOMPARE(g.view->visualRect(g.cell("0.1:code")).height(), plain);
-  g.view->setRowsResizedToContents(true);
-  QVERIFY(g.view->visualRect(g.cell("0.0:code")).height() > 2 * plain);
-  QCOMPARE(g.view->visualRect(g.cell("0.1:code")).height(), plain);
-  g.view->setRowsResizedToContents(false);
-  QCOMPARE(g.view->visualRect(g.cell("0.0:code")).height(), plain);
-}
+  void zooms() {
+    SampleGrid g;
+    g.view->expandAll();
+    const int row = g.view->visualRect(g.cell("0:code")).height();
+    QSignalSpy zoomed(g.view.get(), &bwidgets::TreeGridView::zoomChanged);
+    g.view->setZoom(150);
+    QCOMPARE(zoomed.size(), 1);
+    QCOMPARE(g.view->columnWidth(0), 180);
+    const int larger = g.view->visualRect(g.cell("0:code")).height();
+    QVERIFY2(larger > row * 1.3 && larger < row * 1.7, qPrintable(QString::number(larger)));
+    QCOMPARE(g.table.getHeader()->column("code")->width, std::optional<int>(120));
+    g.view->header()->resizeSection(0, 210);
+    QCOMPARE(g.table.getHeader()->column("code")->width, std::optional<int>(140));
+    g.savePicture("grid-zoomed");
+    g.view->setZoom(100);
+    QCOMPARE(g.view->columnWidth(0), 140);
+    QCOMPARE(g.view->visualRect(g.cell("0:code")).height(), row);
+  }
+
+  void tellsElements() {
+    SampleGrid g;
+    g.view->expandAll();
+    std::vector<proxy::Element*> changes;
+    connect(g.view.get(), &bwidgets::TreeGridView::currentElementChanged, this,
+            [&changes](proxy::Element* element) { changes.push_back(element); });
+    g.setCurrent("1.2:name");
+    QCOMPARE(g.view->currentElement(), static_cast<proxy::Element*>(g.node(1, 2)));
+    QCOMPARE(changes.size(), std::size_t(1));
+    g.key(Qt::Key_Right);
+    QCOMPARE(changes.size(), std::size_t(1));  // the same row
+    g.key(Qt::Key_Down);
+    QCOMPARE(changes.size(), std::size_t(2));
+
+    // Selected in whatever order, told from top to bottom, each once.
+    g.click("2.1:name");
+    g.click("0.3:unit", Qt::ControlModifier);
+    g.click("0.3:price", Qt::ControlModifier);
+    g.click("1:name", Qt::ControlModifier);
+    const std::vector<proxy::Element*> wanted = {g.node(0, 3), g.op.tree.node(1), g.node(2, 1)};
+    QVERIFY(g.view->selectedElements() == wanted);
+    g.view->collapse(g.cell("2:code"));  // what is not shown is not acted upon
+    QCOMPARE(g.view->selectedElements().size(), std::size_t(2));
+    changes.clear();
+    g.model.reset([&g] { g.op.tree.clear(); });
+    QVERIFY(!changes.empty() && changes.back() == nullptr);
+    QVERIFY(g.view->selectedElements().empty());
+  }
+
+  void selectsElements() {
+    SampleGrid g;
+    g.filter.want("人工");
+    g.filter.want("");
+    const std::vector<proxy::Element*> wanted = {g.node(1, 1), g.node(1, 2), g.node(2, 0)};
+    g.view->selectElements({g.node(2, 0), nullptr, g.node(1, 1), g.node(1, 2)});
+    QVERIFY(g.view->selectedElements() == wanted);
+    QCOMPARE(g.view->currentElement(), static_cast<proxy::Element*>(g.node(2, 0)));
+    QVERIFY(g.view->isExpanded(g.cell("1:code")));
+    g.view->selectElements({});
+    QVERIFY(g.view->selectedElements().empty());
+  }
+
+  void acceptsDisabledCellsAsCurrent() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.op.disabledKey = "price";
+    g.click("0.1:price");
+    QCOMPARE(g.current(), QString("0.1:price"));
+    QCOMPARE(g.view->selectedElements().size(), std::size_t(1));
+    g.key(Qt::Key_F2);
+    QVERIFY(g.editor() == nullptr);
+  }
+
+  void fitsRowsToTheirTexts() {
+    SampleGrid g;
+    g.node(0, 0)->set("note", std::string("第一行\n第二行\n第三行"));
+    g.view->expandAll();
+    const int plain = g.view->visualRect(g.cell("0.0:code")).height();
+    QCOMPARE(g.view->visualRect(g.cell("0.1:code")).height(), plain);
+    g.view->setRowsResizedToContents(true);
+    QVERIFY(g.view->visualRect(g.cell("0.0:code")).height() > 2 * plain);
+    QCOMPARE(g.view->visualRect(g.cell("0.1:code")).height(), plain);
+    g.view->setRowsResizedToContents(false);
+    QCOMPARE(g.view->visualRect(g.cell("0.0:code")).height(), plain);
+  }
+};
 
 QCE_WIDGET_TEST_MAIN(TestTreeGridView)
 #include "tst_tree_grid_view.moc"

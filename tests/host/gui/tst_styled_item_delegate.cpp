@@ -2,6 +2,7 @@
 #include <QToolTip>
 
 #include "host/gui/styled_item_delegate.h"
+#include "tests/support/rows.h"
 #include "tests/support/sample_grid.h"
 #include "tests/support/test_main.h"
 
@@ -27,180 +28,165 @@ class TestStyledItemDelegate : public QObject {
   Q_OBJECT
 
  private slots:
-  void alignsByFieldType();
-  void returnCommitsAndGoesDown();
-  void tabCommitsAndGoesOn();
-  void escapeLeavesTheCell();
-  void typingReplacesTheText();
-  void editsWholeNumbersAndNotTheirDisplay();
-  void takesNumbersAlone_data();
-  void takesNumbersAlone();
-  void writesOnlyWhatChanged();
-  void keepsWhatIsTypedWhileTheModelChanges();
-  void togglesCheckBoxes();
-  void showsCutTextsAsToolTips();
+  void alignsByFieldType() {
+    SampleGrid g;
+    const Delegate delegate;
+    QVERIFY(delegate.option(g, "0.0:amount").displayAlignment & Qt::AlignRight);
+    QVERIFY(delegate.option(g, "0.0:name").displayAlignment & Qt::AlignLeft);
+    g.node(0, 0)->set("amount", Qt::TextAlignmentRole, int(Qt::AlignHCenter));
+    QVERIFY(!(delegate.option(g, "0.0:amount").displayAlignment & Qt::AlignRight));
+  }
+
+  void returnCommitsAndGoesDown() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.setCurrent("0.0:note");
+    g.key(Qt::Key_F2);
+    QVERIFY(g.editor() != nullptr);
+    QCOMPARE(g.editor()->selectedText(), QString::fromUtf8("备注0"));
+    QTest::keyClicks(g.editor(), "new");
+    QTest::keyClick(g.editor(), Qt::Key_Return);
+    QTRY_COMPARE(g.text("0.0:note"), QString("new"));
+    QTRY_COMPARE(g.current(), QString("0.1:note"));
+    QVERIFY(g.editor() == nullptr);
+    QCOMPARE(g.view->selectedCells().size(), 1);
+    QVERIFY(g.view->hasFocus());
+  }
+
+  void tabCommitsAndGoesOn() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.setCurrent("0.0:unit");
+    g.key(Qt::Key_F2);
+    QTest::keyClicks(g.editor(), "kg");
+    QTest::keyClick(g.editor(), Qt::Key_Tab);
+    QCOMPARE(g.text("0.0:unit"), QString("kg"));
+    QCOMPARE(g.current(), QString("0.0:amount"));
+    QVERIFY(g.editor() == nullptr);
+  }
+
+  void escapeLeavesTheCell() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.setCurrent("0.0:unit");
+    g.key(Qt::Key_F2);
+    QTest::keyClicks(g.editor(), "kg");
+    QTest::keyClick(g.editor(), Qt::Key_Escape);
+    QCOMPARE(g.text("0.0:unit"), QString("t"));
+    QCOMPARE(g.current(), QString("0.0:unit"));
+  }
+
+  void typingReplacesTheText() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.setCurrent("0.0:amount");
+    QTest::keyClick(g.view.get(), '7');
+    QVERIFY(g.editor() != nullptr);
+    QCOMPARE(g.editor()->text(), QString("7"));
+    QTest::keyClicks(g.editor(), ".5");
+    QTest::keyClick(g.editor(), Qt::Key_Return);
+    QTRY_COMPARE(g.text("0.0:amount"), QString("7.500"));
+    // A cell that cannot be edited stays as it is.
+    g.setCurrent("0.0:total");
+    QTest::keyClick(g.view.get(), '7');
+    QVERIFY(g.editor() == nullptr);
+  }
+
+  void editsWholeNumbersAndNotTheirDisplay() {
+    SampleGrid g;
+    g.node(0, 0)->set("price", 1234567.125);
+    g.view->expandAll();
+    g.setCurrent("0.0:price");
+    g.key(Qt::Key_F2);
+    QCOMPARE(g.editor()->text(), QString("1234567.125"));
+  }
+
+  void takesNumbersAlone_data() {
+    const tests::Rows<QString, double> row{"typed", "value"};
+    row("letters are not typed in", "1a2b", 12.0);
+    row("separators", "1,234.5", 1234.5);
+    row("full-width digits", QString::fromUtf8("１２．５"), 12.5);
+    row("Chinese full stop", QString::fromUtf8("3。5"), 3.5);
+    row("negative", "-2", -2.0);
+  }
+  void takesNumbersAlone() {
+    QFETCH(QString, typed);
+    SampleGrid g;
+    g.view->expandAll();
+    g.setCurrent("0.0:price");
+    g.key(Qt::Key_F2);
+    g.editor()->clear();
+    for (const QChar c : typed) g.editor()->insert(c);
+    QTest::keyClick(g.editor(), Qt::Key_Return);
+    QTRY_COMPARE(g.current(), QString("0.1:price"));
+    QTEST(std::get<double>(*g.node(0, 0)->find("price", Qt::EditRole)), "value");
+  }
+
+  void writesOnlyWhatChanged() {
+    SampleGrid g;
+    g.node(0, 0)->set("price", 1.23456);
+    g.view->expandAll();
+    g.setCurrent("0.0:price");
+    g.key(Qt::Key_F2);
+    QTest::keyClick(g.editor(), Qt::Key_Return);
+    QTRY_COMPARE(g.current(), QString("0.1:price"));
+    QVERIFY(g.services.undo.steps.empty());
+    // An emptied cell is cleared.
+    g.setCurrent("0.0:price");
+    g.key(Qt::Key_F2);
+    QTest::keyClick(g.editor(), Qt::Key_Delete);
+    QTest::keyClick(g.editor(), Qt::Key_Return);
+    QTRY_COMPARE(g.services.undo.steps.size(), std::size_t(1));
+    QVERIFY(std::holds_alternative<std::monostate>(g.op.lastWritten));
+  }
+
+  void keepsWhatIsTypedWhileTheModelChanges() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.setCurrent("0.0:note");
+    g.key(Qt::Key_F2);
+    QTest::keyClicks(g.editor(), "typed");
+    g.node(0, 0)->set("note", std::string("from elsewhere"));
+    emit g.model.dataChanged(g.model.index(0, 7, g.model.index(0, 0)),
+                             g.model.index(0, 7, g.model.index(0, 0)), {});
+    QCOMPARE(g.editor()->text(), QString("typed"));
+  }
+
+  void togglesCheckBoxes() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.setCurrent("0.1:owner");
+    const auto state = [&g] { return g.cell("0.1:owner").data(Qt::CheckStateRole).toInt(); };
+    QCOMPARE(state(), int(Qt::Unchecked));
+    g.key(Qt::Key_Space);
+    QCOMPARE(state(), int(Qt::Checked));
+    g.click("0.1:owner");  // the box stands in the middle
+    QCOMPARE(state(), int(Qt::Unchecked));
+    const QRect cell = g.view->visualRect(g.cell("0.1:owner"));
+    QTest::mouseClick(g.view->viewport(), Qt::LeftButton, {}, cell.topLeft() + QPoint(3, 3));
+    QCOMPARE(state(), int(Qt::Unchecked));  // beside it
+    g.op.checkableKey.clear();
+    g.click("0.1:owner");
+    QCOMPARE(state(), int(Qt::Unchecked));
+  }
+
+  void showsCutTextsAsToolTips() {
+    SampleGrid g;
+    const QString full = QString::fromUtf8("一段放不进这一列的备注，长得要用提示来看全部的文字");
+    g.node(0, 0)->set("note", full.toStdString());
+    g.view->expandAll();
+    g.view->setFrozenColumnCount(2);
+    g.view->scrollTo(g.cell("0.0:note"));
+    const auto tip = [&g](const char* path) {
+      const QPoint at = g.view->visualRect(g.cell(path)).center();
+      QHelpEvent event(QEvent::ToolTip, at, g.view->viewport()->mapToGlobal(at));
+      QCoreApplication::sendEvent(g.view->viewport(), &event);
+      return QToolTip::text();
+    };
+    QCOMPARE(tip("0.0:note"), full);
+    QTRY_COMPARE(tip("0.1:note"), QString());
+  }
 };
-
-void TestStyledItemDelegate::alignsByFieldType() {
-  SampleGrid g;
-  const Delegate delegate;
-  QVERIFY(delegate.option(g, "0.0:amount").displayAlignment & Qt::AlignRight);
-  QVERIFY(delegate.option(g, "0.0:name").displayAlignment & Qt::AlignLeft);
-  g.node(0, 0)->set("amount", Qt::TextAlignmentRole, int(Qt::AlignHCenter));
-  QVERIFY(!(delegate.option(g, "0.0:amount").displayAlignment & Qt::AlignRight));
-}
-
-void TestStyledItemDelegate::returnCommitsAndGoesDown() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.setCurrent("0.0:note");
-  g.key(Qt::Key_F2);
-  QVERIFY(g.editor() != nullptr);
-  QCOMPARE(g.editor()->selectedText(), QString::fromUtf8("备注0"));
-  QTest::keyClicks(g.editor(), "new");
-  QTest::keyClick(g.editor(), Qt::Key_Return);
-  QTRY_COMPARE(g.text("0.0:note"), QString("new"));
-  QTRY_COMPARE(g.current(), QString("0.1:note"));
-  QVERIFY(g.editor() == nullptr);
-  QCOMPARE(g.view->selectedCells().size(), 1);
-  QVERIFY(g.view->hasFocus());
-}
-
-void TestStyledItemDelegate::tabCommitsAndGoesOn() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.setCurrent("0.0:unit");
-  g.key(Qt::Key_F2);
-  QTest::keyClicks(g.editor(), "kg");
-  QTest::keyClick(g.editor(), Qt::Key_Tab);
-  QCOMPARE(g.text("0.0:unit"), QString("kg"));
-  QCOMPARE(g.current(), QString("0.0:amount"));
-  QVERIFY(g.editor() == nullptr);
-}
-
-void TestStyledItemDelegate::escapeLeavesTheCell() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.setCurrent("0.0:unit");
-  g.key(Qt::Key_F2);
-  QTest::keyClicks(g.editor(), "kg");
-  QTest::keyClick(g.editor(), Qt::Key_Escape);
-  QCOMPARE(g.text("0.0:unit"), QString("t"));
-  QCOMPARE(g.current(), QString("0.0:unit"));
-}
-
-void TestStyledItemDelegate::typingReplacesTheText() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.setCurrent("0.0:amount");
-  QTest::keyClick(g.view.get(), '7');
-  QVERIFY(g.editor() != nullptr);
-  QCOMPARE(g.editor()->text(), QString("7"));
-  QTest::keyClicks(g.editor(), ".5");
-  QTest::keyClick(g.editor(), Qt::Key_Return);
-  QTRY_COMPARE(g.text("0.0:amount"), QString("7.500"));
-  // A cell that cannot be edited stays as it is.
-  g.setCurrent("0.0:total");
-  QTest::keyClick(g.view.get(), '7');
-  QVERIFY(g.editor() == nullptr);
-}
-
-void TestStyledItemDelegate::editsWholeNumbersAndNotTheirDisplay() {
-  SampleGrid g;
-  g.node(0, 0)->set("price", 1234567.125);
-  g.view->expandAll();
-  g.setCurrent("0.0:price");
-  g.key(Qt::Key_F2);
-  QCOMPARE(g.editor()->text(), QString("1234567.125"));
-}
-
-void TestStyledItemDelegate::takesNumbersAlone_data() {
-  QTest::addColumn<QString>("typed");
-  QTest::addColumn<double>("value");
-  QTest::newRow("letters are not typed in") << "1a2b" << 12.0;
-  QTest::newRow("separators") << "1,234.5" << 1234.5;
-  QTest::newRow("full-width digits") << QString::fromUtf8("１２．５") << 12.5;
-  QTest::newRow("Chinese full stop") << QString::fromUtf8("3。5") << 3.5;
-  QTest::newRow("negative") << "-2" << -2.0;
-}
-
-void TestStyledItemDelegate::takesNumbersAlone() {
-  QFETCH(QString, typed);
-  SampleGrid g;
-  g.view->expandAll();
-  g.setCurrent("0.0:price");
-  g.key(Qt::Key_F2);
-  g.editor()->clear();
-  for (const QChar c : typed) g.editor()->insert(c);
-  QTest::keyClick(g.editor(), Qt::Key_Return);
-  QTRY_COMPARE(g.current(), QString("0.1:price"));
-  QTEST(std::get<double>(*g.node(0, 0)->find("price", Qt::EditRole)), "value");
-}
-
-void TestStyledItemDelegate::writesOnlyWhatChanged() {
-  SampleGrid g;
-  g.node(0, 0)->set("price", 1.23456);
-  g.view->expandAll();
-  g.setCurrent("0.0:price");
-  g.key(Qt::Key_F2);
-  QTest::keyClick(g.editor(), Qt::Key_Return);
-  QTRY_COMPARE(g.current(), QString("0.1:price"));
-  QVERIFY(g.services.undo.steps.empty());
-  // An emptied cell is cleared.
-  g.setCurrent("0.0:price");
-  g.key(Qt::Key_F2);
-  QTest::keyClick(g.editor(), Qt::Key_Delete);
-  QTest::keyClick(g.editor(), Qt::Key_Return);
-  QTRY_COMPARE(g.services.undo.steps.size(), std::size_t(1));
-  QVERIFY(std::holds_alternative<std::monostate>(g.op.lastWritten));
-}
-
-void TestStyledItemDelegate::keepsWhatIsTypedWhileTheModelChanges() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.setCurrent("0.0:note");
-  g.key(Qt::Key_F2);
-  QTest::keyClicks(g.editor(), "typed");
-  g.node(0, 0)->set("note", std::string("from elsewhere"));
-  emit g.model.dataChanged(g.model.index(0, 7, g.model.index(0, 0)),
-                           g.model.index(0, 7, g.model.index(0, 0)), {});
-  QCOMPARE(g.editor()->text(), QString("typed"));
-}
-
-void TestStyledItemDelegate::togglesCheckBoxes() {
-  SampleGrid g;
-  g.view->expandAll();
-  g.setCurrent("0.1:owner");
-  const auto state = [&g] { return g.cell("0.1:owner").data(Qt::CheckStateRole).toInt(); };
-  QCOMPARE(state(), int(Qt::Unchecked));
-  g.key(Qt::Key_Space);
-  QCOMPARE(state(), int(Qt::Checked));
-  g.click("0.1:owner");  // the box stands in the middle
-  QCOMPARE(state(), int(Qt::Unchecked));
-  const QRect cell = g.view->visualRect(g.cell("0.1:owner"));
-  QTest::mouseClick(g.view->viewport(), Qt::LeftButton, {}, cell.topLeft() + QPoint(3, 3));
-  QCOMPARE(state(), int(Qt::Unchecked));  // beside it
-  g.op.checkableKey.clear();
-  g.click("0.1:owner");
-  QCOMPARE(state(), int(Qt::Unchecked));
-}
-
-void TestStyledItemDelegate::showsCutTextsAsToolTips() {
-  SampleGrid g;
-  const QString full = QString::fromUtf8("一段放不进这一列的备注，长得要用提示来看全部的文字");
-  g.node(0, 0)->set("note", full.toStdString());
-  g.view->expandAll();
-  g.view->setFrozenColumnCount(2);
-  g.view->scrollTo(g.cell("0.0:note"));
-  const auto tip = [&g](const char* path) {
-    const QPoint at = g.view->visualRect(g.cell(path)).center();
-    QHelpEvent event(QEvent::ToolTip, at, g.view->viewport()->mapToGlobal(at));
-    QCoreApplication::sendEvent(g.view->viewport(), &event);
-    return QToolTip::text();
-  };
-  QCOMPARE(tip("0.0:note"), full);
-  QTRY_COMPARE(tip("0.1:note"), QString());
-}
 
 QCE_WIDGET_TEST_MAIN(TestStyledItemDelegate)
 #include "tst_styled_item_delegate.moc"

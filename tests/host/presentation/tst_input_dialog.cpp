@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "tests/support/recording_services.h"
+#include "tests/support/rows.h"
 #include "tests/support/test_main.h"
 
 class TestInputDialog : public QObject {
@@ -24,11 +25,11 @@ class TestInputDialog : public QObject {
   }
 
   void refusesWhatIsNoNumberWithinTheBounds_data() {
-    QTest::addColumn<QString>("typed");
-    QTest::newRow("empty") << "";
-    QTest::newRow("sign only") << "-";
-    QTest::newRow("below") << "-5";
-    QTest::newRow("above") << "101";
+    const tests::Rows<QString> row{"typed"};
+    row("empty", "");
+    row("sign only", "-");
+    row("below", "-5");
+    row("above", "101");
   }
   void refusesWhatIsNoNumberWithinTheBounds() {
     QFETCH(QString, typed);

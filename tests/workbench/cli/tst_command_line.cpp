@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "tests/support/rows.h"
+
 namespace {
 
 struct Result {
@@ -44,173 +46,155 @@ class CommandLineTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void helpIsChinese_data();
-  void helpIsChinese();
-  void wrongUse_data();
-  void wrongUse();
-  void newThenCheck();
-  void refusalsLeaveNothingBehind();
-  void sampleFollowsItsSeed();
-  void argumentsAreUtf8InAnyLocale();
-  void windowNeedsADisplay();
-  void tourTakesPicturesAndLeavesTheProjectAlone();
+  void helpIsChinese_data() {
+    const tests::Rows<QStringList, QString> row{"arguments", "part"};
+    row("all", QStringList{"--help"}, "用法：qce-workbench [工程.qcp]");
+    row("word", QStringList{"help"}, "用法：qce-workbench [工程.qcp]");
+    row("new", QStringList{"new", "--help"}, "--source 文件");
+    row("check", QStringList{"check", "--help"}, "check 工程.qcp");
+    row("tour", QStringList{"tour", "x.qcp", "--help"}, "--out 目录");
+    row("sample", QStringList{"sample", "--help"}, "--seed 种子");
+    row("version", QStringList{"--version"}, "qce-workbench 0.");
+  }
+  void helpIsChinese() {
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, part);
+    const Result result = run(arguments);
+    QCOMPARE(result.code, 0);
+    QVERIFY2(result.out.contains(part), qPrintable(result.out));
+    QVERIFY2(result.error.isEmpty(), qPrintable(result.error));
+  }
+
+  void wrongUse_data() {
+    const tests::Rows<QStringList, QString> row{"arguments", "message"};
+    const auto sample = [](const QString& resources) {
+      return QStringList{"sample", "--resources", resources, "--seed", "1", "--out", "x.TBQD"};
+    };
+    row("unknown option", QStringList{"--nonsense"}, "没有选项 --nonsense");
+    row("unknown command", QStringList{"open", "a.qcp"}, "没有命令 open");
+    row("mistyped command", QStringList{"chekc"}, "没有命令 chekc");
+    row("missing option", QStringList{"new", "--source", "a.TBQD"}, "缺少选项 --name");
+    row("missing value", QStringList{"tour", "a.qcp", "--out"}, "--out 缺少内容");
+    row("empty value", QStringList{"tour", "a.qcp", "--out="}, "--out 缺少内容");
+    row("type",
+        QStringList{"new", "--source", "a.TBQD", "--name", "a", "--type", "成本", "--out", "a.qcp"},
+        "--type 只能是：投标成本测算、目标成本测算");
+    row("twice", QStringList{"tour", "a.qcp", "--out", "x", "--out", "y"}, "只能给出一次");
+    row("too many", QStringList{"check", "a.qcp", "b.qcp"}, "多余的参数：“b.qcp”");
+    row("no operand", QStringList{"check"}, "缺少 工程.qcp");
+    row("no number", sample("many"), "--resources");
+    row("zero", sample("0"), "--resources");
+    row("too large", sample("5000001"), "--resources");
+  }
+  void wrongUse() {
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, message);
+    const Result result = run(arguments);
+    QCOMPARE(result.code, 2);
+    QVERIFY2(result.error.contains(message), qPrintable(result.error));
+    QVERIFY(result.error.contains("用法："));
+    QVERIFY(result.out.isEmpty());
+  }
+
+  void newThenCheck() {
+    const QString project = makeProject("新建", 300);
+    QVERIFY(QFile::exists(project));
+    const QByteArray before = contentOf(project);
+    const Result check = run({"check", project});
+    QVERIFY2(check.code == 0, qPrintable(check.error));
+    QVERIFY2(check.out.contains("检查通过"), qPrintable(check.out));
+    QCOMPARE(contentOf(project), before);
+  }
+
+  void refusalsLeaveNothingBehind() {
+    const QStringList rest{"--name", "甲", "--type", "投标成本测算", "--out"};
+    const QString out = path("refused.qcp");
+    const auto refused = [&](const QString& source, const QString& part) {
+      const Result result = run(QStringList{"new", "--source", source} + rest + QStringList{out});
+      QCOMPARE(result.code, 1);
+      QVERIFY2(result.error.contains(part), qPrintable(result.error));
+      QVERIFY(!QFile::exists(out));
+    };
+    refused(path("没有.TBQD"), "没有.TBQD");
+
+    makeProject("原件", 60);
+    QFile cut(path("cut.TBQD"));
+    QVERIFY(cut.open(QIODevice::WriteOnly));
+    cut.write(contentOf(path("原件.TBQD")).left(2500));
+    cut.close();
+    refused(cut.fileName(), "行");
+    QCOMPARE(QDir(dir_.path()).entryList({"*refused*"}, QDir::Files | QDir::Hidden).size(), 0);
+
+    const QByteArray before = contentOf(path("原件.qcp"));
+    const Result existing = run(QStringList{"new", "--source", path("原件.TBQD")} + rest +
+                                QStringList{path("原件.qcp")});
+    QCOMPARE(existing.code, 1);
+    QCOMPARE(contentOf(path("原件.qcp")), before);
+    QCOMPARE(run({"check", path("cut.TBQD")}).code, 1);
+    QCOMPARE(run({"check", path("没有.qcp")}).code, 1);
+    QCOMPARE(run({"tour", path("没有.qcp"), "--out", path("pictures")}).code, 1);
+  }
+
+  void sampleFollowsItsSeed() {
+    const auto sample = [this](const QString& name, const QString& seed) {
+      const Result result =
+          run({"sample", "--resources", "200", "--seed", seed, "--out", path(name)});
+      return result.code == 0 ? contentOf(path(name)) : QByteArray();
+    };
+    const QByteArray first = sample("a.ZGXJQD", "11");
+    QVERIFY(!first.isEmpty());
+    QCOMPARE(sample("b.ZGXJQD", "11"), first);
+    QVERIFY(sample("c.ZGXJQD", "12") != first);
+    QCOMPARE(run({"sample", "--resources", "5", "--seed", "1", "--out", path("x.txt")}).code, 1);
+  }
+
+  void argumentsAreUtf8InAnyLocale() {
+    QProcessEnvironment environment = without({"QT_QPA_PLATFORM", "LC_ALL"});
+    environment.insert("LANG", "C");
+    const QString source = path("示例.TBQD");
+    const Result result =
+        run({"sample", "--resources", "20", "--seed", "1", "--out", source}, environment);
+    QVERIFY2(result.code == 0, qPrintable(result.error));
+    QVERIFY(QFile::exists(source));
+  }
+
+  void windowNeedsADisplay() {
+    const Result result = run({path("any.qcp")});
+    QCOMPARE(result.code, 1);
+    QVERIFY(result.error.contains("没有可用的显示设备"));
+  }
+
+  void tourTakesPicturesAndLeavesTheProjectAlone() {
+    const QString project = makeProject("走查", 400);
+    const QByteArray before = contentOf(project);
+    const Result result = run({"tour", project, "--out", path("pictures")});
+    QVERIFY2(result.code == 0, qPrintable(result.error));
+    const QStringList pictures = result.out.split('\n', Qt::SkipEmptyParts);
+    QVERIFY(pictures.size() >= 15);
+    for (const QString& picture : pictures) {
+      const QImage image(picture);
+      QVERIFY2(image.width() >= 1000 && image.height() >= 600, qPrintable(picture));
+    }
+    QCOMPARE(contentOf(project), before);
+  }
 
  private:
   QString path(const QString& name) const { return dir_.filePath(name); }
   /// A project of `resources` budget items, made through the command line.
-  QString makeProject(const QString& name, int resources);
+  QString makeProject(const QString& name, int resources) {
+    const QString source = path(name + ".TBQD");
+    QString project = path(name + ".qcp");
+    const Result sample =
+        run({"sample", "--resources", QString::number(resources), "--seed", "3", "--out", source});
+    if (sample.code != 0) qWarning().noquote() << sample.error;
+    const Result made = run(
+        {"new", "--source", source, "--name", name, "--type", "投标成本测算", "--out", project});
+    if (made.code != 0) qWarning().noquote() << made.error;
+    return project;
+  }
 
   QTemporaryDir dir_;
 };
-
-QString CommandLineTest::makeProject(const QString& name, int resources) {
-  const QString source = path(name + ".TBQD");
-  QString project = path(name + ".qcp");
-  const Result sample =
-      run({"sample", "--resources", QString::number(resources), "--seed", "3", "--out", source});
-  if (sample.code != 0) qWarning().noquote() << sample.error;
-  const Result made =
-      run({"new", "--source", source, "--name", name, "--type", "投标成本测算", "--out", project});
-  if (made.code != 0) qWarning().noquote() << made.error;
-  return project;
-}
-
-void CommandLineTest::helpIsChinese_data() {
-  QTest::addColumn<QStringList>("arguments");
-  QTest::addColumn<QString>("part");
-  QTest::newRow("all") << QStringList{"--help"} << "用法：qce-workbench [工程.qcp]";
-  QTest::newRow("word") << QStringList{"help"} << "用法：qce-workbench [工程.qcp]";
-  QTest::newRow("new") << QStringList{"new", "--help"} << "--source 文件";
-  QTest::newRow("check") << QStringList{"check", "--help"} << "check 工程.qcp";
-  QTest::newRow("tour") << QStringList{"tour", "x.qcp", "--help"} << "--out 目录";
-  QTest::newRow("sample") << QStringList{"sample", "--help"} << "--seed 种子";
-  QTest::newRow("version") << QStringList{"--version"} << "qce-workbench 0.";
-}
-
-void CommandLineTest::helpIsChinese() {
-  QFETCH(QStringList, arguments);
-  QFETCH(QString, part);
-  const Result result = run(arguments);
-  QCOMPARE(result.code, 0);
-  QVERIFY2(result.out.contains(part), qPrintable(result.out));
-  QVERIFY2(result.error.isEmpty(), qPrintable(result.error));
-}
-
-void CommandLineTest::wrongUse_data() {
-  QTest::addColumn<QStringList>("arguments");
-  QTest::addColumn<QString>("message");
-  const auto sample = [](const QString& resources) {
-    return QStringList{"sample", "--resources", resources, "--seed", "1", "--out", "x.TBQD"};
-  };
-  QTest::newRow("unknown option") << QStringList{"--nonsense"} << "没有选项 --nonsense";
-  QTest::newRow("unknown command") << QStringList{"open", "a.qcp"} << "没有命令 open";
-  QTest::newRow("mistyped command") << QStringList{"chekc"} << "没有命令 chekc";
-  QTest::newRow("missing option") << QStringList{"new", "--source", "a.TBQD"} << "缺少选项 --name";
-  QTest::newRow("missing value") << QStringList{"tour", "a.qcp", "--out"} << "--out 缺少内容";
-  QTest::newRow("empty value") << QStringList{"tour", "a.qcp", "--out="} << "--out 缺少内容";
-  QTest::newRow("type") << QStringList{"new",    "--source", "a.TBQD", "--name", "a",
-                                       "--type", "成本",     "--out",  "a.qcp"}
-                        << "--type 只能是：投标成本测算、目标成本测算";
-  QTest::newRow("twice") << QStringList{"tour", "a.qcp", "--out", "x", "--out", "y"}
-                         << "只能给出一次";
-  QTest::newRow("too many") << QStringList{"check", "a.qcp", "b.qcp"} << "多余的参数：“b.qcp”";
-  QTest::newRow("no operand") << QStringList{"check"} << "缺少 工程.qcp";
-  QTest::newRow("no number") << sample("many") << "--resources";
-  QTest::newRow("zero") << sample("0") << "--resources";
-  QTest::newRow("too large") << sample("5000001") << "--resources";
-}
-
-void CommandLineTest::wrongUse() {
-  QFETCH(QStringList, arguments);
-  QFETCH(QString, message);
-  const Result result = run(arguments);
-  QCOMPARE(result.code, 2);
-  QVERIFY2(result.error.contains(message), qPrintable(result.error));
-  QVERIFY(result.error.contains("用法："));
-  QVERIFY(result.out.isEmpty());
-}
-
-void CommandLineTest::newThenCheck() {
-  const QString project = makeProject("新建", 300);
-  QVERIFY(QFile::exists(project));
-  const QByteArray before = contentOf(project);
-  const Result check = run({"check", project});
-  QVERIFY2(check.code == 0, qPrintable(check.error));
-  QVERIFY2(check.out.contains("检查通过"), qPrintable(check.out));
-  QCOMPARE(contentOf(project), before);
-}
-
-void CommandLineTest::refusalsLeaveNothingBehind() {
-  const QStringList rest{"--name", "甲", "--type", "投标成本测算", "--out"};
-  const QString out = path("refused.qcp");
-  const auto refused = [&](const QString& source, const QString& part) {
-    const Result result = run(QStringList{"new", "--source", source} + rest + QStringList{out});
-    QCOMPARE(result.code, 1);
-    QVERIFY2(result.error.contains(part), qPrintable(result.error));
-    QVERIFY(!QFile::exists(out));
-  };
-  refused(path("没有.TBQD"), "没有.TBQD");
-
-  makeProject("原件", 60);
-  QFile cut(path("cut.TBQD"));
-  QVERIFY(cut.open(QIODevice::WriteOnly));
-  cut.write(contentOf(path("原件.TBQD")).left(2500));
-  cut.close();
-  refused(cut.fileName(), "行");
-  QCOMPARE(QDir(dir_.path()).entryList({"*refused*"}, QDir::Files | QDir::Hidden).size(), 0);
-
-  const QByteArray before = contentOf(path("原件.qcp"));
-  const Result existing =
-      run(QStringList{"new", "--source", path("原件.TBQD")} + rest + QStringList{path("原件.qcp")});
-  QCOMPARE(existing.code, 1);
-  QCOMPARE(contentOf(path("原件.qcp")), before);
-  QCOMPARE(run({"check", path("cut.TBQD")}).code, 1);
-  QCOMPARE(run({"check", path("没有.qcp")}).code, 1);
-  QCOMPARE(run({"tour", path("没有.qcp"), "--out", path("pictures")}).code, 1);
-}
-
-void CommandLineTest::sampleFollowsItsSeed() {
-  const auto sample = [this](const QString& name, const QString& seed) {
-    const Result result =
-        run({"sample", "--resources", "200", "--seed", seed, "--out", path(name)});
-    return result.code == 0 ? contentOf(path(name)) : QByteArray();
-  };
-  const QByteArray first = sample("a.ZGXJQD", "11");
-  QVERIFY(!first.isEmpty());
-  QCOMPARE(sample("b.ZGXJQD", "11"), first);
-  QVERIFY(sample("c.ZGXJQD", "12") != first);
-  QCOMPARE(run({"sample", "--resources", "5", "--seed", "1", "--out", path("x.txt")}).code, 1);
-}
-
-void CommandLineTest::argumentsAreUtf8InAnyLocale() {
-  QProcessEnvironment environment = without({"QT_QPA_PLATFORM", "LC_ALL"});
-  environment.insert("LANG", "C");
-  const QString source = path("示例.TBQD");
-  const Result result =
-      run({"sample", "--resources", "20", "--seed", "1", "--out", source}, environment);
-  QVERIFY2(result.code == 0, qPrintable(result.error));
-  QVERIFY(QFile::exists(source));
-}
-
-void CommandLineTest::windowNeedsADisplay() {
-  const Result result = run({path("any.qcp")});
-  QCOMPARE(result.code, 1);
-  QVERIFY(result.error.contains("没有可用的显示设备"));
-}
-
-void CommandLineTest::tourTakesPicturesAndLeavesTheProjectAlone() {
-  const QString project = makeProject("走查", 400);
-  const QByteArray before = contentOf(project);
-  const Result result = run({"tour", project, "--out", path("pictures")});
-  QVERIFY2(result.code == 0, qPrintable(result.error));
-  const QStringList pictures = result.out.split('\n', Qt::SkipEmptyParts);
-  QVERIFY(pictures.size() >= 15);
-  for (const QString& picture : pictures) {
-    const QImage image(picture);
-    QVERIFY2(image.width() >= 1000 && image.height() >= 600, qPrintable(picture));
-  }
-  QCOMPARE(contentOf(project), before);
-}
 
 QTEST_GUILESS_MAIN(CommandLineTest)
 #include "tst_command_line.moc"

@@ -31,10 +31,66 @@ class NewProjectControllerTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void makesAProjectOfItsAnswers();
-  void refusedSourceLeavesNothing();
-  void differingMoneyNeedsTheUsersWord_data();
-  void differingMoneyNeedsTheUsersWord();
+  void makesAProjectOfItsAnswers() {
+    const tests::RecordingServices services;
+    QCOMPARE(exchange::SampleGenerator::writeOfficeBuilding(dir_.path()), QString());
+    for (const QString& extension : {QStringLiteral("TBQD"), QStringLiteral("GCLQD"), QString()}) {
+      QVERIFY(create(extension.isEmpty() ? QString() : source(extension)));
+      QCOMPARE(created_, target_);
+      store::Failure failure;
+      const auto opened = controllers::OpenProject::open(target_, failure);
+      QVERIFY2(opened != nullptr, qPrintable(failure.message));
+      QCOMPARE(opened->facts().name, std::string("办公楼"));
+      QCOMPARE(opened->facts().costType, std::string("目标成本测算"));
+      QCOMPARE(opened->facts().reportTemplate, std::string("/t/汇总.hbbmb"));
+      QCOMPARE(QString::fromStdString(opened->facts().sourceKind), extension);
+    }
+    QVERIFY(services.channel.messages().empty());
+  }
+
+  void refusedSourceLeavesNothing() {
+    const tests::RecordingServices services;
+    const QString path = dir_.filePath("坏.TBQD");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("<?xml version=\"1.0\"?><不是");
+    file.close();
+    QVERIFY(!create(path));
+    QCOMPARE(services.channel.messages().size(), std::size_t(1));
+    QVERIFY(!QFileInfo::exists(target_) && created_.isEmpty());
+    const controllers::NewProjectController controller({}, {});
+    QVERIFY(!controller.checkSource(path.toStdString(), "TBQD").empty());
+    QVERIFY(controller.checkSource(source("TBQD").toStdString(), "TBQD").empty());
+  }
+
+  void differingMoneyNeedsTheUsersWord_data() {
+    QTest::addColumn<int>("answer");
+    QTest::newRow("yes") << int(QMessageBox::Yes);
+    QTest::newRow("no") << int(QMessageBox::No);
+  }
+  void differingMoneyNeedsTheUsersWord() {
+    QFETCH(int, answer);
+    tests::RecordingServices services;
+    QFile file(source("TBQD"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QByteArray content = file.readAll();
+    const auto office = exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
+    const QByteArray declared = QByteArray::fromStdString(office.declared.resources->toString(2));
+    const int at = content.indexOf('"' + declared + '"');
+    QVERIFY(at > 0);
+    content[at + 1] = content[at + 1] == '9' ? '8' : '9';
+    QFile changed(dir_.filePath("差.TBQD"));
+    QVERIFY(changed.open(QIODevice::WriteOnly));
+    changed.write(content);
+    changed.close();
+
+    services.channel.answerNext(answer);
+    QCOMPARE(create(changed.fileName()), answer == QMessageBox::Yes);
+    QCOMPARE(services.channel.messages().size(), std::size_t(1));
+    QVERIFY(services.channel.messages()[0].text.find("不一致") != std::string::npos);
+    QCOMPARE(QFileInfo::exists(target_), answer == QMessageBox::Yes);
+    QCOMPARE(money_.contains("（申报 "), answer == QMessageBox::Yes);
+  }
 
  private:
   QString source(const QString& extension) const {
@@ -57,68 +113,6 @@ class NewProjectControllerTest : public QObject {
   QTemporaryDir dir_;
   QString target_, created_, money_;
 };
-
-void NewProjectControllerTest::makesAProjectOfItsAnswers() {
-  const tests::RecordingServices services;
-  QCOMPARE(exchange::SampleGenerator::writeOfficeBuilding(dir_.path()), QString());
-  for (const QString& extension : {QStringLiteral("TBQD"), QStringLiteral("GCLQD"), QString()}) {
-    QVERIFY(create(extension.isEmpty() ? QString() : source(extension)));
-    QCOMPARE(created_, target_);
-    store::Failure failure;
-    const auto opened = controllers::OpenProject::open(target_, failure);
-    QVERIFY2(opened != nullptr, qPrintable(failure.message));
-    QCOMPARE(opened->facts().name, std::string("办公楼"));
-    QCOMPARE(opened->facts().costType, std::string("目标成本测算"));
-    QCOMPARE(opened->facts().reportTemplate, std::string("/t/汇总.hbbmb"));
-    QCOMPARE(QString::fromStdString(opened->facts().sourceKind), extension);
-  }
-  QVERIFY(services.channel.messages().empty());
-}
-
-void NewProjectControllerTest::refusedSourceLeavesNothing() {
-  const tests::RecordingServices services;
-  const QString path = dir_.filePath("坏.TBQD");
-  QFile file(path);
-  QVERIFY(file.open(QIODevice::WriteOnly));
-  file.write("<?xml version=\"1.0\"?><不是");
-  file.close();
-  QVERIFY(!create(path));
-  QCOMPARE(services.channel.messages().size(), std::size_t(1));
-  QVERIFY(!QFileInfo::exists(target_) && created_.isEmpty());
-  const controllers::NewProjectController controller({}, {});
-  QVERIFY(!controller.checkSource(path.toStdString(), "TBQD").empty());
-  QVERIFY(controller.checkSource(source("TBQD").toStdString(), "TBQD").empty());
-}
-
-void NewProjectControllerTest::differingMoneyNeedsTheUsersWord_data() {
-  QTest::addColumn<int>("answer");
-  QTest::newRow("yes") << int(QMessageBox::Yes);
-  QTest::newRow("no") << int(QMessageBox::No);
-}
-
-void NewProjectControllerTest::differingMoneyNeedsTheUsersWord() {
-  QFETCH(int, answer);
-  tests::RecordingServices services;
-  QFile file(source("TBQD"));
-  QVERIFY(file.open(QIODevice::ReadOnly));
-  QByteArray content = file.readAll();
-  const auto office = exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
-  const QByteArray declared = QByteArray::fromStdString(office.declared.resources->toString(2));
-  const int at = content.indexOf('"' + declared + '"');
-  QVERIFY(at > 0);
-  content[at + 1] = content[at + 1] == '9' ? '8' : '9';
-  QFile changed(dir_.filePath("差.TBQD"));
-  QVERIFY(changed.open(QIODevice::WriteOnly));
-  changed.write(content);
-  changed.close();
-
-  services.channel.answerNext(answer);
-  QCOMPARE(create(changed.fileName()), answer == QMessageBox::Yes);
-  QCOMPARE(services.channel.messages().size(), std::size_t(1));
-  QVERIFY(services.channel.messages()[0].text.find("不一致") != std::string::npos);
-  QCOMPARE(QFileInfo::exists(target_), answer == QMessageBox::Yes);
-  QCOMPARE(money_.contains("（申报 "), answer == QMessageBox::Yes);
-}
 
 QTEST_GUILESS_MAIN(NewProjectControllerTest)
 #include "tst_new_project_controller.moc"

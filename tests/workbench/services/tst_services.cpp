@@ -31,115 +31,106 @@ class ServicesTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void settingsOutliveTheProgram();
-  void damagedSettingsAreSetAside_data();
-  void damagedSettingsAreSetAside();
-  void recordingChannelAnswersInOrder();
-  void messageBoxSpeaksChinese();
-  void templatesAreInstalledOnce();
-  void installedServicesAreTakenBack();
-};
+  void settingsOutliveTheProgram() {
+    const QTemporaryDir dir;
+    const QString path = dir.filePath("a/b/settings.json");
+    {
+      services::Configuration configuration(path);
+      QVERIFY(!configuration.getValue("缩放"));
+      configuration.setValue("缩放", "1.25");
+      configuration.setValue("bytes", std::string("\xff\x00", 2));  // no valid text: must not throw
+      configuration.setValue("缩放", "1.5");
+    }
+    const services::Configuration again(path);
+    QCOMPARE(again.getValue("缩放").value_or(""), std::string("1.5"));
+    QVERIFY(again.setAside().isEmpty());
+  }
 
-void ServicesTest::settingsOutliveTheProgram() {
-  const QTemporaryDir dir;
-  const QString path = dir.filePath("a/b/settings.json");
-  {
+  void damagedSettingsAreSetAside_data() {
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("cut short") << QByteArray("{\"a\": \"b");
+    QTest::newRow("no object") << QByteArray("[1, 2]");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("binary") << QByteArray("\x00\xff\xfe", 3);
+  }
+  void damagedSettingsAreSetAside() {
+    QFETCH(QByteArray, content);
+    const QTemporaryDir dir;
+    const QString path = dir.filePath("settings.json");
+    write(path, content);
     services::Configuration configuration(path);
-    QVERIFY(!configuration.getValue("缩放"));
-    configuration.setValue("缩放", "1.25");
-    configuration.setValue("bytes", std::string("\xff\x00", 2));  // no valid text: must not throw
-    configuration.setValue("缩放", "1.5");
+    QCOMPARE(contentOf(configuration.setAside()), content);
+    configuration.setValue("a", "b");
+    QCOMPARE(services::Configuration(path).getValue("a").value_or(""), std::string("b"));
   }
-  const services::Configuration again(path);
-  QCOMPARE(again.getValue("缩放").value_or(""), std::string("1.5"));
-  QVERIFY(again.setAside().isEmpty());
-}
 
-void ServicesTest::damagedSettingsAreSetAside_data() {
-  QTest::addColumn<QByteArray>("content");
-  QTest::newRow("cut short") << QByteArray(R"({"a": "b)");
-  QTest::newRow("no object") << QByteArray("[1, 2]");
-  QTest::newRow("empty") << QByteArray();
-  QTest::newRow("binary") << QByteArray("\x00\xff\xfe", 3);
-}
-
-void ServicesTest::damagedSettingsAreSetAside() {
-  QFETCH(QByteArray, content);
-  const QTemporaryDir dir;
-  const QString path = dir.filePath("settings.json");
-  write(path, content);
-  services::Configuration configuration(path);
-  QCOMPARE(contentOf(configuration.setAside()), content);
-  configuration.setValue("a", "b");
-  QCOMPARE(services::Configuration(path).getValue("a").value_or(""), std::string("b"));
-}
-
-void ServicesTest::recordingChannelAnswersInOrder() {
-  services::RecordingChannel channel;
-  channel.answerNext(QMessageBox::No);
-  channel.answerNext(QMessageBox::Retry);
-  QCOMPARE(channel.message("一", QMessageBox::Yes | QMessageBox::No), int(QMessageBox::No));
-  // an answer that the box does not offer must not get through
-  QCOMPARE(channel.message("二", QMessageBox::Ok | QMessageBox::Cancel), int(QMessageBox::Ok));
-  QCOMPARE(channel.message("三", 0), int(QMessageBox::Ok));
-  QCOMPARE(channel.messages().size(), std::size_t(3));
-  QCOMPARE(channel.messages()[1].text, std::string("二"));
-}
-
-void ServicesTest::messageBoxSpeaksChinese() {
-  QWidget window;
-  window.show();
-  services::MessageBoxChannel channel("成本测算");
-  channel.setWindow(&window);
-  QStringList seen;
-  QWidget* parent = nullptr;
-  QTimer::singleShot(0, this, [&] {
-    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    parent = box->parentWidget();
-    seen << box->windowTitle() << box->text();
-    for (QAbstractButton* button : box->buttons()) seen << button->text();
-    box->button(QMessageBox::No)->click();
-  });
-  QCOMPARE(channel.message("删除 <b>“钢筋”</b>？", QMessageBox::Yes | QMessageBox::No),
-           int(QMessageBox::No));
-  QCOMPARE(parent, &window);
-  seen.sort();
-  QStringList expected{"成本测算", "删除 <b>“钢筋”</b>？", "是", "否"};
-  expected.sort();
-  QCOMPARE(seen, expected);
-}
-
-void ServicesTest::templatesAreInstalledOnce() {
-  const QTemporaryDir dir;
-  const services::PathManager paths(dir.path());
-  QVERIFY(paths.installReportTemplates());
-  const QDir templates(paths.reportTemplates());
-  QCOMPARE(QString::fromStdString(paths.getTemplatePath()) + "/汇报表/汇报表模板",
-           templates.path());
-  const QStringList names = templates.entryList({"*.hbbmb"}, QDir::Files | QDir::Writable);
-  QCOMPARE(names.size(), 5);
-
-  QVERIFY(QFile::remove(templates.filePath(names[0])));
-  write(templates.filePath(names[1]), "mine");
-  QVERIFY(paths.installReportTemplates());
-  QVERIFY(!QFile::exists(templates.filePath(names[0])));
-  QCOMPARE(contentOf(templates.filePath(names[1])), QByteArray("mine"));
-}
-
-void ServicesTest::installedServicesAreTakenBack() {
-  const QTemporaryDir dir;
-  app::PathMgr* before = app::GetPathMgr();
-  {
-    const auto installed = services::install(std::make_unique<services::PathManager>(dir.path()),
-                                             std::make_unique<services::RecordingChannel>());
-    QCOMPARE(app::GetPathMgr()->getPath("DocumentsLocation"),
-             dir.filePath("documents").toStdString());
-    QCOMPARE(app::qce::GetQCEChannel(), &installed->channel());
-    app::GetGlobalConfig()->setValue("k", "v");
-    QVERIFY(QFile::exists(dir.filePath("config/settings.json")));
+  void recordingChannelAnswersInOrder() {
+    services::RecordingChannel channel;
+    channel.answerNext(QMessageBox::No);
+    channel.answerNext(QMessageBox::Retry);
+    QCOMPARE(channel.message("一", QMessageBox::Yes | QMessageBox::No), int(QMessageBox::No));
+    // an answer that the box does not offer must not get through
+    QCOMPARE(channel.message("二", QMessageBox::Ok | QMessageBox::Cancel), int(QMessageBox::Ok));
+    QCOMPARE(channel.message("三", 0), int(QMessageBox::Ok));
+    QCOMPARE(channel.messages().size(), std::size_t(3));
+    QCOMPARE(channel.messages()[1].text, std::string("二"));
   }
-  QCOMPARE(app::GetPathMgr(), before);
-}
+
+  void messageBoxSpeaksChinese() {
+    QWidget window;
+    window.show();
+    services::MessageBoxChannel channel("成本测算");
+    channel.setWindow(&window);
+    QStringList seen;
+    QWidget* parent = nullptr;
+    QTimer::singleShot(0, this, [&] {
+      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      parent = box->parentWidget();
+      seen << box->windowTitle() << box->text();
+      for (QAbstractButton* button : box->buttons()) seen << button->text();
+      box->button(QMessageBox::No)->click();
+    });
+    QCOMPARE(channel.message("删除 <b>“钢筋”</b>？", QMessageBox::Yes | QMessageBox::No),
+             int(QMessageBox::No));
+    QCOMPARE(parent, &window);
+    seen.sort();
+    QStringList expected{"成本测算", "删除 <b>“钢筋”</b>？", "是", "否"};
+    expected.sort();
+    QCOMPARE(seen, expected);
+  }
+
+  void templatesAreInstalledOnce() {
+    const QTemporaryDir dir;
+    const services::PathManager paths(dir.path());
+    QVERIFY(paths.installReportTemplates());
+    const QDir templates(paths.reportTemplates());
+    QCOMPARE(QString::fromStdString(paths.getTemplatePath()) + "/汇报表/汇报表模板",
+             templates.path());
+    const QStringList names = templates.entryList({"*.hbbmb"}, QDir::Files | QDir::Writable);
+    QCOMPARE(names.size(), 5);
+
+    QVERIFY(QFile::remove(templates.filePath(names[0])));
+    write(templates.filePath(names[1]), "mine");
+    QVERIFY(paths.installReportTemplates());
+    QVERIFY(!QFile::exists(templates.filePath(names[0])));
+    QCOMPARE(contentOf(templates.filePath(names[1])), QByteArray("mine"));
+  }
+
+  void installedServicesAreTakenBack() {
+    const QTemporaryDir dir;
+    app::PathMgr* before = app::GetPathMgr();
+    {
+      const auto installed = services::install(std::make_unique<services::PathManager>(dir.path()),
+                                               std::make_unique<services::RecordingChannel>());
+      QCOMPARE(app::GetPathMgr()->getPath("DocumentsLocation"),
+               dir.filePath("documents").toStdString());
+      QCOMPARE(app::qce::GetQCEChannel(), &installed->channel());
+      app::GetGlobalConfig()->setValue("k", "v");
+      QVERIFY(QFile::exists(dir.filePath("config/settings.json")));
+    }
+    QCOMPARE(app::GetPathMgr(), before);
+  }
+};
 
 QTEST_MAIN(ServicesTest)
 #include "tst_services.moc"

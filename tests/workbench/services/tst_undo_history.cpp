@@ -104,220 +104,210 @@ class UndoHistoryTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void randomEditsAreTakenBackWhole_data();
-  void randomEditsAreTakenBackWhole();
-  void namesItsSteps();
-  void nestedScopesAreOneStep();
-  void emptyScopeLeavesRedo();
-  void abandonedScopeLeavesNothing();
-  void failedCommitIsTakenBack();
-  void failedUndoKeepsTheStep();
-  void movesInASortedViewStoreWhatIsSeen();
-};
-
-void UndoHistoryTest::randomEditsAreTakenBackWhole_data() {
-  QTest::addColumn<unsigned>("seed");
-  for (unsigned seed = 1; seed <= 4; ++seed)
-    QTest::newRow(qPrintable(QString::number(seed))) << seed;
-}
-
-void UndoHistoryTest::randomEditsAreTakenBackWhole() {
-  QFETCH(unsigned, seed);
-  tests::ProjectFixture fixture;
-  controllers::OpenProject* opened = fixture.open();
-  QVERIFY2(opened != nullptr, qPrintable(fixture.failure.message));
-  QUndoStack& stack = *opened->undo().stack();
-  Editor editor(fixture, *opened, seed);
-  std::vector<std::string> states = {opened->project().dump()};  // by the stack's index
-  std::mt19937 random(std::mt19937::result_type{101} * seed);
-  for (int step = 0; step < 120; ++step) {
-    const unsigned what = random() % 5;
-    if (what == 0 && stack.canUndo()) {
-      stack.undo();
-    } else if (what == 1 && stack.canRedo()) {
-      stack.redo();
-    } else {
-      const int before = stack.index();
-      editor.editOnce();
-      if (stack.index() == before) continue;  // nothing came of it
-      states.resize(static_cast<std::size_t>(before) + 1);
-      states.push_back(opened->project().dump());
+  void randomEditsAreTakenBackWhole_data() {
+    QTest::addColumn<unsigned>("seed");
+    for (unsigned seed = 1; seed <= 4; ++seed)
+      QTest::newRow(qPrintable(QString::number(seed))) << seed;
+  }
+  void randomEditsAreTakenBackWhole() {
+    QFETCH(unsigned, seed);
+    tests::ProjectFixture fixture;
+    controllers::OpenProject* opened = fixture.open();
+    QVERIFY2(opened != nullptr, qPrintable(fixture.failure.message));
+    QUndoStack& stack = *opened->undo().stack();
+    Editor editor(fixture, *opened, seed);
+    std::vector<std::string> states = {opened->project().dump()};  // by the stack's index
+    std::mt19937 random(std::mt19937::result_type{101} * seed);
+    for (int step = 0; step < 120; ++step) {
+      const unsigned what = random() % 5;
+      if (what == 0 && stack.canUndo()) {
+        stack.undo();
+      } else if (what == 1 && stack.canRedo()) {
+        stack.redo();
+      } else {
+        const int before = stack.index();
+        editor.editOnce();
+        if (stack.index() == before) continue;  // nothing came of it
+        states.resize(static_cast<std::size_t>(before) + 1);
+        states.push_back(opened->project().dump());
+      }
+      QVERIFY(totalsAreTrue(opened->project()));
+      QVERIFY(opened->project().dump() == states[static_cast<std::size_t>(stack.index())]);
     }
-    QVERIFY(totalsAreTrue(opened->project()));
-    QVERIFY(opened->project().dump() == states[static_cast<std::size_t>(stack.index())]);
-  }
-  QVERIFY(stack.count() > 20);
-  // What is stored is what is in memory.
-  const std::string last = opened->project().dump();
-  opened = fixture.open();
-  QVERIFY(opened->project().dump() == last);
-  fixture.close();
-  const store::CheckReport report = store::check(fixture.path());
-  QVERIFY2(report.ok(), qPrintable(report.failure.message + report.findings.join('\n')));
+    QVERIFY(stack.count() > 20);
+    // What is stored is what is in memory.
+    const std::string last = opened->project().dump();
+    opened = fixture.open();
+    QVERIFY(opened->project().dump() == last);
+    fixture.close();
+    const store::CheckReport report = store::check(fixture.path());
+    QVERIFY2(report.ok(), qPrintable(report.failure.message + report.findings.join('\n')));
 
-  // And taking back everything that is done now leaves what was there.
-  opened = fixture.open();
-  Editor again(fixture, *opened, seed + 50);
-  for (int step = 0; step < 30; ++step) again.editOnce();
-  opened->undo().stack()->setIndex(0);
-  QVERIFY(opened->project().dump() == last);
-  opened = fixture.open();
-  QVERIFY(opened->project().dump() == last);
-}
+    // And taking back everything that is done now leaves what was there.
+    opened = fixture.open();
+    Editor again(fixture, *opened, seed + 50);
+    for (int step = 0; step < 30; ++step) again.editOnce();
+    opened->undo().stack()->setIndex(0);
+    QVERIFY(opened->project().dump() == last);
+    opened = fixture.open();
+    QVERIFY(opened->project().dump() == last);
+  }
 
-void UndoHistoryTest::namesItsSteps() {
-  tests::ProjectFixture fixture;
-  controllers::OpenProject& opened = *fixture.open();
-  ResourceItem& item = fixture.item(0, Category::Material, 1);
-  {
-    const app::ScopedUndo undo("");
-    opened.project().set(item, ItemField::Price, PackedDecimal(Decimal(7)));
-  }
-  QCOMPARE(opened.undo().stack()->undoText(), QStringLiteral("修改不含税单价"));
-  QVERIFY(opened.resItemController().moveUp(&item));
-  QCOMPARE(opened.undo().stack()->undoText(), QStringLiteral("上移"));
-  {
-    const app::ScopedUndo undo("");
-    opened.project().set(item, ItemField::Price, PackedDecimal(Decimal(8)));
-    opened.project().set(item, ItemField::Provisional, !item.provisional());
-  }
-  QCOMPARE(opened.undo().stack()->undoText(), QStringLiteral("编辑"));
-}
-
-void UndoHistoryTest::nestedScopesAreOneStep() {
-  tests::ProjectFixture fixture;
-  controllers::OpenProject& opened = *fixture.open();
-  const std::string before = opened.project().dump();
-  {
-    const app::ScopedUndo outer("");
-    for (int row = 0; row < 3; ++row) {
-      const app::ScopedUndo inner("批量");
-      opened.project().set(fixture.item(0, Category::Material, row), ItemField::Price,
-                           PackedDecimal(Decimal(row)));
-    }
-  }
-  QCOMPARE(opened.undo().stack()->count(), 1);
-  QCOMPARE(opened.undo().stack()->undoText(), QStringLiteral("批量"));
-  opened.undo().stack()->undo();
-  QVERIFY(opened.project().dump() == before);
-}
-
-void UndoHistoryTest::emptyScopeLeavesRedo() {
-  tests::ProjectFixture fixture;
-  controllers::OpenProject& opened = *fixture.open();
-  ResourceItem& item = fixture.item(0, Category::Material, 0);
-  {
-    const app::ScopedUndo undo("");
-    opened.project().set(item, ItemField::Price, PackedDecimal(Decimal(5)));
-  }
-  opened.undo().stack()->undo();
-  {
-    const app::ScopedUndo undo("");
-    opened.project().set(item, ItemField::Price, item.price());  // the same again
-  }
-  QVERIFY(opened.undo().stack()->canRedo());
-  opened.undo().stack()->redo();
-  QCOMPARE(item.price().value(), Decimal(5));
-}
-
-void UndoHistoryTest::abandonedScopeLeavesNothing() {
-  tests::ProjectFixture fixture;
-  controllers::OpenProject* opened = fixture.open();
-  const std::string before = opened->project().dump();
-  {
-    app::ScopedUndo outer("");
-    opened->project().set(fixture.item(0, Category::Material, 0), ItemField::Price,
-                          PackedDecimal(Decimal(5)));
+  void namesItsSteps() {
+    tests::ProjectFixture fixture;
+    controllers::OpenProject& opened = *fixture.open();
+    ResourceItem& item = fixture.item(0, Category::Material, 1);
     {
-      app::ScopedUndo inner("");
-      inner.abandon();
+      const app::ScopedUndo undo("");
+      opened.project().set(item, ItemField::Price, PackedDecimal(Decimal(7)));
     }
-    opened->project().set(fixture.item(0, Category::Material, 1), ItemField::Price,
-                          PackedDecimal(Decimal(6)));
+    QCOMPARE(opened.undo().stack()->undoText(), QStringLiteral("修改不含税单价"));
+    QVERIFY(opened.resItemController().moveUp(&item));
+    QCOMPARE(opened.undo().stack()->undoText(), QStringLiteral("上移"));
+    {
+      const app::ScopedUndo undo("");
+      opened.project().set(item, ItemField::Price, PackedDecimal(Decimal(8)));
+      opened.project().set(item, ItemField::Provisional, !item.provisional());
+    }
+    QCOMPARE(opened.undo().stack()->undoText(), QStringLiteral("编辑"));
   }
-  QCOMPARE(opened->undo().stack()->count(), 0);
-  QVERIFY(opened->project().dump() == before);
-  QVERIFY(fixture.channel.messages().empty());
-  opened = fixture.open();
-  QVERIFY(opened->project().dump() == before);
-}
 
-void UndoHistoryTest::failedCommitIsTakenBack() {
-  tests::ProjectFixture fixture;
-  records::Project& project = fixture.open()->project();
-  services::UndoHistory history(project, [](const records::ChangeSet&, QString& message) {
-    message = QStringLiteral("磁盘空间不足");
-    return false;
-  });
-  const std::string before = project.dump();
-  history.beginScope("");
-  project.set(fixture.item(0, Category::Material, 0), ItemField::Price, PackedDecimal(Decimal(5)));
-  history.endScope();
-  QVERIFY(project.dump() == before);
-  QCOMPARE(history.stack()->count(), 0);
-  QCOMPARE(fixture.channel.messages().size(), std::size_t(1));
-  QCOMPARE(fixture.channel.messages()[0].text, std::string("磁盘空间不足"));
-}
+  void nestedScopesAreOneStep() {
+    tests::ProjectFixture fixture;
+    controllers::OpenProject& opened = *fixture.open();
+    const std::string before = opened.project().dump();
+    {
+      const app::ScopedUndo outer("");
+      for (int row = 0; row < 3; ++row) {
+        const app::ScopedUndo inner("批量");
+        opened.project().set(fixture.item(0, Category::Material, row), ItemField::Price,
+                             PackedDecimal(Decimal(row)));
+      }
+    }
+    QCOMPARE(opened.undo().stack()->count(), 1);
+    QCOMPARE(opened.undo().stack()->undoText(), QStringLiteral("批量"));
+    opened.undo().stack()->undo();
+    QVERIFY(opened.project().dump() == before);
+  }
 
-void UndoHistoryTest::failedUndoKeepsTheStep() {
-  tests::ProjectFixture fixture;
-  records::Project& project = fixture.open()->project();
-  bool works = true;
-  services::UndoHistory history(project,
-                                [&](const records::ChangeSet&, QString&) { return works; });
-  const std::string before = project.dump();
-  for (int price = 1; price <= 3; ++price) {
+  void emptyScopeLeavesRedo() {
+    tests::ProjectFixture fixture;
+    controllers::OpenProject& opened = *fixture.open();
+    ResourceItem& item = fixture.item(0, Category::Material, 0);
+    {
+      const app::ScopedUndo undo("");
+      opened.project().set(item, ItemField::Price, PackedDecimal(Decimal(5)));
+    }
+    opened.undo().stack()->undo();
+    {
+      const app::ScopedUndo undo("");
+      opened.project().set(item, ItemField::Price, item.price());  // the same again
+    }
+    QVERIFY(opened.undo().stack()->canRedo());
+    opened.undo().stack()->redo();
+    QCOMPARE(item.price().value(), Decimal(5));
+  }
+
+  void abandonedScopeLeavesNothing() {
+    tests::ProjectFixture fixture;
+    controllers::OpenProject* opened = fixture.open();
+    const std::string before = opened->project().dump();
+    {
+      app::ScopedUndo outer("");
+      opened->project().set(fixture.item(0, Category::Material, 0), ItemField::Price,
+                            PackedDecimal(Decimal(5)));
+      {
+        app::ScopedUndo inner("");
+        inner.abandon();
+      }
+      opened->project().set(fixture.item(0, Category::Material, 1), ItemField::Price,
+                            PackedDecimal(Decimal(6)));
+    }
+    QCOMPARE(opened->undo().stack()->count(), 0);
+    QVERIFY(opened->project().dump() == before);
+    QVERIFY(fixture.channel.messages().empty());
+    opened = fixture.open();
+    QVERIFY(opened->project().dump() == before);
+  }
+
+  void failedCommitIsTakenBack() {
+    tests::ProjectFixture fixture;
+    records::Project& project = fixture.open()->project();
+    services::UndoHistory history(project, [](const records::ChangeSet&, QString& message) {
+      message = QStringLiteral("磁盘空间不足");
+      return false;
+    });
+    const std::string before = project.dump();
     history.beginScope("");
     project.set(fixture.item(0, Category::Material, 0), ItemField::Price,
-                PackedDecimal(Decimal(price)));
+                PackedDecimal(Decimal(5)));
     history.endScope();
+    QVERIFY(project.dump() == before);
+    QCOMPARE(history.stack()->count(), 0);
+    QCOMPARE(fixture.channel.messages().size(), std::size_t(1));
+    QCOMPARE(fixture.channel.messages()[0].text, std::string("磁盘空间不足"));
   }
-  const std::string after = project.dump();
-  works = false;
-  history.stack()->undo();
-  QCOMPARE(history.stack()->index(), 3);
-  QVERIFY(project.dump() == after);
-  history.stack()->setIndex(0);  // fails at its first step
-  QCOMPARE(history.stack()->index(), 3);
-  QVERIFY(project.dump() == after);
-  works = true;
-  history.stack()->setIndex(0);
-  QVERIFY(project.dump() == before);
-  works = false;
-  history.stack()->redo();
-  QCOMPARE(history.stack()->index(), 0);
-  QVERIFY(project.dump() == before);
-}
 
-void UndoHistoryTest::movesInASortedViewStoreWhatIsSeen() {
-  tests::ProjectFixture fixture;
-  controllers::OpenProject* opened = fixture.open();
-  const std::string before = opened->project().dump();
-  opened->project().subProjects().reorder([](proxy::Element* a, proxy::Element* b) {
-    const auto* left = dynamic_cast<ResourceItem*>(a);
-    const auto* right = dynamic_cast<ResourceItem*>(b);
-    return left != nullptr && left->name().str() > right->name().str();
-  });
-  QVERIFY(opened->project().dump() == before);  // a sorted view is no edit
-  QCOMPARE(opened->undo().stack()->count(), 0);
-
-  ResourceItem& item = fixture.item(0, Category::Material, 2);
-  const auto codes = [&] {
-    std::string result;
-    for (int row = 0; row < item.group()->rows().size(); ++row) {
-      result += fixture.item(0, Category::Material, row).code().str() + " ";
+  void failedUndoKeepsTheStep() {
+    tests::ProjectFixture fixture;
+    records::Project& project = fixture.open()->project();
+    bool works = true;
+    services::UndoHistory history(project,
+                                  [&](const records::ChangeSet&, QString&) { return works; });
+    const std::string before = project.dump();
+    for (int price = 1; price <= 3; ++price) {
+      history.beginScope("");
+      project.set(fixture.item(0, Category::Material, 0), ItemField::Price,
+                  PackedDecimal(Decimal(price)));
+      history.endScope();
     }
-    return result;
-  };
-  QVERIFY(opened->resItemController().moveUp(&item));
-  QCOMPARE(item.row(), 1);
-  const std::string seen = codes();
-  opened->undo().stack()->undo();
-  QVERIFY(opened->project().dump() == before);
-  opened->undo().stack()->redo();
-  opened->project().arrange();
-  QVERIFY(codes() == seen);
-}
+    const std::string after = project.dump();
+    works = false;
+    history.stack()->undo();
+    QCOMPARE(history.stack()->index(), 3);
+    QVERIFY(project.dump() == after);
+    history.stack()->setIndex(0);  // fails at its first step
+    QCOMPARE(history.stack()->index(), 3);
+    QVERIFY(project.dump() == after);
+    works = true;
+    history.stack()->setIndex(0);
+    QVERIFY(project.dump() == before);
+    works = false;
+    history.stack()->redo();
+    QCOMPARE(history.stack()->index(), 0);
+    QVERIFY(project.dump() == before);
+  }
+
+  void movesInASortedViewStoreWhatIsSeen() {
+    tests::ProjectFixture fixture;
+    controllers::OpenProject* opened = fixture.open();
+    const std::string before = opened->project().dump();
+    opened->project().subProjects().reorder([](proxy::Element* a, proxy::Element* b) {
+      const auto* left = dynamic_cast<ResourceItem*>(a);
+      const auto* right = dynamic_cast<ResourceItem*>(b);
+      return left != nullptr && left->name().str() > right->name().str();
+    });
+    QVERIFY(opened->project().dump() == before);  // a sorted view is no edit
+    QCOMPARE(opened->undo().stack()->count(), 0);
+
+    ResourceItem& item = fixture.item(0, Category::Material, 2);
+    const auto codes = [&] {
+      std::string result;
+      for (int row = 0; row < item.group()->rows().size(); ++row) {
+        result += fixture.item(0, Category::Material, row).code().str() + " ";
+      }
+      return result;
+    };
+    QVERIFY(opened->resItemController().moveUp(&item));
+    QCOMPARE(item.row(), 1);
+    const std::string seen = codes();
+    opened->undo().stack()->undo();
+    QVERIFY(opened->project().dump() == before);
+    opened->undo().stack()->redo();
+    opened->project().arrange();
+    QVERIFY(codes() == seen);
+  }
+};
 
 QTEST_GUILESS_MAIN(UndoHistoryTest)
 #include "tst_undo_history.moc"

@@ -59,127 +59,118 @@ class FromSourceTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void gathersWhatIsTheSame();
-  void keepsApartWhatDiffers_data();
-  void keepsApartWhatDiffers();
-  void keepsTheMoneyOfTheOffice_data();
-  void keepsTheMoneyOfTheOffice();
-  void canBeCancelled();
-};
-
-void FromSourceTest::gathersWhatIsTheSame() {
-  records::Project project;
-  QVERIFY(store::fillFromSource(project, document({resource("r1", "0.123457", "400.05")},
-                                                  {resource("r2", "0.3", "400.05")})));
-  QCOMPARE(project.itemCount(), 1);
-  const auto* group = project.categoryGroup(*project.unitWorks()[0], Category::Material);
-  const auto& item = *static_cast<ResourceItem*>(group->rows().at(0));
-  QCOMPARE(item.quantity().value(), dec("3.4321"));       // 0.4320995 + 3, rounded once
-  QCOMPARE(item.budgetAmount().value(), dec("1373.01"));  // 172.86 + 1200.15, rounded each
-  QCOMPARE(item.price().value(), dec("400.05"));
-  QCOMPARE(item.excludedAmount().value(), dec("1373.01"));
-  QCOMPARE(item.includedAmount().value(), dec("1551.50"));
-  QCOMPARE(item.account()->code, std::string("01"));  // by its category
-  QVERIFY(item.gathered());
-  const auto* bill = project.structure().member(0)->child(0)->child(0)->child(1);
-  QVERIFY(static_cast<records::BudgetItem*>(bill->child(0))->resourceItem == &item);
-}
-
-void FromSourceTest::keepsApartWhatDiffers_data() {
-  QTest::addColumn<int>("field");
-  const char* fields[] = {"code",  "name",        "spec",       "unit",     "price",  "tax",
-                          "owner", "provisional", "adjustable", "category", "account"};
-  for (int i = 0; i < 11; ++i) QTest::newRow(fields[i]) << i;
-}
-
-void FromSourceTest::keepsApartWhatDiffers() {
-  QFETCH(int, field);
-  exchange::Resource other = resource("r2", "0.3", "400.05");
-  switch (field) {
-    case 0:
-      other.code = "C2";
-      break;
-    case 1:
-      other.name = "水";
-      break;
-    case 2:
-      other.spec = "P.C 42.5";
-      break;
-    case 3:
-      other.unit = "kg";
-      break;
-    case 4:
-      other.price = dec("400.051");
-      break;
-    case 5:
-      other.taxRate = dec("3");
-      break;
-    case 6:
-      other.ownerSupplied = true;
-      break;
-    case 7:
-      other.provisional = true;
-      break;
-    case 8:
-      other.priceAdjustable = true;
-      break;
-    case 9:
-      other.category = exchange::ResourceCategory::Equipment;
-      break;
-    default:
-      other.accountId = "a2";
-      break;
+  void gathersWhatIsTheSame() {
+    records::Project project;
+    QVERIFY(store::fillFromSource(project, document({resource("r1", "0.123457", "400.05")},
+                                                    {resource("r2", "0.3", "400.05")})));
+    QCOMPARE(project.itemCount(), 1);
+    const auto* group = project.categoryGroup(*project.unitWorks()[0], Category::Material);
+    const auto& item = *static_cast<ResourceItem*>(group->rows().at(0));
+    QCOMPARE(item.quantity().value(), dec("3.4321"));       // 0.4320995 + 3, rounded once
+    QCOMPARE(item.budgetAmount().value(), dec("1373.01"));  // 172.86 + 1200.15, rounded each
+    QCOMPARE(item.price().value(), dec("400.05"));
+    QCOMPARE(item.excludedAmount().value(), dec("1373.01"));
+    QCOMPARE(item.includedAmount().value(), dec("1551.50"));
+    QCOMPARE(item.account()->code, std::string("01"));  // by its category
+    QVERIFY(item.gathered());
+    const auto* bill = project.structure().member(0)->child(0)->child(0)->child(1);
+    QVERIFY(static_cast<records::BudgetItem*>(bill->child(0))->resourceItem == &item);
   }
-  records::Project project;
-  QVERIFY(store::fillFromSource(project, document({resource("r1", "0.3", "400.05")}, {other})));
-  QCOMPARE(project.itemCount(), 2);
-}
 
-void FromSourceTest::keepsTheMoneyOfTheOffice_data() {
-  QTest::addColumn<int>("kind");
-  for (int kind = 0; kind < 6; ++kind) {
-    QTest::newRow(exchange::extensionOf(static_cast<exchange::SourceKind>(kind)).c_str()) << kind;
+  void keepsApartWhatDiffers_data() {
+    QTest::addColumn<int>("field");
+    const char* fields[] = {"code",  "name",        "spec",       "unit",     "price",  "tax",
+                            "owner", "provisional", "adjustable", "category", "account"};
+    for (int i = 0; i < 11; ++i) QTest::newRow(fields[i]) << i;
   }
-}
-
-void FromSourceTest::keepsTheMoneyOfTheOffice() {
-  QFETCH(int, kind);
-  const auto source =
-      exchange::SampleGenerator::officeBuilding(static_cast<exchange::SourceKind>(kind));
-  records::Project project;
-  QVERIFY(store::fillFromSource(project, source));
-  const exchange::Money money = exchange::moneyOf(source);
-  QCOMPARE(project.totals().budget, money.resources);
-  QCOMPARE(project.feeTotal(), money.fees);
-  costing::Totals sum;
-  for (const records::StructureNode* work : project.unitWorks()) {
-    costing::Totals groups;
-    for (int i = 0; i < records::CategoryCount; ++i) {
-      const auto* group = project.categoryGroup(*work, static_cast<Category>(i));
-      costing::Totals items;
-      for (int row = 0; row < group->rows().size(); ++row) {
-        items += static_cast<ResourceItem*>(group->rows().at(row))->totals();
-      }
-      QVERIFY(items == group->totals());
-      groups += items;
-      QCOMPARE(group->parent() != nullptr, group->rows().size() > 0);
+  void keepsApartWhatDiffers() {
+    QFETCH(int, field);
+    exchange::Resource other = resource("r2", "0.3", "400.05");
+    switch (field) {
+      case 0:
+        other.code = "C2";
+        break;
+      case 1:
+        other.name = "水";
+        break;
+      case 2:
+        other.spec = "P.C 42.5";
+        break;
+      case 3:
+        other.unit = "kg";
+        break;
+      case 4:
+        other.price = dec("400.051");
+        break;
+      case 5:
+        other.taxRate = dec("3");
+        break;
+      case 6:
+        other.ownerSupplied = true;
+        break;
+      case 7:
+        other.provisional = true;
+        break;
+      case 8:
+        other.priceAdjustable = true;
+        break;
+      case 9:
+        other.category = exchange::ResourceCategory::Equipment;
+        break;
+      default:
+        other.accountId = "a2";
+        break;
     }
-    QVERIFY(groups == project.subProject(*work)->totals());
-    sum += groups;
+    records::Project project;
+    QVERIFY(store::fillFromSource(project, document({resource("r1", "0.3", "400.05")}, {other})));
+    QCOMPARE(project.itemCount(), 2);
   }
-  QVERIFY(sum == project.totals());
-}
 
-void FromSourceTest::canBeCancelled() {
-  const std::vector<exchange::Resource> many(1500, resource("r", "0.3", "400.05"));
-  records::Project project;
-  std::size_t heard = 0;
-  QVERIFY(!store::fillFromSource(project, document(many, many), [&](std::size_t done) {
-    heard = done;
-    return done < 2000;
-  }));
-  QCOMPARE(heard, std::size_t(2000));
-}
+  void keepsTheMoneyOfTheOffice_data() {
+    QTest::addColumn<int>("kind");
+    for (int kind = 0; kind < 6; ++kind) {
+      QTest::newRow(exchange::extensionOf(static_cast<exchange::SourceKind>(kind)).c_str()) << kind;
+    }
+  }
+  void keepsTheMoneyOfTheOffice() {
+    QFETCH(int, kind);
+    const auto source =
+        exchange::SampleGenerator::officeBuilding(static_cast<exchange::SourceKind>(kind));
+    records::Project project;
+    QVERIFY(store::fillFromSource(project, source));
+    const exchange::Money money = exchange::moneyOf(source);
+    QCOMPARE(project.totals().budget, money.resources);
+    QCOMPARE(project.feeTotal(), money.fees);
+    costing::Totals sum;
+    for (const records::StructureNode* work : project.unitWorks()) {
+      costing::Totals groups;
+      for (int i = 0; i < records::CategoryCount; ++i) {
+        const auto* group = project.categoryGroup(*work, static_cast<Category>(i));
+        costing::Totals items;
+        for (int row = 0; row < group->rows().size(); ++row) {
+          items += static_cast<ResourceItem*>(group->rows().at(row))->totals();
+        }
+        QVERIFY(items == group->totals());
+        groups += items;
+        QCOMPARE(group->parent() != nullptr, group->rows().size() > 0);
+      }
+      QVERIFY(groups == project.subProject(*work)->totals());
+      sum += groups;
+    }
+    QVERIFY(sum == project.totals());
+  }
+
+  void canBeCancelled() {
+    const std::vector<exchange::Resource> many(1500, resource("r", "0.3", "400.05"));
+    records::Project project;
+    std::size_t heard = 0;
+    QVERIFY(!store::fillFromSource(project, document(many, many), [&](std::size_t done) {
+      heard = done;
+      return done < 2000;
+    }));
+    QCOMPARE(heard, std::size_t(2000));
+  }
+};
 
 QTEST_APPLESS_MAIN(FromSourceTest)
 #include "tst_from_source.moc"

@@ -12,6 +12,7 @@
 #include <cstdio>
 
 #include "host/app/scoped_undo.h"
+#include "tests/support/rows.h"
 #include "tests/workbench/project_fixture.h"
 #include "workbench/records/project_templates.h"
 #include "workbench/store/check.h"
@@ -124,308 +125,283 @@ class ProjectFileTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void keepsEverything();
-  void projectWithoutASourceStartsFromItsTemplate();
-  void refusesWithItsOwnMessage_data();
-  void refusesWithItsOwnMessage();
-  void refusesAFileThatAnotherProgramHasOpen();
-  void refusesWithoutPermission();
-  void failedCreationLeavesNothing();
-  void replacesOnlyWhenTold();
-  void editsSurviveAKill_data();
-  void editsSurviveAKill();
-  void fullDiskTakesTheEditBack();
-  void checkFindsWhatWasTamperedWith_data();
-  void checkFindsWhatWasTamperedWith();
-};
+  void keepsEverything() {
+    tests::ProjectFixture fixture;
+    QVERIFY2(fixture.made, qPrintable(fixture.failure.message));
+    const auto source = exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
+    QCOMPARE(QDir(fixture.directory()).entryList(QDir::Files), QStringList{"办公楼.qcp"});
 
-void ProjectFileTest::keepsEverything() {
-  tests::ProjectFixture fixture;
-  QVERIFY2(fixture.made, qPrintable(fixture.failure.message));
-  const auto source = exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
-  QCOMPARE(QDir(fixture.directory()).entryList(QDir::Files), QStringList{"办公楼.qcp"});
+    controllers::OpenProject* opened = fixture.open();
+    QVERIFY2(opened != nullptr, qPrintable(fixture.failure.message));
+    records::Project& project = opened->project();
+    QCOMPARE(project.facts.name, std::string("办公楼"));
+    QCOMPARE(project.facts.costType, std::string("投标成本测算"));
+    QCOMPARE(project.facts.builder, source.facts.builder);
+    QCOMPARE(project.totals().budget, exchange::moneyOf(source).resources);
+    QCOMPARE(project.feeTotal(), exchange::moneyOf(source).fees);
+    QCOMPARE(project.unitWorks().size(), source.projects[0].unitWorks.size());
+    const auto& bill = source.projects[0].unitWorks[0].sections[0];
+    QCOMPARE(static_cast<records::StructureNode*>(project.unitWorks()[0]->child(0))->name,
+             bill.name);
+    fixture.close();
 
-  controllers::OpenProject* opened = fixture.open();
-  QVERIFY2(opened != nullptr, qPrintable(fixture.failure.message));
-  records::Project& project = opened->project();
-  QCOMPARE(project.facts.name, std::string("办公楼"));
-  QCOMPARE(project.facts.costType, std::string("投标成本测算"));
-  QCOMPARE(project.facts.builder, source.facts.builder);
-  QCOMPARE(project.totals().budget, exchange::moneyOf(source).resources);
-  QCOMPARE(project.feeTotal(), exchange::moneyOf(source).fees);
-  QCOMPARE(project.unitWorks().size(), source.projects[0].unitWorks.size());
-  const auto& bill = source.projects[0].unitWorks[0].sections[0];
-  QCOMPARE(static_cast<records::StructureNode*>(project.unitWorks()[0]->child(0))->name, bill.name);
-  fixture.close();
+    const store::CheckReport report = store::check(fixture.path());
+    QVERIFY2(report.ok(), qPrintable(report.failure.message + report.findings.join('\n')));
+    QVERIFY(report.resourceItems > 100);
+    QVERIFY2(report.money.contains(QString::fromStdString(source.declared.bills->toString(2))),
+             qPrintable(report.money));
+    // Closing leaves one file, which can be copied as it is.
+    QCOMPARE(QDir(fixture.directory()).entryList(QDir::Files), QStringList{"办公楼.qcp"});
+  }
 
-  const store::CheckReport report = store::check(fixture.path());
-  QVERIFY2(report.ok(), qPrintable(report.failure.message + report.findings.join('\n')));
-  QVERIFY(report.resourceItems > 100);
-  QVERIFY2(report.money.contains(QString::fromStdString(source.declared.bills->toString(2))),
-           qPrintable(report.money));
-  // Closing leaves one file, which can be copied as it is.
-  QCOMPARE(QDir(fixture.directory()).entryList(QDir::Files), QStringList{"办公楼.qcp"});
-}
-
-void ProjectFileTest::projectWithoutASourceStartsFromItsTemplate() {
-  const QTemporaryDir dir;
-  store::NewProject answers;
-  answers.costType = "目标成本测算";
-  store::Failure failure;
-  QStringList works;
-  for (const auto& [name, key] : records::projectTemplates()) {
-    answers.name = QString::fromStdString(name);
-    answers.projectTemplate = QString::fromStdString(key);
-    const QString path = dir.filePath(answers.name + ".qcp");
-    QVERIFY2(store::ProjectFile::create(path, nullptr, answers, failure),
-             qPrintable(failure.message));
-    const auto opened = controllers::OpenProject::open(path, failure);
-    QVERIFY2(opened != nullptr, qPrintable(failure.message));
-    QCOMPARE(opened->project().itemCount(), 0);
-    QVERIFY(!opened->project().allAccounts().empty());
-    QStringList names;
-    for (const records::StructureNode* work : opened->project().unitWorks()) {
-      names << QString::fromStdString(work->name);
+  void projectWithoutASourceStartsFromItsTemplate() {
+    const QTemporaryDir dir;
+    store::NewProject answers;
+    answers.costType = "目标成本测算";
+    store::Failure failure;
+    QStringList works;
+    for (const auto& [name, key] : records::projectTemplates()) {
+      answers.name = QString::fromStdString(name);
+      answers.projectTemplate = QString::fromStdString(key);
+      const QString path = dir.filePath(answers.name + ".qcp");
+      QVERIFY2(store::ProjectFile::create(path, nullptr, answers, failure),
+               qPrintable(failure.message));
+      const auto opened = controllers::OpenProject::open(path, failure);
+      QVERIFY2(opened != nullptr, qPrintable(failure.message));
+      QCOMPARE(opened->project().itemCount(), 0);
+      QVERIFY(!opened->project().allAccounts().empty());
+      QStringList names;
+      for (const records::StructureNode* work : opened->project().unitWorks()) {
+        names << QString::fromStdString(work->name);
+      }
+      QCOMPARE(opened->resItemOperator().getRoot()->size(), names.size());
+      QVERIFY(!names.isEmpty() && !works.contains(names.join('|')));  // no two are alike
+      works << names.join('|');
     }
-    QCOMPARE(opened->resItemOperator().getRoot()->size(), names.size());
-    QVERIFY(!names.isEmpty() && !works.contains(names.join('|')));  // no two are alike
-    works << names.join('|');
+    QVERIFY(works.size() > 1);
   }
-  QVERIFY(works.size() > 1);
-}
 
-void ProjectFileTest::refusesWithItsOwnMessage_data() {
-  QTest::addColumn<QString>("fault");
-  QTest::addColumn<FailureKind>("kind");
-  QTest::addColumn<QString>("words");
-  QTest::newRow("missing") << "missing" << FailureKind::Missing << "不存在";
-  QTest::newRow("text") << "text" << FailureKind::NotAProject << "不是成本测算工程文件";
-  QTest::newRow("empty") << "empty" << FailureKind::NotAProject << "不是成本测算工程文件";
-  QTest::newRow("directory") << "directory" << FailureKind::NotAProject << "不是成本测算工程文件";
-  QTest::newRow("another database")
-      << "PRAGMA application_id = 7" << FailureKind::NotAProject << "不是成本测算工程文件";
-  QTest::newRow("newer") << "PRAGMA user_version = 2" << FailureKind::Newer << "升级本程序";
-  QTest::newRow("no version") << "PRAGMA user_version = 0" << FailureKind::Damaged << "已损坏";
-  QTest::newRow("cut short") << "cut" << FailureKind::Damaged << "已损坏";
-  QTest::newRow("cut in the header") << "header" << FailureKind::Damaged << "文件不完整";
-  QTest::newRow("overwritten in the middle") << "scribble" << FailureKind::Damaged << "已损坏";
-  QTest::newRow("table gone") << "DROP TABLE cost_total; DROP TABLE fee_item; DROP TABLE fee_group"
-                              << FailureKind::Damaged << "已损坏";
-  QTest::newRow("facts gone") << "DELETE FROM project_fact" << FailureKind::Damaged
-                              << "缺少项目信息";
-  QTest::newRow("items gone") << "DELETE FROM resource_item WHERE id IN (SELECT id FROM "
-                                 "resource_item LIMIT 3)"
-                              << FailureKind::Damaged << "引用的记录不存在";
-  QTest::newRow("bill in the air")
-      << "UPDATE bill SET section_id = 987654" << FailureKind::Damaged << "引用的记录不存在";
-  QTest::newRow("no number") << "UPDATE resource_item SET price = '十元'" << FailureKind::Damaged
-                             << "数值不正确";
-  QTest::newRow("huge number") << "UPDATE resource_item SET price = '99999999999999999999'"
-                               << FailureKind::Damaged << "超出可计算的范围";
-  QTest::newRow("unknown category")
-      << "UPDATE resource_item SET category = 9" << FailureKind::Damaged << "取值不正确";
-}
-
-void ProjectFileTest::refusesWithItsOwnMessage() {
-  QFETCH(QString, fault);
-  QFETCH(FailureKind, kind);
-  QFETCH(QString, words);
-  tests::ProjectFixture fixture;
-  QString path = fixture.path();
-  if (fault == "missing") {
-    QVERIFY(QFile::remove(path));
-  } else if (fault == "text") {
-    write(path, "这是一个文本文件");
-  } else if (fault == "empty") {
-    write(path, {});
-  } else if (fault == "directory") {
-    path = fixture.directory();
-  } else if (fault == "cut") {
-    QVERIFY(QFile::resize(path, QFileInfo(path).size() * 2 / 3));
-  } else if (fault == "header") {
-    QVERIFY(QFile::resize(path, 50));
-  } else if (fault == "scribble") {
-    QByteArray content = contentOf(path);
-    for (int i = 4096; i < content.size() / 2; ++i) content[i] = char(i * 7);
-    write(path, content);
-  } else {
-    tamper(path, fault.split("; "));
+  void refusesWithItsOwnMessage_data() {
+    const tests::Rows<QString, FailureKind, QString> row{"fault", "kind", "words"};
+    row("missing", "missing", FailureKind::Missing, "不存在");
+    row("text", "text", FailureKind::NotAProject, "不是成本测算工程文件");
+    row("empty", "empty", FailureKind::NotAProject, "不是成本测算工程文件");
+    row("directory", "directory", FailureKind::NotAProject, "不是成本测算工程文件");
+    row("another database", "PRAGMA application_id = 7", FailureKind::NotAProject,
+        "不是成本测算工程文件");
+    row("newer", "PRAGMA user_version = 2", FailureKind::Newer, "升级本程序");
+    row("no version", "PRAGMA user_version = 0", FailureKind::Damaged, "已损坏");
+    row("cut short", "cut", FailureKind::Damaged, "已损坏");
+    row("cut in the header", "header", FailureKind::Damaged, "文件不完整");
+    row("overwritten in the middle", "scribble", FailureKind::Damaged, "已损坏");
+    row("table gone", "DROP TABLE cost_total; DROP TABLE fee_item; DROP TABLE fee_group",
+        FailureKind::Damaged, "已损坏");
+    row("facts gone", "DELETE FROM project_fact", FailureKind::Damaged, "缺少项目信息");
+    row("items gone",
+        "DELETE FROM resource_item WHERE id IN (SELECT id FROM "
+        "resource_item LIMIT 3)",
+        FailureKind::Damaged, "引用的记录不存在");
+    row("bill in the air", "UPDATE bill SET section_id = 987654", FailureKind::Damaged,
+        "引用的记录不存在");
+    row("no number", "UPDATE resource_item SET price = '十元'", FailureKind::Damaged, "数值不正确");
+    row("huge number", "UPDATE resource_item SET price = '99999999999999999999'",
+        FailureKind::Damaged, "超出可计算的范围");
+    row("unknown category", "UPDATE resource_item SET category = 9", FailureKind::Damaged,
+        "取值不正确");
   }
-  const QByteArray before = fault == "directory" ? QByteArray() : contentOf(path);
+  void refusesWithItsOwnMessage() {
+    QFETCH(QString, fault);
+    QFETCH(FailureKind, kind);
+    QFETCH(QString, words);
+    tests::ProjectFixture fixture;
+    QString path = fixture.path();
+    if (fault == "missing") {
+      QVERIFY(QFile::remove(path));
+    } else if (fault == "text") {
+      write(path, "这是一个文本文件");
+    } else if (fault == "empty") {
+      write(path, {});
+    } else if (fault == "directory") {
+      path = fixture.directory();
+    } else if (fault == "cut") {
+      QVERIFY(QFile::resize(path, QFileInfo(path).size() * 2 / 3));
+    } else if (fault == "header") {
+      QVERIFY(QFile::resize(path, 50));
+    } else if (fault == "scribble") {
+      QByteArray content = contentOf(path);
+      for (int i = 4096; i < content.size() / 2; ++i) content[i] = char(i * 7);
+      write(path, content);
+    } else {
+      tamper(path, fault.split("; "));
+    }
+    const QByteArray before = fault == "directory" ? QByteArray() : contentOf(path);
 
-  store::Failure failure;
-  QVERIFY(!store::ProjectFile::open(path, failure));
-  QVERIFY2(failure.kind == kind && failure.message.contains(words), qPrintable(failure.message));
-  QVERIFY(failure.message.contains(path));
-  QString plain = failure.message;
-  plain.remove(path).remove(QRegularExpression("（技术信息：[^）]*）"));
-  QVERIFY2(!plain.contains(QRegularExpression("[A-Za-z]+ [A-Za-z]+")), qPrintable(plain));
-  if (fault != "directory") QVERIFY(contentOf(path) == before);
-  QVERIFY(!store::check(path).ok());
-}
-
-void ProjectFileTest::refusesAFileThatAnotherProgramHasOpen() {
-  tests::ProjectFixture fixture;
-  Other other("hold", fixture.path());
-  QCOMPARE(other.firstLine(), QStringLiteral("open"));
-  QVERIFY(fixture.open() == nullptr);
-  QVERIFY2(fixture.failure.kind == FailureKind::Locked, qPrintable(fixture.failure.message));
-  QVERIFY(fixture.failure.message.contains("另一个程序"));
-  store::Failure failure;
-  QVERIFY(!store::ProjectFile::create(fixture.path(), nullptr, {}, failure, {}, true));
-  QVERIFY(failure.kind == FailureKind::Locked);
-  // The lock goes with the process, even with one that could not say goodbye.
-  other.kill();
-  QVERIFY2(fixture.open() != nullptr, qPrintable(fixture.failure.message));
-  // A second time in this very program is no different, whatever the way to the file; and the
-  // attempt does not take the lock away.
-  const QString symbolic = fixture.directory() + "/symbolic.qcp";
-  const QString hard = fixture.directory() + "/hard.qcp";
-  QVERIFY(QFile::link(fixture.path(), symbolic));
-  QCOMPARE(::link(QFile::encodeName(fixture.path()), QFile::encodeName(hard)), 0);
-  for (const QString& path : {fixture.path(), symbolic, hard}) {
+    store::Failure failure;
     QVERIFY(!store::ProjectFile::open(path, failure));
-    QVERIFY(failure.kind == FailureKind::Locked);
+    QVERIFY2(failure.kind == kind && failure.message.contains(words), qPrintable(failure.message));
+    QVERIFY(failure.message.contains(path));
+    QString plain = failure.message;
+    plain.remove(path).remove(QRegularExpression("（技术信息：[^）]*）"));
+    QVERIFY2(!plain.contains(QRegularExpression("[A-Za-z]+ [A-Za-z]+")), qPrintable(plain));
+    if (fault != "directory") QVERIFY(contentOf(path) == before);
+    QVERIFY(!store::check(path).ok());
   }
-  QCOMPARE(Other("hold", fixture.path()).firstLine(), lineOf(FailureKind::Locked));
-}
 
-void ProjectFileTest::refusesWithoutPermission() {
-  if (::geteuid() != 0) QSKIP("only root can become somebody else");
-  tests::ProjectFixture fixture;
-  QVERIFY(QFile::setPermissions(fixture.directory(), QFile::Permissions(0x7755)));
-  QVERIFY(QFile::setPermissions(fixture.path(), QFile::Permissions(0x6644)));
-  const Other other("open-as-nobody", fixture.path());
-  QCOMPARE(other.firstLine(), lineOf(FailureKind::NoPermission));
-}
+  void refusesAFileThatAnotherProgramHasOpen() {
+    tests::ProjectFixture fixture;
+    Other other("hold", fixture.path());
+    QCOMPARE(other.firstLine(), QStringLiteral("open"));
+    QVERIFY(fixture.open() == nullptr);
+    QVERIFY2(fixture.failure.kind == FailureKind::Locked, qPrintable(fixture.failure.message));
+    QVERIFY(fixture.failure.message.contains("另一个程序"));
+    store::Failure failure;
+    QVERIFY(!store::ProjectFile::create(fixture.path(), nullptr, {}, failure, {}, true));
+    QVERIFY(failure.kind == FailureKind::Locked);
+    // The lock goes with the process, even with one that could not say goodbye.
+    other.kill();
+    QVERIFY2(fixture.open() != nullptr, qPrintable(fixture.failure.message));
+    // A second time in this very program is no different, whatever the way to the file; and the
+    // attempt does not take the lock away.
+    const QString symbolic = fixture.directory() + "/symbolic.qcp";
+    const QString hard = fixture.directory() + "/hard.qcp";
+    QVERIFY(QFile::link(fixture.path(), symbolic));
+    QCOMPARE(::link(QFile::encodeName(fixture.path()), QFile::encodeName(hard)), 0);
+    for (const QString& path : {fixture.path(), symbolic, hard}) {
+      QVERIFY(!store::ProjectFile::open(path, failure));
+      QVERIFY(failure.kind == FailureKind::Locked);
+    }
+    QCOMPARE(Other("hold", fixture.path()).firstLine(), lineOf(FailureKind::Locked));
+  }
 
-void ProjectFileTest::failedCreationLeavesNothing() {
-  const QTemporaryDir dir;
-  const QString path = dir.filePath("a.qcp");
-  const auto source = exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Tender);
-  store::Failure failure;
-  for (const int when : {0, 20, 40, 99}) {
-    QVERIFY(!store::ProjectFile::create(path, &source, {}, failure,
-                                        [when](int percent) { return percent < when; }));
-    QVERIFY(failure.kind == FailureKind::Cancelled);
+  void refusesWithoutPermission() {
+    if (::geteuid() != 0) QSKIP("only root can become somebody else");
+    tests::ProjectFixture fixture;
+    QVERIFY(QFile::setPermissions(fixture.directory(), QFile::Permissions(0x7755)));
+    QVERIFY(QFile::setPermissions(fixture.path(), QFile::Permissions(0x6644)));
+    const Other other("open-as-nobody", fixture.path());
+    QCOMPARE(other.firstLine(), lineOf(FailureKind::NoPermission));
+  }
+
+  void failedCreationLeavesNothing() {
+    const QTemporaryDir dir;
+    const QString path = dir.filePath("a.qcp");
+    const auto source = exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Tender);
+    store::Failure failure;
+    for (const int when : {0, 20, 40, 99}) {
+      QVERIFY(!store::ProjectFile::create(path, &source, {}, failure,
+                                          [when](int percent) { return percent < when; }));
+      QVERIFY(failure.kind == FailureKind::Cancelled);
+      QVERIFY(QDir(dir.path()).isEmpty());
+    }
+    QVERIFY(!store::ProjectFile::create(dir.filePath("none/a.qcp"), &source, {}, failure));
+    QVERIFY(failure.kind == FailureKind::Missing);
     QVERIFY(QDir(dir.path()).isEmpty());
   }
-  QVERIFY(!store::ProjectFile::create(dir.filePath("none/a.qcp"), &source, {}, failure));
-  QVERIFY(failure.kind == FailureKind::Missing);
-  QVERIFY(QDir(dir.path()).isEmpty());
-}
 
-void ProjectFileTest::replacesOnlyWhenTold() {
-  tests::ProjectFixture fixture;
-  const QByteArray before = contentOf(fixture.path());
-  store::Failure failure;
-  QVERIFY(!store::ProjectFile::create(fixture.path(), nullptr, {"新", {}, {}}, failure));
-  QVERIFY(failure.kind == FailureKind::Exists);
-  QVERIFY(!store::ProjectFile::create(
-      fixture.path(), nullptr, {"新", {}, {}}, failure, [](int) { return false; }, true));
-  QVERIFY(contentOf(fixture.path()) == before);
-  QVERIFY(store::ProjectFile::create(fixture.path(), nullptr, {"新", {}, {}}, failure, {}, true));
-  QCOMPARE(fixture.open()->facts().name, std::string("新"));
-}
+  void replacesOnlyWhenTold() {
+    tests::ProjectFixture fixture;
+    const QByteArray before = contentOf(fixture.path());
+    store::Failure failure;
+    QVERIFY(!store::ProjectFile::create(fixture.path(), nullptr, {"新", {}, {}}, failure));
+    QVERIFY(failure.kind == FailureKind::Exists);
+    QVERIFY(!store::ProjectFile::create(
+        fixture.path(), nullptr, {"新", {}, {}}, failure, [](int) { return false; }, true));
+    QVERIFY(contentOf(fixture.path()) == before);
+    QVERIFY(store::ProjectFile::create(fixture.path(), nullptr, {"新", {}, {}}, failure, {}, true));
+    QCOMPARE(fixture.open()->facts().name, std::string("新"));
+  }
 
-void ProjectFileTest::editsSurviveAKill_data() {
-  QTest::addColumn<int>("after");
-  for (const int edits : {1, 2, 7, 40, 150})
-    QTest::newRow(qPrintable(QString::number(edits))) << edits;
-}
+  void editsSurviveAKill_data() {
+    QTest::addColumn<int>("after");
+    for (const int edits : {1, 2, 7, 40, 150})
+      QTest::newRow(qPrintable(QString::number(edits))) << edits;
+  }
+  void editsSurviveAKill() {
+    QFETCH(int, after);
+    tests::ProjectFixture fixture;
+    Other other("edit", fixture.path());
+    QCOMPARE(other.firstLine(), QStringLiteral("open"));
+    int confirmed = 0;
+    while (confirmed < after) confirmed = other.nextLine().toInt();
+    const QStringList rest = other.kill();
+    for (const QString& line : rest) confirmed = qMax(confirmed, line.toInt());
 
-void ProjectFileTest::editsSurviveAKill() {
-  QFETCH(int, after);
-  tests::ProjectFixture fixture;
-  Other other("edit", fixture.path());
-  QCOMPARE(other.firstLine(), QStringLiteral("open"));
-  int confirmed = 0;
-  while (confirmed < after) confirmed = other.nextLine().toInt();
-  const QStringList rest = other.kill();
-  for (const QString& line : rest) confirmed = qMax(confirmed, line.toInt());
+    controllers::OpenProject* opened = fixture.open();
+    QVERIFY2(opened != nullptr, qPrintable(fixture.failure.message));
+    const auto& item = *static_cast<records::ResourceItem*>(
+        opened->project().subProjects().member(0)->child(0)->child(0));
+    // The kill may have come between storing an edit and telling of it.
+    QVERIFY(item.price().value() == Decimal(confirmed) ||
+            item.price().value() == Decimal(confirmed + 1));
+    fixture.close();
+    QVERIFY(store::check(fixture.path()).ok());
+  }
 
-  controllers::OpenProject* opened = fixture.open();
-  QVERIFY2(opened != nullptr, qPrintable(fixture.failure.message));
-  const auto& item = *static_cast<records::ResourceItem*>(
-      opened->project().subProjects().member(0)->child(0)->child(0));
-  // The kill may have come between storing an edit and telling of it.
-  QVERIFY(item.price().value() == Decimal(confirmed) ||
-          item.price().value() == Decimal(confirmed + 1));
-  fixture.close();
-  QVERIFY(store::check(fixture.path()).ok());
-}
+  void fullDiskTakesTheEditBack() {
+    tests::ProjectFixture fixture;
+    controllers::OpenProject* opened = fixture.open();
+    records::ResourceItem& item = fixture.item(0, Category::Material, 0);
+    const auto edit = [&](int price) {
+      const app::ScopedUndo undo("");
+      opened->project().set(item, ItemField::Price, PackedDecimal(Decimal(price)));
+    };
+    edit(11);
+    const std::string before = opened->project().dump();
 
-void ProjectFileTest::fullDiskTakesTheEditBack() {
-  tests::ProjectFixture fixture;
-  controllers::OpenProject* opened = fixture.open();
-  records::ResourceItem& item = fixture.item(0, Category::Material, 0);
-  const auto edit = [&](int price) {
-    const app::ScopedUndo undo("");
-    opened->project().set(item, ItemField::Price, PackedDecimal(Decimal(price)));
-  };
-  edit(11);
-  const std::string before = opened->project().dump();
+    rlimit old{};
+    QCOMPARE(::getrlimit(RLIMIT_FSIZE, &old), 0);
+    rlimit tight = old;
+    tight.rlim_cur = 1;  // no file may grow
+    std::signal(SIGXFSZ, SIG_IGN);
+    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &tight), 0);
+    edit(12);
+    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &old), 0);
+    QCOMPARE(fixture.channel.messages().size(), std::size_t(1));
+    QVERIFY(fixture.channel.messages()[0].text.find("未能保存") != std::string::npos);
+    QVERIFY(opened->project().dump() == before);
+    QCOMPARE(opened->undo().stack()->count(), 1);
 
-  rlimit old{};
-  QCOMPARE(::getrlimit(RLIMIT_FSIZE, &old), 0);
-  rlimit tight = old;
-  tight.rlim_cur = 1;  // no file may grow
-  std::signal(SIGXFSZ, SIG_IGN);
-  QCOMPARE(::setrlimit(RLIMIT_FSIZE, &tight), 0);
-  edit(12);
-  QCOMPARE(::setrlimit(RLIMIT_FSIZE, &old), 0);
-  QCOMPARE(fixture.channel.messages().size(), std::size_t(1));
-  QVERIFY(fixture.channel.messages()[0].text.find("未能保存") != std::string::npos);
-  QVERIFY(opened->project().dump() == before);
-  QCOMPARE(opened->undo().stack()->count(), 1);
+    edit(13);  // room again
+    const std::string after = opened->project().dump();
+    opened = fixture.open();
+    QVERIFY2(opened != nullptr, qPrintable(fixture.failure.message));
+    QVERIFY(opened->project().dump() == after);
+  }
 
-  edit(13);  // room again
-  const std::string after = opened->project().dump();
-  opened = fixture.open();
-  QVERIFY2(opened != nullptr, qPrintable(fixture.failure.message));
-  QVERIFY(opened->project().dump() == after);
-}
-
-void ProjectFileTest::checkFindsWhatWasTamperedWith_data() {
-  QTest::addColumn<QString>("statement");
-  QTest::addColumn<QString>("words");
-  const QString one = QStringLiteral(" WHERE id = (SELECT min(id) FROM %1)");
-  QTest::newRow("project total") << "UPDATE cost_total SET excluded = '1' WHERE node_id = 0"
-                                 << "整个项目的不含税合计";
-  QTest::newRow("sub-project total")
-      << "UPDATE cost_total SET included = '1' WHERE category = -1 AND node_id > 0"
-      << "的含税合计";
-  QTest::newRow("group total") << "UPDATE cost_total SET budget = budget || '1' WHERE category = 1"
-                               << "材料的预算合计";
-  QTest::newRow("missing total") << "DELETE FROM cost_total WHERE category = 2"
-                                 << "缺少合计";
-  QTest::newRow("item amount") << "UPDATE resource_item SET excluded_amount = '0.01'" +
-                                      one.arg("resource_item")
-                               << "的不含税合价";
-  QTest::newRow("item price") << "UPDATE resource_item SET price = '123456'" +
-                                     one.arg("resource_item")
-                              << "的含税合价";
-  QTest::newRow("item quantity") << "UPDATE resource_item SET quantity = '9.87'" +
-                                        one.arg("resource_item")
-                                 << "的数量";
-  QTest::newRow("budget line") << "UPDATE budget_item SET amount = '0.01'" + one.arg("budget_item")
-                               << "的预算工料机";
-  QTest::newRow("bill") << "UPDATE bill SET amount = '0.01'" + one.arg("bill") << "清单合价";
-  QTest::newRow("fee") << "UPDATE fee_item SET amount = '0.01'" + one.arg("fee_item") << "间接费";
-  QTest::newRow("declared money")
-      << "UPDATE project_fact SET value = '1' WHERE name = 'declared_resources'"
-      << "申报金额";
-}
-
-void ProjectFileTest::checkFindsWhatWasTamperedWith() {
-  QFETCH(QString, statement);
-  QFETCH(QString, words);
-  tests::ProjectFixture fixture;
-  tamper(fixture.path(), {statement});
-  const store::CheckReport report = store::check(fixture.path());
-  QVERIFY2(report.failure.kind == FailureKind::None, qPrintable(report.failure.message));
-  QVERIFY2(report.findings.join('\n').contains(words), qPrintable(report.findings.join('\n')));
-}
+  void checkFindsWhatWasTamperedWith_data() {
+    const tests::Rows<QString, QString> row{"statement", "words"};
+    const QString one = QStringLiteral(" WHERE id = (SELECT min(id) FROM %1)");
+    row("project total", "UPDATE cost_total SET excluded = '1' WHERE node_id = 0",
+        "整个项目的不含税合计");
+    row("sub-project total",
+        "UPDATE cost_total SET included = '1' WHERE category = -1 AND node_id > 0", "的含税合计");
+    row("group total", "UPDATE cost_total SET budget = budget || '1' WHERE category = 1",
+        "材料的预算合计");
+    row("missing total", "DELETE FROM cost_total WHERE category = 2", "缺少合计");
+    row("item amount",
+        "UPDATE resource_item SET excluded_amount = '0.01'" + one.arg("resource_item"),
+        "的不含税合价");
+    row("item price", "UPDATE resource_item SET price = '123456'" + one.arg("resource_item"),
+        "的含税合价");
+    row("item quantity", "UPDATE resource_item SET quantity = '9.87'" + one.arg("resource_item"),
+        "的数量");
+    row("budget line", "UPDATE budget_item SET amount = '0.01'" + one.arg("budget_item"),
+        "的预算工料机");
+    row("bill", "UPDATE bill SET amount = '0.01'" + one.arg("bill"), "清单合价");
+    row("fee", "UPDATE fee_item SET amount = '0.01'" + one.arg("fee_item"), "间接费");
+    row("declared money", "UPDATE project_fact SET value = '1' WHERE name = 'declared_resources'",
+        "申报金额");
+  }
+  void checkFindsWhatWasTamperedWith() {
+    QFETCH(QString, statement);
+    QFETCH(QString, words);
+    tests::ProjectFixture fixture;
+    tamper(fixture.path(), {statement});
+    const store::CheckReport report = store::check(fixture.path());
+    QVERIFY2(report.failure.kind == FailureKind::None, qPrintable(report.failure.message));
+    QVERIFY2(report.findings.join('\n').contains(words), qPrintable(report.findings.join('\n')));
+  }
+};
 
 int main(int argc, char** argv) {
   QCoreApplication application(argc, argv);
