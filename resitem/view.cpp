@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QSplitter>
 #include <QTimer>
+#include <QToolBar>
 #include <QToolButton>
 #include <algorithm>
 
@@ -97,6 +98,8 @@ void QCEResItemViewImpl::createActions() {
                                   QKeySequence("Shift+F2"), &Page::editComment);
   deleteCommentAction_ =
       addCommand("删除批注", "删除选中人材机的批注", QKeySequence(), &Page::deleteComment);
+  poolingAction_ = addCommand("归集到成本", "把清单下的预算收入工料机归集到当前成本工料机",
+                              QKeySequence("Ctrl+G"), &Page::collectToCost);
   moveUpAction_ = addCommand("上移", "把选中的行上移一行", QKeySequence("Alt+Up"), &Page::moveUp);
   moveDownAction_ =
       addCommand("下移", "把选中的行下移一行", QKeySequence("Alt+Down"), &Page::moveDown);
@@ -158,20 +161,20 @@ void QCEResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
   toolBar->addWidget(createSeparator(this));
   addChoice(toolBar, "关联:", associations_);
   toolBar->addWidget(createSeparator(this));
-  for (QAction* action :
-       {conditionAction_, batchPriceAction_, editCommentAction_, moveUpAction_, moveDownAction_}) {
-    auto* button = new QToolButton(this);
-    button->setDefaultAction(action);
-    button->setAutoRaise(true);
-    toolBar->addWidget(button);
-    if (action == conditionAction_) conditionButton_ = button;
+  // In a narrow window it keeps what does not fit behind an arrow.
+  auto* commands = new QToolBar(this);
+  for (QAction* action : {conditionAction_, poolingAction_, batchPriceAction_, editCommentAction_,
+                          moveUpAction_, moveDownAction_}) {
+    commands->addAction(action);
   }
+  conditionButton_ = qobject_cast<QToolButton*>(commands->widgetForAction(conditionAction_));
   auto* findButton = new QToolButton(this);
   findButton->setText("查找");
   findButton->setToolTip("在表格中查找，可输入拼音首字母（Ctrl+F）");
   findButton->setAutoRaise(true);
   connect(findButton, &QToolButton::clicked, this, &QCEResItemViewImpl::find);
-  toolBar->addWidget(findButton);
+  commands->addWidget(findButton);
+  toolBar->addWidget(commands);
 }
 
 QWidget* QCEResItemViewImpl::createContent(gui::TreeGridView* grid) {
@@ -208,6 +211,8 @@ QWidget* QCEResItemViewImpl::createFooter() {
 void QCEResItemViewImpl::fillContextMenu(QMenu* menu) {
   refreshActions();
   treeGrid()->addEditActions(menu);
+  menu->addSeparator();
+  menu->addAction(poolingAction_);
   menu->addSeparator();
   menu->addAction(batchPriceAction_);
   menu->addAction(editCommentAction_);
@@ -409,6 +414,13 @@ void QCEResItemViewImpl::deleteComment() {
   report(commands_.setComment(items, {}));
 }
 
+void QCEResItemViewImpl::collectToCost() {
+  proxy::Element* item = treeGrid()->currentElement();
+  if (controller_ == nullptr || item == nullptr) return;
+  controller_->collectToCost(item);
+  updateView();
+}
+
 void QCEResItemViewImpl::moveUp() {
   move(true);
 }
@@ -451,11 +463,11 @@ void QCEResItemViewImpl::refreshLater() {
 void QCEResItemViewImpl::refreshActions() {
   const ResItemCommands::Items items = selectedItems();
   const bool movable = controller_ != nullptr && commands_.isValid();
+  proxy::Element* current = treeGrid()->currentElement();
   bool commentable = false;
   bool annotated = false;
   if (filter_ != nullptr) {
     std::string text;
-    proxy::Element* current = treeGrid()->currentElement();
     commentable = current != nullptr && filter_->getComment(current, text);
     annotated = std::any_of(items.begin(), items.end(), [this, &text](proxy::Element* item) {
       return filter_->getComment(item, text) && !text.empty();
@@ -464,6 +476,8 @@ void QCEResItemViewImpl::refreshActions() {
   batchPriceAction_->setEnabled(!items.empty());
   editCommentAction_->setEnabled(commentable);
   deleteCommentAction_->setEnabled(annotated);
+  poolingAction_->setEnabled(controller_ != nullptr && current != nullptr &&
+                             controller_->canCollectToCost(current));
   moveUpAction_->setEnabled(movable && commands_.canMove(items, true));
   moveDownAction_->setEnabled(movable && commands_.canMove(items, false));
   regroupAction_->setEnabled(filter_ != nullptr);

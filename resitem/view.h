@@ -58,6 +58,8 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   void deleteComment();
   void moveUp();
   void moveDown();
+  /// Lets the controller ask what to pool into the current item.
+  void collectToCost();
   /// Builds the grouping rows again; selection and current row stay on their items.
   void regroup();
 
@@ -109,6 +111,7 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   QAction* batchPriceAction_ = nullptr;
   QAction* editCommentAction_ = nullptr;
   QAction* deleteCommentAction_ = nullptr;
+  QAction* poolingAction_ = nullptr;
   QAction* moveUpAction_ = nullptr;
   QAction* moveDownAction_ = nullptr;
   QAction* regroupAction_ = nullptr;

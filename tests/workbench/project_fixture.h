@@ -8,6 +8,7 @@
 #include "host/app/services.h"
 #include "workbench/controllers/open_project.h"
 #include "workbench/exchange/sample_generator.h"
+#include "workbench/records/field_accessors.h"
 #include "workbench/services/channels.h"
 
 namespace tests {
@@ -19,6 +20,7 @@ class ProjectFixture {
   ProjectFixture() {
     const exchange::SourceDocument source =
         exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
+    proxy::qce::InstallFieldAccessors(records::fieldAccessors());
     made = store::ProjectFile::create(path(), &source, {"办公楼", "投标成本测算", {}}, failure);
   }
   ~ProjectFixture() {

@@ -18,6 +18,9 @@ OpenProject::OpenProject(std::unique_ptr<store::ProjectFile> file)
                                    QString& message) { return file_->commit(changes, message); })),
       resItemTable_(operators::makeResItemTable()),
       resItemOperator_(std::make_unique<operators::ResItemOperator>(file_->project())),
-      resItemController_(std::make_unique<ResItemController>(file_->project())) {}
+      resItemController_(std::make_unique<ResItemController>(file_->project())),
+      poolingController_(std::make_unique<NotionalPoolingController>(file_->project())) {
+  resItemController_->setPooling(poolingController_.get());
+}
 
 }  // namespace controllers

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "host/domain/display_table.h"
+#include "workbench/controllers/notional_pooling_controller.h"
 #include "workbench/controllers/res_item_controller.h"
 #include "workbench/operators/res_item_operator.h"
 #include "workbench/services/undo_history.h"
@@ -32,6 +33,7 @@ class OpenProject {
   operators::ResItemOperator& resItemOperator() { return *resItemOperator_; }
   domain::DisplayTable& resItemTable() { return *resItemTable_; }
   ResItemController& resItemController() { return *resItemController_; }
+  NotionalPoolingController& poolingController() { return *poolingController_; }
 
  private:
   explicit OpenProject(std::unique_ptr<store::ProjectFile> file);
@@ -41,6 +43,7 @@ class OpenProject {
   std::unique_ptr<domain::DisplayTable> resItemTable_;
   std::unique_ptr<operators::ResItemOperator> resItemOperator_;
   std::unique_ptr<ResItemController> resItemController_;
+  std::unique_ptr<NotionalPoolingController> poolingController_;
 };
 
 }  // namespace controllers

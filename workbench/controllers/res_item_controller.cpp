@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "host/app/scoped_undo.h"
+#include "workbench/controllers/notional_pooling_controller.h"
 
 namespace controllers {
 
@@ -36,6 +37,14 @@ bool ResItemController::moveDown(proxy::Element* element) {
   if (item == nullptr) return false;
   const app::ScopedUndo undo("下移");
   return project_.moveDown(*item);
+}
+
+bool ResItemController::canCollectToCost(proxy::Element* item) const {
+  return pooling_ != nullptr && NotionalPoolingController::canPoolInto(item);
+}
+
+void ResItemController::collectToCost(proxy::Element* item) {
+  if (pooling_ != nullptr) pooling_->openPooling(item);
 }
 
 void ResItemController::note(proxy::Element* element) {

@@ -10,6 +10,8 @@
 
 namespace controllers {
 
+class NotionalPoolingController;
+
 /// The host side of the resource-item page: its commands, and the way back from changed records to
 /// the models that show them.
 class ResItemController : public abst::qce::QCEResItemController, private records::Observer {
@@ -30,9 +32,14 @@ class ResItemController : public abst::qce::QCEResItemController, private record
   /// Called at the end of each edit, undo and redo: totals may be other ones.
   void setTotalsChanged(std::function<void()> callback) { totalsChanged_ = std::move(callback); }
 
+  /// What opens the pooling dialog; not owned, null for none.
+  void setPooling(NotionalPoolingController* pooling) { pooling_ = pooling; }
+
   std::vector<std::pair<std::string, proxy::Element*>> getSubProjects() const override;
   bool moveUp(proxy::Element* item) override;
   bool moveDown(proxy::Element* item) override;
+  bool canCollectToCost(proxy::Element* item) const override;
+  void collectToCost(proxy::Element* item) override;
 
  private:
   void itemChanged(records::ResourceItem& item) override;
@@ -50,6 +57,7 @@ class ResItemController : public abst::qce::QCEResItemController, private record
 
   records::Project& project_;
   abst::qce::QCEResItemModel* model_ = nullptr;
+  NotionalPoolingController* pooling_ = nullptr;
   std::function<void(proxy::Element*)> elementChanged_;
   std::function<void()> totalsChanged_;
   std::vector<scoped_refptr<proxy::Element>> changed_;

@@ -2,18 +2,22 @@
 
 #include <utility>
 
+#include "workbench/records/field_accessors.h"
+
 namespace services {
 
 Installed::Installed(std::unique_ptr<PathManager> paths, std::unique_ptr<app::Channel> channel)
     : paths_(std::move(paths)),
       channel_(std::move(channel)),
       configuration_(paths_->config() + QStringLiteral("/settings.json")),
-      before_(app::InstallServices(current())) {
+      before_(app::InstallServices(current())),
+      accessorsBefore_(proxy::qce::InstallFieldAccessors(records::fieldAccessors())) {
   paths_->installReportTemplates();
 }
 
 Installed::~Installed() {
   app::InstallServices(before_);
+  proxy::qce::InstallFieldAccessors(std::move(accessorsBefore_));
 }
 
 void Installed::setUndo(app::UndoService* undo) {

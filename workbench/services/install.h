@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "host/app/services.h"
+#include "host/proxy/qce/field_accessors.h"
 #include "workbench/services/channels.h"
 #include "workbench/services/configuration.h"
 #include "workbench/services/path_manager.h"
@@ -33,6 +34,7 @@ class Installed {
   Configuration configuration_;
   app::UndoService* undo_ = nullptr;
   app::Services before_;
+  proxy::qce::FieldAccessors accessorsBefore_;
 };
 
 /// Installs the services of the desktop program: the user's directories, message boxes, settings

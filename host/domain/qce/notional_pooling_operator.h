@@ -30,8 +30,7 @@ class QCE_CONTRACT_EXPORT QCENotionalPoolingOperator : public Operator {
   /// and zero quantities book nothing. A refusal has been told to the user.
   virtual void collectToQCEResItem(const std::map<proxy::Element*, double>& quantities) = 0;
 
-  /// The rows of other bills of the same sub-engineering that hold the same resource item, in the
-  /// order of the rows.
+  /// The rows of other bills of the same sub-engineering that hold the same resource item.
   virtual std::vector<proxy::Element*> getSameRowsOfOtherBills(const proxy::Element* row) const = 0;
   /// The bill that owns the row; null for none. It has the id of the bill that was set.
   virtual const proxy::Element* getOwningBill(const proxy::Element* row) const = 0;
