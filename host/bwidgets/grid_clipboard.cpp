@@ -37,7 +37,49 @@ struct Target {
   QString text;
 };
 
-using Refused = std::vector<QPersistentModelIndex>;
+// A cell that kept what it held.
+struct Refusal {
+  QPersistentModelIndex cell;
+  QString said;    // by its model, naming the cell; mostly nothing
+  QString reason;  // as far as the grid knows it
+};
+using Refused = std::vector<Refusal>;
+
+// What a model says of the cells it refuses, while a block is written: a column of wrong values is
+// one report instead of a message box a cell. Questions still reach the user.
+class Hearing : public app::Channel {
+ public:
+  Hearing() : before_(app::InstallServices({})) {
+    app::Services hearing = before_;
+    hearing.channel = this;
+    hearing.qceChannel = this;
+    app::InstallServices(hearing);
+  }
+  ~Hearing() override { app::InstallServices(before_); }
+  Hearing(const Hearing&) = delete;
+  Hearing& operator=(const Hearing&) = delete;
+
+  int message(const std::string& text, int buttons) override {
+    if (buttons != QMessageBox::Ok) {
+      app::Channel* asking = before_.channel != nullptr ? before_.channel : before_.qceChannel;
+      if (asking != nullptr) return asking->message(text, buttons);
+      return buttons & -buttons;
+    }
+    heard_ << QString::fromStdString(text).simplified();
+    return buttons;
+  }
+
+  /// What has been said since it was last asked.
+  QString take() {
+    const QString said = heard_.join(QLatin1Char(' '));
+    heard_.clear();
+    return said;
+  }
+
+ private:
+  app::Services before_;
+  QStringList heard_;
+};
 
 // The number of a shown row, from 1.
 int shownRowNumber(const TreeGridView& grid, const QModelIndex& cell) {
@@ -53,8 +95,11 @@ int shownRowNumber(const TreeGridView& grid, const QModelIndex& cell) {
 QString placeOf(const TreeGridView& grid, const QModelIndex& cell) {
   const QString title =
       grid.model()->headerData(cell.column(), Qt::Horizontal).toString().simplified();
+  // The column that carries the tree names the row; where it does not, the first one that can.
+  std::vector<int> columns = grid.visibleColumns();
+  columns.insert(columns.begin(), std::max(grid.treePosition(), 0));
   QString name;
-  for (const int column : grid.visibleColumns()) {
+  for (const int column : columns) {
     if (column != cell.column()) name = cell.sibling(cell.row(), column).data().toString();
     name = name.simplified();
     if (!name.isEmpty()) break;
@@ -65,6 +110,39 @@ QString placeOf(const TreeGridView& grid, const QModelIndex& cell) {
                         : QString::fromUtf8("%1（%2），%3").arg(row, name, title);
 }
 
+QString reasonFor(const Target& target) {
+  if (!isWritable(target.cell)) return QString::fromUtf8("：不可编辑");
+  const bool number = isNumber(target.cell.data(domain::FieldTypeRole).toInt());
+  return number && !plainNumber(target.text) ? QString::fromUtf8("：应为数字") : QString();
+}
+
+QString lineFor(const TreeGridView& grid, const Refusal& refusal) {
+  if (refusal.said.isEmpty()) return placeOf(grid, refusal.cell) + refusal.reason;
+  return QString::fromUtf8("第 %1 行：%2")
+      .arg(shownRowNumber(grid, refusal.cell))
+      .arg(refusal.said);
+}
+
+// Writes the cells as one undo step and answers those that refused. What is said of cells that took
+// their text goes into `notes`.
+template <class Skip>
+Refused write(const std::vector<Target>& targets, const char* step, QStringList& notes, Skip skip) {
+  Refused refused;
+  const app::ScopedUndo undo(step);
+  Hearing hearing;
+  for (const Target& target : targets) {
+    if (skip(target)) continue;
+    const bool taken = writeCell(target.cell, target.text);
+    const QString said = hearing.take();
+    if (!taken) {
+      refused.push_back({target.cell, said, reasonFor(target)});
+    } else if (!said.isEmpty()) {
+      notes << said;
+    }
+  }
+  return refused;
+}
+
 void report(const TreeGridView& grid, const QString& headline, const Refused& refused,
             const QStringList& notes) {
   if (refused.empty() && notes.isEmpty()) return;
@@ -73,7 +151,7 @@ void report(const TreeGridView& grid, const QString& headline, const Refused& re
     lines << headline.arg(refused.size());
     const std::size_t named = std::min<std::size_t>(refused.size(), NamedCells);
     for (std::size_t i = 0; i < named; ++i) {
-      if (refused[i].isValid()) lines << placeOf(grid, refused[i]);
+      if (refused[i].cell.isValid()) lines << lineFor(grid, refused[i]);
     }
     if (refused.size() > named) {
       lines << QString::fromUtf8("……另有 %1 个单元格").arg(refused.size() - named);
@@ -198,19 +276,14 @@ void pasteFromClipboard(TreeGridView& grid) {
     }
   }
 
-  Refused refused;
-  {
-    const app::ScopedUndo undo("粘贴");
-    for (const Target& target : targets) {
-      // What already stands there needs no writing: digits that are not shown stay, and copied
-      // rows can be pasted back over columns that cannot be edited.
-      if (target.cell.isValid() && clipboardText(target.cell) == target.text) continue;
-      // Nothing for a cell that cannot be edited is no loss to tell of.
-      if (target.text.isEmpty() && target.cell.isValid() && !isWritable(target.cell)) continue;
-      if (!writeCell(target.cell, target.text)) refused.push_back(target.cell);
-    }
-  }
-  report(grid, QString::fromUtf8("以下 %1 个单元格不可编辑或不接受所粘贴的内容："), refused, notes);
+  const Refused refused = write(targets, "粘贴", notes, [](const Target& target) {
+    // What already stands there needs no writing: digits that are not shown stay, and copied
+    // rows can be pasted back over columns that cannot be edited.
+    if (target.cell.isValid() && clipboardText(target.cell) == target.text) return true;
+    // Nothing for a cell that cannot be edited is no loss to tell of.
+    return target.text.isEmpty() && target.cell.isValid() && !isWritable(target.cell);
+  });
+  report(grid, QString::fromUtf8("以下 %1 个单元格未粘贴，保持原值："), refused, notes);
 }
 
 void clearCells(TreeGridView& grid) {
@@ -223,14 +296,9 @@ void clearCells(TreeGridView& grid) {
     targets.push_back({cell, QString()});
   }
   if (targets.empty()) return;
-  Refused refused;
-  {
-    const app::ScopedUndo undo("清除内容");
-    for (const Target& target : targets) {
-      if (!writeCell(target.cell, target.text)) refused.push_back(target.cell);
-    }
-  }
-  report(grid, QString::fromUtf8("以下 %1 个单元格的内容不能清除："), refused, {});
+  QStringList notes;
+  const Refused refused = write(targets, "清除内容", notes, [](const Target&) { return false; });
+  report(grid, QString::fromUtf8("以下 %1 个单元格的内容不能清除："), refused, notes);
 }
 
 }  // namespace bwidgets

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/app/services.h"
+
 namespace tests {
 
 Node::Node(std::string name) : name_(std::move(name)) {
@@ -125,7 +127,10 @@ bool NodeOperator::getValue(const proxy::Element* element, const std::string& ke
 
 bool NodeOperator::setValue(proxy::Element* element, const std::string& key,
                             const domain::Value& value, int role) {
-  if (refuse) return false;
+  if (refuse) {
+    if (!complaint.empty()) app::qce::GetQCEChannel()->message(complaint, 0x400);  // OK
+    return false;
+  }
   lastWritten = value;
   lastRole = role;
   if (role == domain::EditRole) {

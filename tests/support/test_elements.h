@@ -90,6 +90,7 @@ class NodeOperator : public domain::Operator {
   Tree tree;
   bool hasRoot = true;
   bool refuse = false;
+  std::string complaint;  ///< what it says when it refuses
   std::string disabledKey, readOnlyKey, checkableKey;
   mutable int reads = 0;
   domain::Value lastWritten;

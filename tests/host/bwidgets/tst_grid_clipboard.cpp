@@ -1,4 +1,5 @@
 #include <QClipboard>
+#include <QMessageBox>
 
 #include "tests/support/sample_grid.h"
 #include "tests/support/test_main.h"
@@ -131,9 +132,9 @@ class TestGridClipboard : public QObject {
     // total is read-only, "x" is no number, the grid has one more row and three more columns.
     setClipboard("1\t2\t\tn\t5\nx\t\t\tn\n9\n9\n");
     g.key(Qt::Key_V, Qt::ControlModifier);
-    QCOMPARE(g.message(), QString::fromUtf8("以下 2 个单元格不可编辑或不接受所粘贴的内容：\n"
-                                            "第 14 行（CL1010），合价\n"
-                                            "第 15 行（CL1011），单价\n"
+    QCOMPARE(g.message(), QString::fromUtf8("以下 2 个单元格未粘贴，保持原值：\n"
+                                            "第 14 行（CL1010），合价：不可编辑\n"
+                                            "第 15 行（CL1011），单价：应为数字\n"
                                             "有 2 行超出表格末尾，未粘贴。\n"
                                             "有 1 列超出表格右侧，未粘贴。"));
     QCOMPARE(g.text("2.2:price"), QString("1.00"));
@@ -152,6 +153,25 @@ class TestGridClipboard : public QObject {
     QCOMPARE(lines.size(), 12);
     QCOMPARE(lines.at(1), QString::fromUtf8("第 2 行（螺纹钢 HRB400），编码"));
     QCOMPARE(lines.last(), QString::fromUtf8("……另有 6 个单元格"));
+  }
+
+  void reportsOnceWhatTheModelSaysOfEachCell() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.view->setTreePosition(1);
+    g.op.refuse = true;
+    g.op.complaint = "单价过大。";
+    g.setCurrent("0.0:price");
+    setClipboard("1\n2\nx");
+    g.key(Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(g.message(), QString::fromUtf8("以下 3 个单元格未粘贴，保持原值：\n"
+                                            "第 2 行：单价过大。\n"
+                                            "第 3 行：单价过大。\n"
+                                            "第 4 行（商品混凝土 C30），单价：应为数字"));
+    // The channel is the host's again.
+    g.services.channel.clear();
+    app::qce::GetQCEChannel()->message("x", QMessageBox::Ok);
+    QCOMPARE(g.message(), QString("x"));
   }
 
   void pastesWhileTheModelFilters() {
