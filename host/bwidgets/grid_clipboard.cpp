@@ -71,7 +71,7 @@ class Hearing : public app::Channel {
 
   /// What has been said since it was last asked.
   QString take() {
-    const QString said = heard_.join(QLatin1Char(' '));
+    QString said = heard_.join(QLatin1Char(' '));
     heard_.clear();
     return said;
   }

@@ -6,8 +6,9 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QRegularExpressionValidator>
+#include <QRegularExpression>
 #include <QToolTip>
+#include <QValidator>
 #include <algorithm>
 
 #include "host/base/number_text.h"
@@ -23,6 +24,7 @@ namespace {
 
 constexpr char startText[] = "gui_startText";  // what an editor showed before the user typed
 const QColor searchMark(0xff, 0xf1, 0xa8);
+const QColor refusedText(0xc6, 0x28, 0x28);
 
 bool isNumber(const QModelIndex& index) {
   const int type = index.data(domain::FieldTypeRole).toInt();
@@ -57,6 +59,35 @@ QRect checkBoxRect(const QStyleOptionViewItem& option) {
   const QSize size(style->pixelMetric(QStyle::PM_IndicatorWidth, &option, option.widget),
                    style->pixelMetric(QStyle::PM_IndicatorHeight, &option, option.widget));
   return QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size, option.rect);
+}
+
+// The number that was typed, as plain digits; nothing for what is none.
+std::optional<QString> typedNumber(QString text) {
+  // Full-width digits come from Chinese input methods.
+  static const QRegularExpression digits(QRegularExpression::anchoredPattern(
+      QString::fromUtf8("\\s*[-+－＋]?[0-9０-９,，]*[.．。]?[0-9０-９]*\\s*")));
+  if (!digits.match(text).hasMatch()) return {};
+  return bwidgets::plainNumber(text.replace(QString::fromUtf8("。"), QStringLiteral(".")));
+}
+
+// What is no number can be typed but not committed: were its letters left out one by one, "12*1.5"
+// would silently become 121.5.
+class NumberValidator : public QValidator {
+ public:
+  using QValidator::QValidator;
+  State validate(QString& text, int& /*position*/) const override {
+    return text.trimmed().isEmpty() || typedNumber(text) ? Acceptable : Intermediate;
+  }
+};
+
+void tellOfNumber(QLineEdit* editor) {
+  const bool number = editor->hasAcceptableInput();
+  QPalette palette = editor->parentWidget()->palette();
+  if (!number) palette.setColor(QPalette::Text, refusedText);
+  editor->setPalette(palette);
+  QToolTip::showText(editor->mapToGlobal(QPoint(0, editor->height() / 2)),
+                     number ? QString() : QString::fromUtf8("这里只能输入数字，按 Esc 恢复原值"),
+                     editor);
 }
 
 }  // namespace
@@ -120,10 +151,8 @@ QWidget* StyledItemDelegate::createEditor(QWidget* parent, const QStyleOptionVie
   editor->setAutoFillBackground(true);
   if (isNumber(index)) {
     editor->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    // Full-width digits come from Chinese input methods.
-    static const QRegularExpression number(
-        QString::fromUtf8("\\s*[-+－＋]?[0-9０-９,，]*[.．。]?[0-9０-９]*\\s*"));
-    editor->setValidator(new QRegularExpressionValidator(number, editor));
+    editor->setValidator(new NumberValidator(editor));
+    QObject::connect(editor, &QLineEdit::textEdited, editor, [editor] { tellOfNumber(editor); });
   }
   return editor;
 }
@@ -153,8 +182,7 @@ void StyledItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* model
   const QVariant before = line->property(startText);
   if (before.isValid() && before.toString() == text) return;
   if (isNumber(index)) {
-    text.replace(QString::fromUtf8("。"), QStringLiteral("."));
-    text = bwidgets::plainNumber(text).value_or(text.trimmed());
+    text = typedNumber(text).value_or(QString());
   } else if (index.data(domain::FieldTypeRole).toInt() == domain::BoolField) {
     const std::optional<bool> checked = bwidgets::yesOrNo(text);
     if (checked) model->setData(index, *checked, Qt::EditRole);
@@ -165,7 +193,7 @@ void StyledItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* model
 
 void StyledItemDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                                               const QModelIndex& /*index*/) const {
-  editor->setGeometry(option.rect.adjusted(0, 0, -1, -1));  // the grid lines stay
+  editor->setGeometry(option.rect.adjusted(2, 2, -2, -2));  // the frame of the current cell stays
 }
 
 bool StyledItemDelegate::editorEvent(QEvent* event, QAbstractItemModel* model,

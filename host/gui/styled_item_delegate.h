@@ -9,10 +9,10 @@ namespace gui {
 /// The delegate of a bwidgets::TreeGridView; works in other views, too.
 ///
 /// Asks the cell for role 137 (its field type): numbers stand to the right unless the model aligns
-/// them. Every value is edited in a plain line with its text selected; a number's line takes
-/// nothing else. A text that was not changed is not written. A check box without a text stands in
-/// the middle; a click on it or Space toggles it. A text that does not fit its cell shows in full
-/// as its tool tip.
+/// them. Every value is edited in a plain line with its text selected; a number's line commits
+/// nothing else and tells so while it is typed. A text that was not changed is not written. A check
+/// box without a text stands in the middle; a click on it or Space toggles it. A text that does not
+/// fit its cell shows in full as its tool tip.
 class QCE_HOST_WIDGETS_EXPORT StyledItemDelegate : public QStyledItemDelegate {
   Q_OBJECT
 

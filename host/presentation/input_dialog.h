@@ -16,7 +16,7 @@ class QCE_EXPORT CInputDialog : public bwidgets::Dialog {
   struct Bounds {
     double minimum = 0.0;
     double maximum = 999999999.99;
-    int decimals = 2;  ///< digits after the point that can be typed
+    int decimals = 2;  ///< digits after the point that are accepted
   };
 
   /// `title` and `label` are shown; `value` is what the box starts with, all of it selected.
