@@ -17,7 +17,7 @@ struct ToQVariant {
   QVariant operator()(bool value) const { return value; }
   QVariant operator()(int value) const { return value; }
   QVariant operator()(double value) const { return value; }
-  QVariant operator()(const std::string& value) const { return QString::fromStdString(value); }
+  QVariant operator()(const std::string& value) const { return textCell(value); }
   QVariant operator()(const base::Color& value) const { return QColor(value.r, value.g, value.b); }
   QVariant operator()(const base::Font& value) const {
     QFont font;
@@ -35,6 +35,13 @@ struct ToQVariant {
     return texts;
   }
 };
+
+// A variant of a text copies it, at the price of two atomic operations; this one takes it over.
+QVariant moved(QString&& text) {
+  QVariant cell(QVariant::String);
+  static_cast<QString*>(cell.data())->swap(text);
+  return cell;
+}
 
 // printf's "%f": six decimals.
 std::string sixDecimals(double value) {
@@ -55,7 +62,7 @@ QVariant toQVariant(const domain::Value& value) {
   return std::visit(ToQVariant(), value);
 }
 
-QString numberText(const domain::DataField& field, double value) {
+QVariant numberText(const domain::DataField& field, double value) {
   // One cell after the other, on one thread: the room of the last text serves the next.
   static std::string text;
   text.clear();
@@ -66,7 +73,11 @@ QString numberText(const domain::DataField& field, double value) {
   } else {
     text = formatNumber(field, value);
   }
-  return QString::fromLatin1(text.data(), static_cast<int>(text.size()));
+  return moved(QString::fromLatin1(text.data(), static_cast<int>(text.size())));
+}
+
+QVariant textCell(const std::string& text) {
+  return moved(QString::fromUtf8(text.data(), static_cast<int>(text.size())));
 }
 
 std::string formatNumber(const domain::DataField& field, double value) {

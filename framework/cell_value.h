@@ -23,7 +23,10 @@ QCE_EXPORT QVariant toQVariant(const domain::Value& value);
 QCE_EXPORT std::string formatNumber(const domain::DataField& field, double value);
 
 /// The same as formatNumber, ready to be shown; takes the short way where both lead to one text.
-QCE_EXPORT QString numberText(const domain::DataField& field, double value);
+QCE_EXPORT QVariant numberText(const domain::DataField& field, double value);
+
+/// A UTF-8 text as a QString in a variant, for cells that are read by the million.
+QCE_EXPORT QVariant textCell(const std::string& text);
 
 /// 0, 1 or 2 (Qt::CheckState) for what an operator answered for the check-state role.
 QCE_EXPORT int toCheckState(const QVariant& value);

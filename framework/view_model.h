@@ -413,7 +413,7 @@ QVariant TViewModel<T>::data(const QModelIndex& index, int role) const {
   const bool text = isTextColumn(*column) && (role == Qt::DisplayRole || role == Qt::EditRole);
   if (text) {
     if (const std::string* kept = operator_->peekText(element, column->key, role)) {
-      return QString::fromStdString(*kept);
+      return textCell(*kept);
     }
   }
   domain::Value& value = text ? textScratch_ : otherScratch_;

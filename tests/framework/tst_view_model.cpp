@@ -175,7 +175,7 @@ class TestViewModel : public QObject {
     if (strip >= 0) f.stripTrailingZeros = strip == 1;
     f.thousandsSeparators = thousands;
     QCOMPARE(QString::fromStdString(model_->formatDouble(&f, value)), text);
-    QCOMPARE(gui::numberText(f, value), text);
+    QCOMPARE(gui::numberText(f, value).toString(), text);
   }
 
   void showsZeroAndMissingAsConfigured() {
