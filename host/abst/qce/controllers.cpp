@@ -22,4 +22,10 @@ bool QCEResItemController::canCollectToCost(proxy::Element* /*item*/) const {
 
 void QCEResItemController::collectToCost(proxy::Element* /*item*/) {}
 
+bool QCEResItemController::canAssociateBills(const std::vector<proxy::Element*>& /*items*/) const {
+  return false;
+}
+
+void QCEResItemController::associateBills(const std::vector<proxy::Element*>& /*items*/) {}
+
 }  // namespace abst::qce

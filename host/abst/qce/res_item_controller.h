@@ -28,6 +28,12 @@ class QCE_CONTRACT_EXPORT QCEResItemController {
   /// Asks the user what to pool into `item`, and books it; returns when that is done. By default
   /// nothing happens.
   virtual void collectToCost(proxy::Element* item);
+
+  /// Whether bills can be associated with these items.
+  virtual bool canAssociateBills(const std::vector<proxy::Element*>& items) const;
+  /// Asks the user which bills to associate with the items, and does it; returns when that is done.
+  /// By default nothing happens.
+  virtual void associateBills(const std::vector<proxy::Element*>& items);
 };
 
 }  // namespace abst::qce
