@@ -100,6 +100,8 @@ void QCEResItemViewImpl::createActions() {
       addCommand("删除批注", "删除选中人材机的批注", QKeySequence(), &Page::deleteComment);
   poolingAction_ = addCommand("归集到成本", "把清单下的预算收入工料机归集到当前成本工料机",
                               QKeySequence("Ctrl+G"), &Page::collectToCost);
+  associationAction_ = addCommand("关联清单", "选择选中的成本工料机所关联的清单",
+                                  QKeySequence("Ctrl+L"), &Page::associateBills);
   moveUpAction_ = addCommand("上移", "把选中的行上移一行", QKeySequence("Alt+Up"), &Page::moveUp);
   moveDownAction_ =
       addCommand("下移", "把选中的行下移一行", QKeySequence("Alt+Down"), &Page::moveDown);
@@ -163,8 +165,8 @@ void QCEResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
   toolBar->addWidget(createSeparator(this));
   // In a narrow window it keeps what does not fit behind an arrow.
   auto* commands = new QToolBar(this);
-  for (QAction* action : {conditionAction_, poolingAction_, batchPriceAction_, editCommentAction_,
-                          moveUpAction_, moveDownAction_}) {
+  for (QAction* action : {conditionAction_, poolingAction_, associationAction_, batchPriceAction_,
+                          editCommentAction_, moveUpAction_, moveDownAction_}) {
     commands->addAction(action);
   }
   conditionButton_ = qobject_cast<QToolButton*>(commands->widgetForAction(conditionAction_));
@@ -213,6 +215,7 @@ void QCEResItemViewImpl::fillContextMenu(QMenu* menu) {
   treeGrid()->addEditActions(menu);
   menu->addSeparator();
   menu->addAction(poolingAction_);
+  menu->addAction(associationAction_);
   menu->addSeparator();
   menu->addAction(batchPriceAction_);
   menu->addAction(editCommentAction_);
@@ -421,6 +424,13 @@ void QCEResItemViewImpl::collectToCost() {
   updateView();
 }
 
+void QCEResItemViewImpl::associateBills() {
+  const ResItemCommands::Items items = selectedItems();
+  if (controller_ == nullptr || items.empty()) return;
+  controller_->associateBills(items);
+  updateView();
+}
+
 void QCEResItemViewImpl::moveUp() {
   move(true);
 }
@@ -478,6 +488,7 @@ void QCEResItemViewImpl::refreshActions() {
   deleteCommentAction_->setEnabled(annotated);
   poolingAction_->setEnabled(controller_ != nullptr && current != nullptr &&
                              controller_->canCollectToCost(current));
+  associationAction_->setEnabled(controller_ != nullptr && controller_->canAssociateBills(items));
   moveUpAction_->setEnabled(movable && commands_.canMove(items, true));
   moveDownAction_->setEnabled(movable && commands_.canMove(items, false));
   regroupAction_->setEnabled(filter_ != nullptr);

@@ -60,6 +60,8 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   void moveDown();
   /// Lets the controller ask what to pool into the current item.
   void collectToCost();
+  /// Lets the controller ask which bills to associate with the selected items.
+  void associateBills();
   /// Builds the grouping rows again; selection and current row stay on their items.
   void regroup();
 
@@ -112,6 +114,7 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   QAction* editCommentAction_ = nullptr;
   QAction* deleteCommentAction_ = nullptr;
   QAction* poolingAction_ = nullptr;
+  QAction* associationAction_ = nullptr;
   QAction* moveUpAction_ = nullptr;
   QAction* moveDownAction_ = nullptr;
   QAction* regroupAction_ = nullptr;

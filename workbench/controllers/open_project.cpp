@@ -19,8 +19,14 @@ OpenProject::OpenProject(std::unique_ptr<store::ProjectFile> file)
       resItemTable_(operators::makeResItemTable()),
       resItemOperator_(std::make_unique<operators::ResItemOperator>(file_->project())),
       resItemController_(std::make_unique<ResItemController>(file_->project())),
-      poolingController_(std::make_unique<NotionalPoolingController>(file_->project())) {
+      poolingController_(std::make_unique<NotionalPoolingController>(file_->project())),
+      associationController_(std::make_unique<AssociationBillController>(
+          file_->project(),
+          [this](proxy::Element* item, const std::vector<proxy::Element*>& bills) {
+            poolingController_->openPooling(item, bills, true);
+          })) {
   resItemController_->setPooling(poolingController_.get());
+  resItemController_->setAssociation(associationController_.get());
 }
 
 }  // namespace controllers

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "host/domain/display_table.h"
+#include "workbench/controllers/association_bill_controller.h"
 #include "workbench/controllers/notional_pooling_controller.h"
 #include "workbench/controllers/res_item_controller.h"
 #include "workbench/operators/res_item_operator.h"
@@ -34,6 +35,7 @@ class OpenProject {
   domain::DisplayTable& resItemTable() { return *resItemTable_; }
   ResItemController& resItemController() { return *resItemController_; }
   NotionalPoolingController& poolingController() { return *poolingController_; }
+  AssociationBillController& associationController() { return *associationController_; }
 
  private:
   explicit OpenProject(std::unique_ptr<store::ProjectFile> file);
@@ -44,6 +46,7 @@ class OpenProject {
   std::unique_ptr<operators::ResItemOperator> resItemOperator_;
   std::unique_ptr<ResItemController> resItemController_;
   std::unique_ptr<NotionalPoolingController> poolingController_;
+  std::unique_ptr<AssociationBillController> associationController_;
 };
 
 }  // namespace controllers

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "host/app/scoped_undo.h"
+#include "workbench/controllers/association_bill_controller.h"
 #include "workbench/controllers/notional_pooling_controller.h"
 
 namespace controllers {
@@ -45,6 +46,14 @@ bool ResItemController::canCollectToCost(proxy::Element* item) const {
 
 void ResItemController::collectToCost(proxy::Element* item) {
   if (pooling_ != nullptr) pooling_->openPooling(item);
+}
+
+bool ResItemController::canAssociateBills(const std::vector<proxy::Element*>& items) const {
+  return association_ != nullptr && !items.empty();
+}
+
+void ResItemController::associateBills(const std::vector<proxy::Element*>& items) {
+  if (association_ != nullptr) association_->openAssociation(items);
 }
 
 void ResItemController::note(proxy::Element* element) {

@@ -10,6 +10,7 @@
 
 namespace controllers {
 
+class AssociationBillController;
 class NotionalPoolingController;
 
 /// The host side of the resource-item page: its commands, and the way back from changed records to
@@ -34,12 +35,16 @@ class ResItemController : public abst::qce::QCEResItemController, private record
 
   /// What opens the pooling dialog; not owned, null for none.
   void setPooling(NotionalPoolingController* pooling) { pooling_ = pooling; }
+  /// What opens the bill association; not owned, null for none.
+  void setAssociation(AssociationBillController* association) { association_ = association; }
 
   std::vector<std::pair<std::string, proxy::Element*>> getSubProjects() const override;
   bool moveUp(proxy::Element* item) override;
   bool moveDown(proxy::Element* item) override;
   bool canCollectToCost(proxy::Element* item) const override;
   void collectToCost(proxy::Element* item) override;
+  bool canAssociateBills(const std::vector<proxy::Element*>& items) const override;
+  void associateBills(const std::vector<proxy::Element*>& items) override;
 
  private:
   void itemChanged(records::ResourceItem& item) override;
@@ -58,6 +63,7 @@ class ResItemController : public abst::qce::QCEResItemController, private record
   records::Project& project_;
   abst::qce::QCEResItemModel* model_ = nullptr;
   NotionalPoolingController* pooling_ = nullptr;
+  AssociationBillController* association_ = nullptr;
   std::function<void(proxy::Element*)> elementChanged_;
   std::function<void()> totalsChanged_;
   std::vector<scoped_refptr<proxy::Element>> changed_;
