@@ -3,6 +3,7 @@
 #include <QAbstractItemModel>
 #include <QCheckBox>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -49,7 +50,7 @@ bool isEnter(const QKeyEvent& event) {
 
 QCEAssociationBillViewImpl::QCEAssociationBillViewImpl(QWidget* parent) : Dialog(parent) {
   setWindowTitle("关联清单");
-  resizeToScreen(0.72, 0.8);
+  resizeToScreen(0.76, 0.84);
   setMinimumSize(760, 520);
 
   itemsLabel_ = new QLabel(this);
@@ -114,6 +115,7 @@ QCEAssociationBillViewImpl::~QCEAssociationBillViewImpl() = default;
 QWidget* QCEAssociationBillViewImpl::createLeftPane() {
   leftTree_ = createTree("AssociationBill_left", this);
   leftTree_->setMinimumWidth(160);
+  leftTree_->header()->setStretchLastSection(true);
   connect(leftTree_, &gui::TreeGridView::currentElementChanged, this,
           &QCEAssociationBillViewImpl::onLeftCurrentRowChanged);
   return leftTree_;
@@ -151,7 +153,7 @@ QWidget* QCEAssociationBillViewImpl::createRightPane() {
   features_->setReadOnly(true);
   features_->setTabChangesFocus(true);
   features_->setPlaceholderText("当前清单的项目特征");
-  features_->setFixedHeight(fontMetrics().lineSpacing() * 4 + 12);
+  features_->setFixedHeight(fontMetrics().lineSpacing() * 3 + 12);
 
   auto* filterRow = new QHBoxLayout;
   filterRow->addWidget(filterEdit_, 1);
@@ -175,8 +177,7 @@ void QCEAssociationBillViewImpl::setController(
 }
 
 void QCEAssociationBillViewImpl::setModel(abst::BaseModel* model) {
-  QAbstractItemModel* items =
-      gui::showInGrid(leftTree_, model, domain::keys::SEName, domain::keys::SECode);
+  QAbstractItemModel* items = gui::showInGrid(leftTree_, model, {}, {});
   if (items == nullptr) return;
   for (const QMetaObject::Connection& connection : leftConnections_) disconnect(connection);
   leftConnections_ = {connect(items, &QAbstractItemModel::modelReset, this,
