@@ -111,6 +111,9 @@ QCENotionalPoolingViewImpl::QCENotionalPoolingViewImpl(QWidget* parent) : Dialog
   connect(billList_, &QListWidget::itemClicked, this, &QCENotionalPoolingViewImpl::billItemChanged);
   connect(otherBillsButton_, &QPushButton::clicked, this,
           &QCENotionalPoolingViewImpl::useToOtherBills);
+
+  // On a small screen the minimum is less than the panes need, and would win over it.
+  resize(sizeHint().expandedTo(minimumSize()));
 }
 
 QCENotionalPoolingViewImpl::~QCENotionalPoolingViewImpl() = default;

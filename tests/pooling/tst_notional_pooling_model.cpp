@@ -1,0 +1,338 @@
+#include "pooling/notional_pooling_model.h"
+
+#include <QMessageBox>
+#include <QtTest>
+#include <random>
+
+#include "pooling/notional_pooling_filter_model.h"
+#include "tests/support/fake_pooling_operator.h"
+#include "tests/support/recording_services.h"
+#include "tests/support/rows.h"
+#include "tests/support/tester_proxy.h"
+
+namespace keys = domain::keys;
+using Fake = tests::FakePoolingOperator;
+using tests::Node;
+
+namespace {
+
+class Model : public gui::qce::QCENotionalPoolingModelImpl {
+ public:
+  using QCENotionalPoolingModelImpl::clickedStat;
+  using QCENotionalPoolingModelImpl::getClickedElement;
+  template <class Change>
+  void reset(Change change) {
+    beginResetModel();
+    change();
+    endResetModel();
+  }
+};
+
+}  // namespace
+
+class TestNotionalPoolingModel : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void init() {
+    services_ = std::make_unique<tests::RecordingServices>();
+    op_ = std::make_unique<Fake>();
+    model_ = std::make_unique<Model>();
+    filter_ = std::make_unique<gui::qce::QCENotionalPoolingFilterModelImpl>(model_.get());
+    tests::attachTester(model_.get());
+    tests::attachTester(filter_.get());
+    first_ = op_->bill("A", "平整场地");
+    Fake::item(first_, "a", 10.0);
+    Fake::item(first_, "b", 2.5);
+    second_ = op_->bill("B", "挖土方");
+    Fake::item(second_, "a", 7.0);
+    Fake::item(second_, "c", 1.0);
+    model_->setDisplayTable(&op_->table);
+    model_->setOperator(op_.get());
+  }
+  void cleanup() {
+    filter_.reset();
+    model_.reset();
+    op_.reset();
+    services_.reset();
+  }
+
+  void checksEverythingBelow() {
+    QSignalSpy changed(model_.get(), &QAbstractItemModel::dataChanged);
+    QVERIFY(check(first_, Qt::Checked));
+    QCOMPARE(checked(), QString("A a b"));
+    // Children first, then the row itself, each with the role alone.
+    QCOMPARE(announced(changed), QString("a b A"));
+    QCOMPARE(changed.front().at(2).value<QVector<int>>(), QVector<int>{Qt::CheckStateRole});
+    QCOMPARE(state(first_), QVariant(2));
+    QCOMPARE(state(second_), QVariant(0));
+    // The state is that of the check box column, and of no other role.
+    QCOMPARE(cell(first_, keys::NPChoose).data(), QVariant());
+    QCOMPARE(cell(first_, keys::NPCode).data(Qt::CheckStateRole), QVariant());
+
+    changed.clear();
+    check(first_, Qt::Checked);
+    QCOMPARE(changed.size(), 0);
+    check(first_->node(0), Qt::Unchecked);  // does not uncheck what is above
+    QCOMPARE(checked(), QString("A b"));
+    check(first_, Qt::Unchecked);
+    QCOMPARE(announced(changed), QString("a b A"));
+    check(second_->node(0), Qt::Checked);
+    check(second_->node(1), Qt::Checked);  // does not check what is above
+    QCOMPARE(checked(), QString("a c"));
+    QCOMPARE(op_->writes, 0);
+  }
+
+  void takesQuantitiesUpToTheMaximum_data() {
+    const tests::Rows<QVariant, bool> row{"typed", "taken"};
+    row("all", 10.0, true);
+    row("part as text", QString("4.50"), true);
+    row("nothing", 0, true);
+    row("a hair too much", 10.000001, false);
+    row("too much", QString("11"), false);
+    row("negative", -1.0, false);
+  }
+  void takesQuantitiesUpToTheMaximum() {
+    QFETCH(QVariant, typed);
+    QFETCH(bool, taken);
+    const QModelIndex quantity = cell(first_->node(0), keys::NPCollectionAmount);
+    QVERIFY(model_->setData(quantity, 3));
+    QSignalSpy changed(model_.get(), &QAbstractItemModel::dataChanged);
+    QCOMPARE(model_->setData(quantity, typed), taken);
+    QCOMPARE(quantity.data(), taken ? typed : QVariant(3));  // as it was typed
+    QCOMPARE(quantity.data(Qt::EditRole), quantity.data());
+    QCOMPARE(changed.size(), taken ? 1 : 0);
+    const auto& messages = services_->channel.messages();
+    QCOMPARE(messages.size(), std::size_t(taken ? 0 : 1));
+    if (taken) return;
+    QCOMPARE(QString::fromStdString(messages[0].text), QString("超过最大可归集数量，请重新输入！"));
+    QCOMPARE(messages[0].buttons, int(QMessageBox::Ok));
+  }
+
+  void editsNothingElse() {
+    QVERIFY(!model_->setData(cell(first_->node(0), keys::NPName), "x"));
+    QVERIFY(!model_->setData(cell(first_->node(0), keys::NPChoose), true, Qt::EditRole));
+    QVERIFY(!model_->setData(cell(first_->node(0), keys::NPCollectionAmount), 1, Qt::DisplayRole));
+    QVERIFY(!model_->setData({}, 1));
+    QCOMPARE(op_->writes, 0);
+    QVERIFY(services_->undo.steps.empty());
+  }
+
+  void poolsTypedOrShownQuantities() {
+    filter_->collectToQCEResItem();
+    QCOMPARE(op_->collected, 0);  // nothing is checked
+    check(first_, Qt::Checked);
+    check(second_->node(1), Qt::Checked);
+    model_->setData(cell(first_->node(0), keys::NPCollectionAmount), QString("4.25"));
+    model_->setData(cell(second_->node(1), keys::NPCollectionAmount), 0);
+    model_->setData(cell(second_->node(0), keys::NPCollectionAmount), 5);  // not checked
+    filter_->collectToQCEResItem();
+    QCOMPARE(op_->collected, 1);
+    const std::map<std::string, double> wanted = {
+        {"A", 0}, {"A.a", 4.25}, {"A.b", 2.5}, {"B.c", 0}};
+    QVERIFY(op_->pooled == wanted);
+  }
+
+  void appliesToOtherBills() {
+    check(first_->node(0), Qt::Checked);
+    check(second_->node(1), Qt::Checked);
+    model_->setData(cell(first_->node(0), keys::NPCollectionAmount), 1);
+    filter_->usedToOtherBills(nullptr);
+    QCOMPARE(checked(), QString("a c"));
+    QSignalSpy changed(model_.get(), &QAbstractItemModel::dataChanged);
+    filter_->usedToOtherBills(op_->bills[0].get());
+    QCOMPARE(announced(changed), QString("a"));
+    QCOMPARE(state(second_->node(0)), QVariant(2));
+    // The quantity stays the other row's own; what only another bill has checked is not looked at.
+    QCOMPARE(cell(second_->node(0), keys::NPCollectionAmount).data(), QVariant("7.000"));
+  }
+
+  void showsTheRowsOfOneBill() {
+    QCOMPARE(shown(), QString("A(a b) B(a c)"));
+    filter_->setCurrentSubEngBill(op_->bills[1].get());
+    QCOMPARE(shown(), QString("B(a c)"));
+    // The same record behind another element is the same bill; an element of its own is none.
+    op_->owners[first_->id()] = op_->bills[1].get();
+    filter_->invalidate();
+    QCOMPARE(shown(), QString("A(a b) B(a c)"));
+    const scoped_refptr<Node> stranger(new Node("stranger"));
+    filter_->setCurrentSubEngBill(stranger.get());
+    QCOMPARE(shown(), QString());
+    filter_->setCurrentSubEngBill(nullptr);
+    QCOMPARE(shown(), QString("A(a b) B(a c)"));
+  }
+
+  void passesOnAndForgets() {
+    std::vector<proxy::Element*> bills{op_->bills[0].get()};
+    check(first_, Qt::Checked);
+    model_->setData(cell(first_->node(0), keys::NPCollectionAmount), 1);
+    QSignalSpy reset(model_.get(), &QAbstractItemModel::modelReset);
+    filter_->setSubEngineerBills(bills);
+    filter_->setCurrentQCEGLJItem(second_);
+    QCOMPARE(reset.size(), 1);
+    QVERIFY(op_->set == bills);
+    QCOMPARE(op_->current, static_cast<proxy::Element*>(second_));
+    QCOMPARE(filter_->getCurrentQCEResItemType(), std::string("材料"));
+    QCOMPARE(checked(), QString());
+    QCOMPARE(cell(first_->node(0), keys::NPCollectionAmount).data(), QVariant("10.000"));
+
+    check(first_, Qt::Checked);
+    model_->setData(cell(first_->node(0), keys::NPCollectionAmount), 1);
+    filter_->setCurrentSubEngBill(op_->bills[1].get());
+    QSignalSpy changed(model_.get(), &QAbstractItemModel::dataChanged);
+    filter_->cleanUpResources();
+    QCOMPARE(changed.size(), 4);  // three check boxes and a quantity
+    QCOMPARE(checked(), QString());
+    QCOMPARE(cell(first_->node(0), keys::NPCollectionAmount).data(), QVariant("10.000"));
+    QCOMPARE(shown(), QString("A(a b) B(a c)"));
+  }
+
+  void doesNothingWithoutAHost() {
+    Model empty;
+    gui::qce::QCENotionalPoolingFilterModelImpl filter(&empty);
+    std::vector<proxy::Element*> bills{first_};
+    filter.setSubEngineerBills(bills);
+    filter.setCurrentQCEGLJItem(first_);
+    filter.usedToOtherBills(first_);
+    filter.collectToQCEResItem();
+    filter.setCurrentSubEngBill(first_);
+    filter.cleanUpResources();
+    QCOMPARE(filter.getCurrentQCEResItemType(), std::string());
+    QVERIFY(!empty.setData({}, true, Qt::CheckStateRole));
+  }
+
+  // Checks and quantities against plain sets of nodes, through every change that a host can make.
+  void followsItsRows() {
+    std::mt19937 random(4711);
+    std::set<const Node*> checks;
+    std::map<const Node*, double> typed;
+    const auto any = [&](int count) { return static_cast<int>(random() % unsigned(count)); };
+    const auto forget = [&](Node* node) {
+      const auto each = [&](const auto& self, Node* at) -> void {
+        checks.erase(at);
+        typed.erase(at);
+        for (int i = 0; i < at->childCount(); ++i) self(self, at->node(i));
+      };
+      each(each, node);
+    };
+    for (int step = 0; step < 3000; ++step) {
+      Node* parent = any(4) == 0 ? nullptr : op_->tree.node(any(std::max(op_->tree.size(), 1)));
+      const int size = parent != nullptr ? parent->childCount() : op_->tree.size();
+      const int row = any(size + 1);
+      Node* node =
+          row < size ? (parent != nullptr ? parent->node(row) : op_->tree.node(row)) : nullptr;
+      switch (any(10)) {
+        case 0:
+          if (size > 12) break;
+          model_->beginAddItem(node, 1, parent);
+          op_->tree.insert(row, "n", parent)->set(keys::NPCollectionAmount, 100.0);
+          model_->endAddItem();
+          break;
+        case 1: {
+          if (node == nullptr) break;
+          const int count = 1 + any(std::min(size - row, 3));
+          model_->beginDelItem(node, count, parent);
+          for (int i = row; i < row + count; ++i) {
+            forget(parent != nullptr ? parent->node(i) : op_->tree.node(i));
+          }
+          op_->tree.remove(row, count, parent);
+          model_->endDelItem();
+          break;
+        }
+        case 2:
+          model_->beginMoveUpItem(node, parent);
+          if (node != nullptr && row > 0) op_->tree.move(row, row - 1, parent);
+          model_->endMoveUpItem();
+          break;
+        case 3:
+          model_->beginMoveDownItem(node, parent);
+          if (node != nullptr && row + 1 < size) op_->tree.move(row, row + 1, parent);
+          model_->endMoveDownItem();
+          break;
+        case 4:
+          if (any(8) == 0)
+            model_->reorder([&](auto* a, auto* b) { return a->id() % 7 < b->id() % 7; });
+          break;
+        case 5:
+          if (any(60) != 0) break;
+          model_->reset([&] {
+            checks.clear();
+            typed.clear();
+            op_->tree.clear();
+            for (int i = 0; i < 4; ++i) op_->tree.add("g");
+          });
+          break;
+        case 6:
+          if (node == nullptr || parent == nullptr) break;
+          typed[node] = op_->getMaxCollectionAmount(node) * any(5) / 4;
+          QVERIFY(model_->setData(cell(node, keys::NPCollectionAmount), typed[node]));
+          break;
+        default: {
+          if (node == nullptr) break;
+          const bool on = any(2) == 0;
+          const auto each = [&](const auto& self, Node* at) -> void {
+            for (int i = 0; i < at->childCount(); ++i) self(self, at->node(i));
+            on ? void(checks.insert(at)) : void(checks.erase(at));
+          };
+          each(each, node);
+          model_->clickedStat(node, on);
+        }
+      }
+      if (op_->tree.size() == 0) model_->reset([&] { op_->tree.add("g"); });
+      int seen = 0;
+      const auto each = [&](const auto& self, Node* at) -> void {
+        QCOMPARE(state(at).toInt() == 2, checks.count(at) != 0);
+        const auto quantity = typed.find(at);
+        QCOMPARE(cell(at, keys::NPCollectionAmount).data().toDouble(),
+                 quantity != typed.end() ? quantity->second : op_->getMaxCollectionAmount(at));
+        ++seen;
+        for (int i = 0; i < at->childCount(); ++i) self(self, at->node(i));
+      };
+      for (int i = 0; i < op_->tree.size(); ++i) each(each, op_->tree.node(i));
+      std::map<proxy::Element*, double> quantities;
+      model_->getClickedElement(quantities);
+      QCOMPARE(quantities.size(), checks.size());
+      QVERIFY(seen > 0);
+    }
+  }
+
+ private:
+  QModelIndex cell(proxy::Element* element, const std::string& key) const {
+    return model_->makeIndex(element, model_->getColumnIndex(key));
+  }
+  QVariant state(proxy::Element* element) const {
+    return cell(element, keys::NPChoose).data(Qt::CheckStateRole);
+  }
+  bool check(proxy::Element* element, Qt::CheckState state) {
+    return model_->setData(cell(element, keys::NPChoose), state, Qt::CheckStateRole);
+  }
+  QString checked() const {
+    QStringList names;
+    for (const Node* bill : {first_, second_}) {
+      for (int i = -1; i < bill->childCount(); ++i) {
+        const Node* node = i < 0 ? bill : bill->node(i);
+        if (state(const_cast<Node*>(node)).toInt() == 2) names << node->name().c_str();
+      }
+    }
+    return names.join(' ');
+  }
+  static QString announced(const QSignalSpy& changed) {
+    QStringList names;
+    for (const auto& signal : changed) {
+      const auto index = signal.at(0).toModelIndex();
+      names << static_cast<Node*>(index.internalPointer())->name().c_str();
+    }
+    return names.join(' ');
+  }
+  QString shown() const { return QString::fromStdString(tests::treeText(*filter_)); }
+
+  std::unique_ptr<tests::RecordingServices> services_;
+  std::unique_ptr<Fake> op_;
+  std::unique_ptr<Model> model_;
+  std::unique_ptr<gui::qce::QCENotionalPoolingFilterModelImpl> filter_;
+  Node* first_ = nullptr;
+  Node* second_ = nullptr;
+};
+
+QTEST_GUILESS_MAIN(TestNotionalPoolingModel)
+#include "tst_notional_pooling_model.moc"

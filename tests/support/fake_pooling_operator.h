@@ -1,0 +1,125 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "host/domain/field_keys.h"
+#include "host/domain/qce/notional_pooling_operator.h"
+#include "host/proxy/qce/field_accessors.h"
+#include "tests/support/test_elements.h"
+
+namespace tests {
+
+/// The host side of pooling in memory: a top-level row for each bill, its budget resource items
+/// below it. The check box stands in the second column.
+class FakePoolingOperator : public domain::qce::QCENotionalPoolingOperator {
+ public:
+  FakePoolingOperator() {
+    using namespace domain;
+    DisplayRow& header = *table.getHeader();
+    header.addColumn(keys::NPCode, {"编码", StringField, {}, {}, {}, false}).width = 120;
+    header.addColumn(keys::NPChoose, {"选择", BoolField, {}, {}, {}, false}).width = 60;
+    header.addColumn(keys::NPName, {"名称", StringField, {}, {}, {}, false}).width = 160;
+    header.addColumn(keys::NPCollectionAmount, {"归集数量", FloatingPointField, 3, {}, {}, false})
+        .width = 100;
+  }
+  ~FakePoolingOperator() override { proxy::qce::InstallFieldAccessors(std::move(before_)); }
+
+  /// A bill and its row; asked for its texts, it answers "code-1", its name and "m3".
+  Node* bill(const std::string& code, const std::string& name) {
+    bills.emplace_back(new Node(code));
+    bills.back()->set(domain::keys::NPName, name);
+    Node* row = tree.add(code);
+    row->set(domain::keys::NPCode, code)->set(domain::keys::NPCollectionAmount, std::string());
+    owners[row->id()] = bills.back().get();
+    return row;
+  }
+  static Node* item(Node* bill, const std::string& code, double quantity) {
+    return bill->add(code)
+        ->set(domain::keys::NPCode, code)
+        ->set(domain::keys::NPName, "材料" + code)
+        ->set(domain::keys::NPCollectionAmount, quantity);
+  }
+
+  proxy::ElementGroup* getRoot() override { return &tree; }
+  bool getValue(const proxy::Element* element, const std::string& key, int role,
+                domain::Value& out) const override {
+    const domain::Value* found = static_cast<const Node*>(element)->find(key, role);
+    if (found != nullptr) out = *found;
+    return found != nullptr;
+  }
+  bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override {
+    ++writes;
+    return true;
+  }
+  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
+  bool isEditable(const proxy::Element* element, const std::string& key) const override {
+    return element->parent() != nullptr && key == domain::keys::NPCollectionAmount;
+  }
+  bool isCheckable(const proxy::Element*, const std::string& key) const override {
+    return key == domain::keys::NPChoose;
+  }
+
+  void setSubEngineerBills(std::vector<proxy::Element*>& given) override { set = given; }
+  void setCurrentQCEGLJItem(proxy::Element* item) override { current = item; }
+  std::string getCurrentQCEResItemType() const override { return "材料"; }
+  double getMaxCollectionAmount(const proxy::Element* row) const override {
+    const domain::Value* found =
+        static_cast<const Node*>(row)->find(domain::keys::NPCollectionAmount, domain::EditRole);
+    const auto* quantity = found != nullptr ? std::get_if<double>(found) : nullptr;
+    return quantity != nullptr ? *quantity : 0.0;
+  }
+  void collectToQCEResItem(const std::map<proxy::Element*, double>& quantities) override {
+    ++collected;
+    for (const auto& [element, quantity] : quantities) {
+      const auto* bill = static_cast<const Node*>(element->parent());
+      pooled[(bill != nullptr ? bill->name() + "." : "") + static_cast<Node*>(element)->name()] =
+          quantity;
+    }
+  }
+  std::vector<proxy::Element*> getSameRowsOfOtherBills(const proxy::Element* row) const override {
+    std::vector<proxy::Element*> same;
+    const std::string& name = static_cast<const Node*>(row)->name();
+    for (int i = 0; i < tree.size(); ++i) {
+      for (int j = 0; j < tree.node(i)->childCount(); ++j) {
+        Node* other = tree.node(i)->node(j);
+        if (other->parent() != row->parent() && other->name() == name) same.push_back(other);
+      }
+    }
+    return same;
+  }
+  const proxy::Element* getOwningBill(const proxy::Element* row) const override {
+    while (row->parent() != nullptr) row = row->parent();
+    const auto found = owners.find(row->id());
+    return found != owners.end() ? found->second : nullptr;
+  }
+
+  domain::DisplayTable table;
+  Tree tree;
+  std::vector<scoped_refptr<Node>> bills;
+  std::map<std::int64_t, const proxy::Element*> owners;  ///< by the id of the top-level row
+  std::vector<proxy::Element*> set;
+  proxy::Element* current = nullptr;
+  int collected = 0;
+  int writes = 0;
+  std::map<std::string, double> pooled;  ///< by "bill.name"
+
+ private:
+  static std::string nameOf(const proxy::Element& element) {
+    const domain::Value* name =
+        static_cast<const Node&>(element).find(domain::keys::NPName, domain::EditRole);
+    return name != nullptr ? std::get<std::string>(*name) : std::string();
+  }
+  static proxy::qce::FieldAccessors accessors() {
+    const auto code = [](const proxy::Element& element) {
+      return static_cast<const Node&>(element).name();
+    };
+    return {[code](const proxy::Element& bill) { return code(bill) + "-1"; }, nameOf,
+            [](const proxy::Element&) { return std::string("m3"); }, code, nameOf};
+  }
+
+  proxy::qce::FieldAccessors before_ = proxy::qce::InstallFieldAccessors(accessors());
+};
+
+}  // namespace tests
