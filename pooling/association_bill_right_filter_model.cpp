@@ -34,10 +34,12 @@ void QCEAssociationBillRightFilterModelImpl::resetModel() {
 
 void QCEAssociationBillRightFilterModelImpl::clickedStat(proxy::Element* element, bool checked) {
   if (getSource() != nullptr) getSource()->clickedStat(element, checked);
+  marksChanged();
 }
 
 void QCEAssociationBillRightFilterModelImpl::clearChecked() {
   if (getSource() != nullptr) getSource()->clearChecked();
+  marksChanged();
 }
 
 bool QCEAssociationBillRightFilterModelImpl::isSelected(proxy::Element* element, bool deep) const {
@@ -111,9 +113,18 @@ bool QCEAssociationBillRightFilterModelImpl::setData(const QModelIndex& index,
   proxy::Element* element = getInternalData(index);
   if (role == Qt::CheckStateRole && index.column() == 0 && op != nullptr && element != nullptr &&
       !op->isBill(element)) {
-    return setRData(index, value);
+    const bool written = setRData(index, value);
+    marksChanged();
+    return written;
   }
-  return Base::setData(index, value, role);
+  const bool written = Base::setData(index, value, role);
+  if (written) marksChanged();
+  return written;
+}
+
+// The rows above a bill stand or go with its mark, but it is announced for the bill alone.
+void QCEAssociationBillRightFilterModelImpl::marksChanged() {
+  if (onlySelected_) invalidateFilter();
 }
 
 // A section is as checked as its bills: those that are hidden must not change with it.

@@ -53,6 +53,7 @@ class QCE_EXPORT QCEAssociationBillRightFilterModelImpl
 
  private:
   const domain::qce::QCEAssociationBillRightOperator* getRightOperator() const;
+  void marksChanged();
   bool setRData(const QModelIndex& section, const QVariant& value);
   void collectShownBills(const QModelIndex& parent, std::vector<proxy::Element*>& out) const;
 

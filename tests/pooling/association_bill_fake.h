@@ -1,0 +1,142 @@
+#pragma once
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "host/domain/field_keys.h"
+#include "host/domain/qce/association_bill_left_operator.h"
+#include "host/domain/qce/association_bill_right_operator.h"
+#include "tests/support/test_elements.h"
+
+namespace tests {
+
+/// Sections and bills in memory, the same tree for both sides: U(A(a1 a2 a3) B(b1 C(c1 c2))). What
+/// starts with a small letter is a bill.
+struct AssociationTree : public Tree {
+  AssociationTree() { fill(); }
+  void fill() {
+    clear();
+    Node* unit = row("U", nullptr);
+    Node* a = row("A", unit);
+    for (const char* name : {"a1", "a2", "a3"}) row(name, a);
+    Node* b = row("B", unit);
+    row("b1", b);
+    Node* c = row("C", b);
+    for (const char* name : {"c1", "c2"}) row(name, c);
+  }
+  Node* row(const std::string& name, Node* parent) {
+    Node* made = insert(parent != nullptr ? parent->childCount() : size(), name, parent);
+    made->set(domain::keys::SECode, name)->set(domain::keys::SEName, "清单" + name);
+    if (isBill(made)) {
+      made->set(domain::keys::SEProjFeatures, "特征 " + name + "\n第二行")
+          ->set(domain::keys::SEAmount, 1.5);
+    }
+    return made;
+  }
+  Node* at(const std::string& name) const {
+    for (Node* node : all()) {
+      if (node->name() == name) return node;
+    }
+    return nullptr;
+  }
+  std::vector<Node*> all() const {
+    std::vector<Node*> rows;
+    for (int i = 0; i < size(); ++i) append(node(i), rows);
+    return rows;
+  }
+  static bool isBill(const proxy::Element* element) {
+    return element != nullptr && std::islower(static_cast<const Node*>(element)->name()[0]) != 0;
+  }
+
+ private:
+  static void append(Node* node, std::vector<Node*>& rows) {
+    rows.push_back(node);
+    for (int i = 0; i < node->childCount(); ++i) append(node->node(i), rows);
+  }
+};
+
+/// Answers for the cells of either side.
+template <class Base>
+class AssociationOperator : public Base {
+ public:
+  proxy::ElementGroup* getRoot() override { return &tree; }
+  bool getValue(const proxy::Element* element, const std::string& key, int role,
+                domain::Value& out) const override {
+    const domain::Value* found = static_cast<const Node*>(element)->find(key, role);
+    if (found != nullptr) out = *found;
+    return found != nullptr;
+  }
+  bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override {
+    return true;
+  }
+  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
+  bool isEditable(const proxy::Element*, const std::string&) const override { return false; }
+  bool isCheckable(const proxy::Element*, const std::string& key) const override {
+    return key == domain::keys::SECode;
+  }
+  void setSubProject(proxy::Element* element) override { subProject = element; }
+  void reload() override { tree.fill(); }
+
+  AssociationTree tree;
+  domain::DisplayTable table;
+  proxy::Element* subProject = nullptr;
+};
+
+class FakeLeftOperator : public AssociationOperator<domain::qce::QCEAssociationBillLeftOperator> {
+ public:
+  FakeLeftOperator() {
+    table.getHeader()->addColumn(domain::keys::SEName, {"分部", 0, {}, {}, {}, false});
+  }
+};
+
+class FakeRightOperator : public AssociationOperator<domain::qce::QCEAssociationBillRightOperator> {
+ public:
+  FakeRightOperator() {
+    using namespace domain;
+    DisplayRow& header = *table.getHeader();
+    header.addColumn(keys::SECode, {"编码", StringField, {}, {}, {}, false}).width = 150;
+    header.addColumn(keys::SEName, {"名称", StringField, {}, {}, {}, false}).width = 150;
+    header.addColumn(keys::SEProjFeatures, {"特征", StringField, {}, {}, {}, false});
+    header.addColumn(keys::SEAmount, {"工程量", FloatingPointField, 2, {}, {}, false});
+  }
+  void setBaseResItem(const Elements& items) override { baseItems = items; }
+  bool isBill(const proxy::Element* row) const override { return AssociationTree::isBill(row); }
+  bool isAssociated(const proxy::Element* bill) const override {
+    return associated.count(static_cast<const Node*>(bill)->name()) > 0;
+  }
+  bool isExcluded(const proxy::Element* row, const std::string& text) const override {
+    return !text.empty() &&
+           (!isBill(row) || static_cast<const Node*>(row)->name().find(text) == std::string::npos);
+  }
+  bool isInSection(const proxy::Element* row, const proxy::Element* section) const override {
+    // By name, as the two sides have rows of their own.
+    const std::string& wanted = static_cast<const Node*>(section)->name();
+    while (row != nullptr && static_cast<const Node*>(row)->name() != wanted) row = row->parent();
+    return row != nullptr;
+  }
+  std::optional<int> getPrecision(const proxy::Element* row, const std::string&) const override {
+    return static_cast<const Node*>(row)->name() == "a2" ? std::optional<int>(3) : std::nullopt;
+  }
+  bool associate(const Elements& bills, const Elements& cancelled, bool unify) override {
+    ++calls;
+    asked = "+" + names(bills) + " -" + names(cancelled) + (unify ? " unify" : "");
+    return accept;
+  }
+
+  static std::string names(const Elements& rows) {
+    std::string text;
+    for (proxy::Element* row : rows) {
+      text += (text.empty() ? "" : ",") + static_cast<Node*>(row)->name();
+    }
+    return text;
+  }
+
+  std::set<std::string> associated;  ///< names of bills
+  Elements baseItems;
+  bool accept = true;
+  int calls = 0;
+  std::string asked;
+};
+
+}  // namespace tests
