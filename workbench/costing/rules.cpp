@@ -31,6 +31,17 @@ Decimal consumption(const Decimal& billQuantity, const Decimal& content) {
   return billQuantity * content;
 }
 
+Decimal adjustedQuantity(const Decimal& quantity, const Decimal& coefficient) {
+  return quantity * coefficient;
+}
+
+Decimal shareUpTo(const Decimal& amount, const Decimal& quantity, const Decimal& part) {
+  // The last share takes the rest, whatever a tiny quantity would lose in the product.
+  if (part == quantity) return amount;
+  if (quantity.isZero()) return {};
+  return (amount * part / quantity).rounded(MoneyPlaces);
+}
+
 Decimal budgetAmount(const Decimal& billQuantity, const Decimal& content, const Decimal& price) {
   return (consumption(billQuantity, content) * price).rounded(MoneyPlaces);
 }

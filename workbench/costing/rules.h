@@ -24,6 +24,13 @@ Decimal storedQuantity(const Decimal& quantity, std::string_view unit);
 /// What one bill uses of a resource: bill quantity × content, unrounded.
 Decimal consumption(const Decimal& billQuantity, const Decimal& content);
 
+/// What a bill line costs: its quantity × coefficient, unrounded.
+Decimal adjustedQuantity(const Decimal& quantity, const Decimal& coefficient);
+
+/// Revenue of the first `part` of a quantity: amount × part / quantity, rounded to 2 places. The
+/// differences along growing parts are shares that add up to the amount.
+Decimal shareUpTo(const Decimal& amount, const Decimal& quantity, const Decimal& part);
+
 /// Revenue of a budget line: bill quantity × content × price, rounded to 2 places.
 Decimal budgetAmount(const Decimal& billQuantity, const Decimal& content, const Decimal& price);
 

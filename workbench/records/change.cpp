@@ -6,11 +6,21 @@
 namespace records {
 
 const std::string& nameOf(ItemField field) {
-  static const std::array<std::string, 12> names = {
-      "成本科目", "编码",     "名称",       "规格型号", "不含税单价", "税率",
-      "甲供标记", "暂估标记", "可调价标记", "关联标记", "批注",       "数量"};
+  static const std::array<std::string, 11> names = {"成本科目",   "编码", "名称",     "规格型号",
+                                                    "不含税单价", "税率", "甲供标记", "暂估标记",
+                                                    "可调价标记", "批注", "数量"};
   return names[static_cast<std::size_t>(field)];
 }
+
+namespace {
+
+std::string describe(const SetTerms& change) {
+  const bool before = change.before && change.before->associated;
+  const bool after = change.after && change.after->associated;
+  return before == after ? "修改清单设置" : after ? "关联清单" : "取消关联清单";
+}
+
+}  // namespace
 
 std::string describe(const ChangeSet& changes) {
   std::set<std::string> kinds;
@@ -21,10 +31,17 @@ std::string describe(const ChangeSet& changes) {
       kinds.insert("新增工料机");
     } else if (std::holds_alternative<RemoveItem>(change)) {
       kinds.insert("删除工料机");
+    } else if (const auto* pooling = std::get_if<SetPooling>(&change)) {
+      kinds.insert(pooling->before < pooling->after ? "归集到成本" : "取消归集");
+    } else if (const auto* terms = std::get_if<SetTerms>(&change)) {
+      kinds.insert(describe(*terms));
     } else {
       kinds.insert("移动工料机");
     }
   }
+  // What comes along with them by itself.
+  if (kinds.count("归集到成本") != 0) kinds.erase("关联清单");
+  if (kinds.count("取消关联清单") != 0) kinds.erase("取消归集");
   return kinds.size() == 1 ? *kinds.begin() : "编辑";
 }
 

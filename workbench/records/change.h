@@ -1,9 +1,11 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "workbench/records/bill_line.h"
 #include "workbench/records/elements.h"
 
 namespace records {
@@ -19,7 +21,6 @@ enum class ItemField {
   OwnerSupplied,
   Provisional,
   PriceAdjustable,
-  Associated,
   Annotation,
   Quantity,
 };
@@ -54,7 +55,21 @@ struct Reposition {
   std::vector<Place> places;
 };
 
-using Change = std::variant<SetField, AddItem, RemoveItem, Reposition>;
+/// How much of a budget item is pooled into a cost item; 0: nothing.
+struct SetPooling {
+  BudgetItem* budgetItem;  ///< not owned: structure outlives every change
+  scoped_refptr<ResourceItem> into;
+  costing::Decimal before, after;
+};
+
+/// The terms of a bill in a cost item; null: the defaults.
+struct SetTerms {
+  scoped_refptr<ResourceItem> item;
+  Bill* bill;
+  std::shared_ptr<const LineTerms> before, after;
+};
+
+using Change = std::variant<SetField, AddItem, RemoveItem, Reposition, SetPooling, SetTerms>;
 using ChangeSet = std::vector<Change>;
 
 /// What an undo menu calls these changes: "修改不含税单价", "移动", ...

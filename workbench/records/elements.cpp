@@ -26,14 +26,6 @@ ResourceGroup* ResourceItem::group() const {
   return static_cast<ResourceGroup*>(parent());
 }
 
-void ResourceItem::recompute() {
-  const costing::Decimal quantity = quantity_.value();
-  const costing::Decimal price = price_.value();
-  const costing::PackedDecimal excluded = costing::excludedTaxAmount(quantity, price);
-  includedAmount_ = costing::includedTaxAmount(quantity, price, taxRate_.value());
-  excludedAmount_ = excluded;
-}
-
 ResourceGroup::ResourceGroup(StructureNode& unitWork)
     : Branch(groupId(unitWork, CategoryCount)), unitWork_(&unitWork) {}
 

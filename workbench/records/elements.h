@@ -88,6 +88,7 @@ class ResourceItem final : public Record {
   bool ownerSupplied() const { return ownerSupplied_; }
   bool provisional() const { return provisional_; }
   bool priceAdjustable() const { return priceAdjustable_; }
+  /// A bill is associated with it, or a budget item is pooled into it.
   bool associated() const { return associated_; }
   /// Budget items were gathered to it: it cannot be removed.
   bool gathered() const { return gathered_; }
@@ -105,9 +106,6 @@ class ResourceItem final : public Record {
  private:
   friend class Project;
   friend class ProjectBuilder;
-
-  /// Computes the amounts from the fields; throws std::overflow_error where one does not fit.
-  void recompute();
 
   CostAccount* account_ = nullptr;
   Text code_, name_, spec_, unit_, annotation_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <utility>
 
 namespace records {
@@ -9,6 +10,14 @@ namespace {
 
 ResourceItem& itemAt(const ResourceGroup& group, int row) {
   return *static_cast<ResourceItem*>(group.rows().at(row));
+}
+
+std::string label(const ResourceItem& item) {
+  return "工料机“" + item.code().str() + " " + item.name().str() + "”";
+}
+
+std::string label(const Bill& bill) {
+  return "清单“" + bill.code.str() + " " + bill.name.str() + "”";
 }
 
 bool sortedByPlace(const ResourceGroup& group) {
@@ -95,8 +104,6 @@ FieldValue Project::value(const ResourceItem& item, ItemField field) const {
       return item.provisional_;
     case ItemField::PriceAdjustable:
       return item.priceAdjustable_;
-    case ItemField::Associated:
-      return item.associated_;
     case ItemField::Annotation:
       return item.annotation_;
     case ItemField::Quantity:
@@ -108,6 +115,10 @@ FieldValue Project::value(const ResourceItem& item, ItemField field) const {
 void Project::set(ResourceItem& item, ItemField field, const FieldValue& after) {
   const FieldValue before = value(item, field);
   if (before == after) return;
+  if (field == ItemField::Quantity && bookings_.quantityFollows(item)) {
+    throw Refusal(label(item) +
+                  "的数量由清单汇总而来，不能直接修改；请修改所在清单的实际含量或系数。");
+  }
   record(SetField{scoped_refptr<ResourceItem>(&item), field, before, after});
 }
 
@@ -125,7 +136,9 @@ void Project::add(StructureNode& unitWork, const ResourceItemData& data) {
 }
 
 bool Project::remove(ResourceItem& item) {
-  if (item.group() == nullptr || item.gathered()) return false;
+  if (item.group() == nullptr || item.gathered() || bookings_.isBooked(item)) {
+    return false;
+  }
   record(RemoveItem{scoped_refptr<ResourceItem>(&item), &item.group()->unitWork()});
   return true;
 }
@@ -170,6 +183,17 @@ void Project::record(Change change) {
   recorded_.push_back(std::move(change));
 }
 
+void Project::recordAll(ChangeSet changes) {
+  std::size_t done = 0;
+  try {
+    for (; done < changes.size(); ++done) perform(changes[done], Direction::Forward);
+  } catch (...) {
+    while (done > 0) perform(changes[--done], Direction::Backward);
+    throw;
+  }
+  std::move(changes.begin(), changes.end(), std::back_inserter(recorded_));
+}
+
 void Project::apply(const ChangeSet& changes, Direction direction) {
   if (direction == Direction::Forward) {
     for (const Change& change : changes) perform(change, direction);
@@ -192,6 +216,10 @@ void Project::perform(const Change& change, Direction direction) {
     forward ? link(*added->unitWork, added->item) : unlink(*added->item);
   } else if (const auto* removed = std::get_if<RemoveItem>(&change)) {
     forward ? unlink(*removed->item) : link(*removed->unitWork, removed->item);
+  } else if (const auto* pooling = std::get_if<SetPooling>(&change)) {
+    write(*pooling, forward ? pooling->after : pooling->before);
+  } else if (const auto* terms = std::get_if<SetTerms>(&change)) {
+    write(*terms, forward ? terms->after : terms->before);
   } else {
     place(std::get<Reposition>(change), direction);
   }
@@ -201,12 +229,15 @@ void Project::write(ResourceItem& item, ItemField field, const FieldValue& value
   const costing::Totals before = item.totals();
   const auto money = [&](costing::PackedDecimal& target) {
     const costing::PackedDecimal old = target;
-    target = std::get<costing::PackedDecimal>(value);
+    const auto put = [&](costing::PackedDecimal number) {
+      target = number;
+      if (field == ItemField::TaxRate) bookings_.reprice(item);
+      setAmounts(item);
+    };
     try {
-      item.recompute();
+      put(std::get<costing::PackedDecimal>(value));
     } catch (...) {
-      target = old;
-      item.recompute();
+      put(old);
       throw;
     }
   };
@@ -238,14 +269,14 @@ void Project::write(ResourceItem& item, ItemField field, const FieldValue& value
     case ItemField::PriceAdjustable:
       item.priceAdjustable_ = std::get<bool>(value);
       break;
-    case ItemField::Associated:
-      item.associated_ = std::get<bool>(value);
-      break;
     case ItemField::Annotation:
       item.annotation_ = std::get<Text>(value);
       break;
     case ItemField::Quantity:
       money(item.quantity_);
+      if (bookings_.sumsOf(item) != nullptr) {
+        bookings_.setOwnQuantity(item, item.quantity_.value());
+      }
       break;
   }
   if (item.group() != nullptr) count(*item.group(), before, item.totals());
@@ -281,9 +312,8 @@ scoped_refptr<ResourceItem> Project::makeItem(const ResourceItemData& data) {
   item->ownerSupplied_ = data.ownerSupplied;
   item->provisional_ = data.provisional;
   item->priceAdjustable_ = data.priceAdjustable;
-  item->associated_ = data.associated;
   item->position_ = data.position;
-  item->recompute();
+  setAmounts(*item);
   return item;
 }
 
@@ -325,6 +355,7 @@ void Project::unlink(ResourceItem& item) {
   --itemCount_;
   for (Observer* observer : observers_) observer->itemChanged(item);
   remove(group, item.row());
+  bookings_.forget(item);
   if (group.rows().size() == 0) remove(*subProject(group.unitWork()), group.row());
 }
 
@@ -393,16 +424,226 @@ std::string Project::dump() const {
         line({std::to_string(item->id()), std::to_string(item->position()),
               item->account() != nullptr ? item->account()->label : "", item->code().str(),
               item->name().str(), item->spec().str(), item->unit().str(),
-              item->quantity().value().toString(), item->price().value().toString(),
-              item->taxRate().value().toString(), item->budgetAmount().value().toString(2),
-              item->excludedAmount().value().toString(2),
+              item->quantity().value().toString(), bookings_.ownQuantity(*item).toString(),
+              item->price().value().toString(), item->taxRate().value().toString(),
+              item->budgetAmount().value().toString(2), item->excludedAmount().value().toString(2),
               item->includedAmount().value().toString(2), item->ownerSupplied() ? "1" : "0",
               item->provisional() ? "1" : "0", item->priceAdjustable() ? "1" : "0",
               item->associated() ? "1" : "0", item->annotation().str()});
+        for (const Bill* bill : bookings_.billsWithTerms(*item)) {
+          const LineTerms& terms = *bookings_.termsOf(*item, *bill);
+          line({"bill", std::to_string(bill->id()), terms.associated ? "1" : "0",
+                terms.summary ? "1" : "0", terms.coefficient.toString(),
+                terms.content ? terms.content->toString() : "",
+                terms.price ? terms.price->toString() : "", terms.priceExpression.str()});
+        }
       }
     }
   }
+  for (const BudgetItem* budgetItem : bookings_.pooledItems()) {
+    for (const Bookings::Pooling& pooling : bookings_.poolingsOf(*budgetItem)) {
+      line({"pooling", std::to_string(budgetItem->id()), std::to_string(pooling.into->id()),
+            pooling.quantity.toString()});
+    }
+  }
   return out;
+}
+
+// Booking
+
+namespace {
+
+/// Own quantity and that of lines together. Without lines it is what was entered, unrounded.
+costing::Decimal stored(const ResourceItem& item, const costing::Decimal& own,
+                        const costing::Decimal& lines) {
+  return lines.isZero() ? own : costing::storedQuantity(own + lines, item.unit().str());
+}
+
+std::shared_ptr<const LineTerms> shared(const LineTerms& terms) {
+  return terms == LineTerms() ? nullptr : std::make_shared<const LineTerms>(terms);
+}
+
+}  // namespace
+
+void Project::setAmounts(ResourceItem& item) const {
+  costing::Decimal quantity = item.quantity_.value();
+  costing::Decimal excluded;
+  costing::Decimal included;
+  if (const Bookings::Sums* sums = bookings_.sumsOf(item)) {
+    // Lines with a price of their own bring their own money.
+    if (!sums->priced.isZero()) quantity = stored(item, sums->own, sums->lines - sums->priced);
+    excluded = sums->pricedExcluded;
+    included = sums->pricedIncluded;
+  }
+  const costing::Decimal price = item.price_.value();
+  excluded += costing::excludedTaxAmount(quantity, price);
+  included += costing::includedTaxAmount(quantity, price, item.taxRate_.value());
+  const costing::PackedDecimal checked = excluded;
+  item.includedAmount_ = included;
+  item.excludedAmount_ = checked;
+}
+
+void Project::refresh(ResourceItem& item, const costing::Decimal& budgetAmount) {
+  const Bookings::Sums& sums = *bookings_.sumsOf(item);
+  item.quantity_ = stored(item, sums.own, sums.lines);
+  item.budgetAmount_ = budgetAmount;
+  item.associated_ = bookings_.isAssociated(item);
+  setAmounts(item);
+}
+
+void Project::tell(ResourceItem& item, const costing::Totals& before) {
+  if (item.group() != nullptr) count(*item.group(), before, item.totals());
+  for (Observer* observer : observers_) {
+    observer->itemChanged(item);
+    observer->bookingChanged(item);
+  }
+}
+
+void Project::write(const SetPooling& change, const costing::Decimal& quantity) {
+  struct Touched {
+    ResourceItem* item;
+    costing::Totals before;
+    costing::Decimal budget;
+  };
+  std::vector<Touched> touched;
+  const auto add = [&](ResourceItem* item, const costing::Decimal& money) {
+    const auto known = std::find_if(touched.begin(), touched.end(),
+                                    [item](const Touched& one) { return one.item == item; });
+    if (known != touched.end()) {
+      known->budget += money;
+    } else {
+      touched.push_back({item, item->totals(), item->totals().budget + money});
+    }
+  };
+  // Cents may move between all items that have a share.
+  BudgetItem& budgetItem = *change.budgetItem;
+  const costing::Decimal before = bookings_.pooled(budgetItem, *change.into);
+  for (const Bookings::Share& share : bookings_.sharesOf(budgetItem)) add(share.item, -share.money);
+  bookings_.setPooling(budgetItem, *change.into, quantity);
+  for (const Bookings::Share& share : bookings_.sharesOf(budgetItem)) add(share.item, share.money);
+  try {
+    for (const Touched& one : touched) refresh(*one.item, one.budget);
+  } catch (...) {
+    bookings_.setPooling(budgetItem, *change.into, before);
+    for (const Touched& one : touched) refresh(*one.item, one.before.budget);
+    throw;
+  }
+  for (const Touched& one : touched) tell(*one.item, one.before);
+}
+
+void Project::write(const SetTerms& change, const Bookings::Terms& terms) {
+  ResourceItem& item = *change.item;
+  const Bookings::Terms old = bookings_.termsOf(item, *change.bill);
+  const costing::Totals before = item.totals();
+  bookings_.setTerms(item, *change.bill, terms);
+  try {
+    refresh(item, before.budget);
+  } catch (...) {
+    bookings_.setTerms(item, *change.bill, old);
+    refresh(item, before.budget);
+    throw;
+  }
+  tell(item, before);
+}
+
+bool Project::sameResource(const BudgetItem& a, const BudgetItem& b) const {
+  return a.category == b.category && a.name == b.name && a.spec == b.spec && a.unit == b.unit;
+}
+
+void Project::requireSameUnitWork(const ResourceItem& item, const Bill& bill) const {
+  const StructureNode* unitWork = unitWorkOf(item);
+  if (unitWork != nullptr && unitWork == unitWorkOf(bill)) return;
+  throw Refusal(label(bill) + "与成本" + label(item) +
+                "不在同一单位工程，不能归集或关联；请选择同一单位工程的清单。");
+}
+
+void Project::pool(BudgetItem& item, ResourceItem& into, const costing::Decimal& quantity) {
+  Bill& bill = billOf(item);
+  requireSameUnitWork(into, bill);
+  const costing::Decimal left = remaining(item);
+  if (quantity.isNegative() || quantity > left) {
+    const std::string unit = item.unit.empty() ? "" : " " + item.unit.str();
+    throw Refusal(label(bill) + "的预算工料机“" + item.code.str() + " " + item.name.str() +
+                  "”剩余可归集数量为 " + left.toString() + unit + "，不能归集 " +
+                  quantity.toString() + unit + "；请输入 0 到剩余数量之间的数量。");
+  }
+  if (quantity.isZero()) return;
+  ChangeSet changes;
+  LineTerms terms = this->terms(into, bill);
+  if (!terms.associated) {
+    terms.associated = true;
+    changes.emplace_back(SetTerms{scoped_refptr<ResourceItem>(&into), &bill,
+                                  bookings_.termsOf(into, bill), shared(terms)});
+  }
+  const costing::Decimal before = pooled(item, into);
+  changes.emplace_back(
+      SetPooling{&item, scoped_refptr<ResourceItem>(&into), before, before + quantity});
+  recordAll(std::move(changes));
+}
+
+void Project::withdraw(BudgetItem& item, ResourceItem& from) {
+  const costing::Decimal before = pooled(item, from);
+  if (before.isZero()) return;
+  record(SetPooling{&item, scoped_refptr<ResourceItem>(&from), before, {}});
+}
+
+void Project::associate(ResourceItem& item, Bill& bill, bool summary) {
+  LineTerms next = terms(item, bill);
+  next.associated = true;
+  next.summary = summary;
+  setTerms(item, bill, next);
+}
+
+void Project::disassociate(ResourceItem& item, Bill& bill) {
+  const scoped_refptr<ResourceItem> kept(&item);
+  ChangeSet changes;
+  for (int row = 0; row < bill.rows().size(); ++row) {
+    auto* budgetItem = static_cast<BudgetItem*>(bill.rows().at(row));
+    const costing::Decimal before = pooled(*budgetItem, item);
+    if (!before.isZero()) changes.emplace_back(SetPooling{budgetItem, kept, before, {}});
+  }
+  if (const Bookings::Terms before = bookings_.termsOf(item, bill)) {
+    changes.emplace_back(SetTerms{kept, &bill, before, nullptr});
+  }
+  recordAll(std::move(changes));
+}
+
+LineTerms Project::terms(const ResourceItem& item, const Bill& bill) const {
+  const Bookings::Terms stored = bookings_.termsOf(item, bill);
+  return stored && bookings_.hasLine(item, bill) ? *stored : LineTerms();
+}
+
+void Project::setTerms(ResourceItem& item, Bill& bill, const LineTerms& terms) {
+  requireSameUnitWork(item, bill);
+  const std::string place = label(bill) + "在成本" + label(item) + "中的";
+  if (terms.coefficient.isZero()) {
+    throw Refusal(place + "系数不能设置为零；请输入不为零的系数。");
+  }
+  if (terms.price && terms.price->isNegative()) {
+    throw Refusal(place + "分包不含税成本单价不能为负数；请输入不小于 0 的单价。");
+  }
+  if (!terms.associated) {
+    for (int row = 0; row < bill.rows().size(); ++row) {
+      if (pooled(*static_cast<BudgetItem*>(bill.rows().at(row)), item).isZero()) continue;
+      throw Refusal(place + "归集尚未取消；请用“取消关联”一并退回已归集的数量。");
+    }
+    if (terms != LineTerms() && !bookings_.hasLine(item, bill)) {
+      throw Refusal(label(bill) + "未关联成本" + label(item) + "；请先关联清单，再修改其设置。");
+    }
+  }
+  const Bookings::Terms before = bookings_.termsOf(item, bill);
+  Bookings::Terms after = shared(terms);
+  if (before == after || (before && after && *before == *after)) return;
+  record(SetTerms{scoped_refptr<ResourceItem>(&item), &bill, before, std::move(after)});
+}
+
+std::vector<Bill*> Project::associatedBills(const ResourceItem& item) const {
+  std::vector<Bill*> bills = bookings_.billsWithTerms(item);
+  bills.erase(
+      std::remove_if(bills.begin(), bills.end(),
+                     [&](const Bill* bill) { return !bookings_.termsOf(item, *bill)->associated; }),
+      bills.end());
+  return bills;
 }
 
 void Project::addObserver(Observer* observer) {

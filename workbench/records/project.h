@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "workbench/records/bill_line.h"
+#include "workbench/records/bookings.h"
 #include "workbench/records/change.h"
 
 namespace records {
@@ -35,7 +35,7 @@ struct ResourceItemData {
   Category category = Category::Material;
   Text code, name, spec, unit, annotation;
   costing::Decimal quantity, price, taxRate, budgetAmount;
-  bool ownerSupplied = false, provisional = false, priceAdjustable = false, associated = false;
+  bool ownerSupplied = false, provisional = false, priceAdjustable = false;
   int position = -1;
 };
 
@@ -61,7 +61,7 @@ class Observer {
   virtual void stepFinished() {}
 };
 
-/// A cost project in memory. All writing goes through set, add, remove, moveUp and moveDown, which
+/// A cost project in memory. All writing goes through the editing and booking operations, which
 /// record what they do; whoever ends an edit takes the record (takeRecorded) to store it and to be
 /// able to take it back (apply).
 class Project {
@@ -98,10 +98,13 @@ class Project {
 
   // Editing. An unchanged value records nothing. std::overflow_error: an amount would not fit, and
   // nothing has changed.
+
+  /// Throws Refusal for a quantity that follows from bill lines.
   void set(ResourceItem& item, ItemField field, const FieldValue& value);
   /// Appends an item to the group of its category.
   void add(StructureNode& unitWork, const ResourceItemData& data);
-  /// False, and nothing removed, for an item that budget items were gathered to.
+  /// False, and nothing removed, for an item that budget items were gathered to or that anything is
+  /// booked on.
   bool remove(ResourceItem& item);
   /// Moves the item one row up or down inside its group; the order that the rows then have becomes
   /// the stored one. False when there is no row to pass.
@@ -111,14 +114,21 @@ class Project {
   // Booking. The quantity of a budget item is pooled into cost items piece by piece; what remains
   // counts in its home, the item that it was gathered to. docs/costing.md has the rules.
 
-  costing::Decimal quantity(const BudgetItem& item) const;  ///< bill quantity × content, exact
-  costing::Decimal pooled(const BudgetItem& item) const;    ///< into all items
-  costing::Decimal pooled(const BudgetItem& item, const ResourceItem& into) const;
-  costing::Decimal remaining(const BudgetItem& item) const;
-  Bill& billOf(const BudgetItem& item) const;
+  const Bookings& bookings() const { return bookings_; }
+  /// Bill quantity × content, exact.
+  costing::Decimal quantity(const BudgetItem& item) const { return quantityOf(item); }
+  /// Into all items.
+  costing::Decimal pooled(const BudgetItem& item) const { return bookings_.pooled(item); }
+  costing::Decimal pooled(const BudgetItem& item, const ResourceItem& into) const {
+    return bookings_.pooled(item, into);
+  }
+  costing::Decimal remaining(const BudgetItem& item) const { return quantity(item) - pooled(item); }
+  Bill& billOf(const BudgetItem& item) const { return records::billOf(item); }
   /// The unit work that a node, a bill, a budget item, a cost item or a grouping row belongs to;
   /// null when there is none.
-  StructureNode* unitWorkOf(const proxy::Element& element) const;
+  StructureNode* unitWorkOf(const proxy::Element& element) const {
+    return records::unitWorkOf(element);
+  }
   /// Whether both stand for the same resource: category, name, specification and unit.
   bool sameResource(const BudgetItem& a, const BudgetItem& b) const;
 
@@ -143,7 +153,7 @@ class Project {
 
   /// In the order of the project's bills: those that are used in the item (a budget item has its
   /// home there and is not pooled away, or is pooled into it) or associated with it.
-  std::vector<BillLine> linesOf(const ResourceItem& item) const;
+  std::vector<BillLine> linesOf(const ResourceItem& item) const { return bookings_.linesOf(item); }
   std::vector<Bill*> associatedBills(const ResourceItem& item) const;
 
   bool hasRecorded() const { return !recorded_.empty(); }
@@ -174,11 +184,18 @@ class Project {
   std::int64_t newId() { return ++lastId_; }
   scoped_refptr<ResourceItem> makeItem(const ResourceItemData& data);
   void record(Change change);
+  void recordAll(ChangeSet changes);
   void perform(const Change& change, Direction direction);
   void write(ResourceItem& item, ItemField field, const FieldValue& value);
   void link(const StructureNode& unitWork, const scoped_refptr<ResourceItem>& item);
   void unlink(ResourceItem& item);
   void place(const Reposition& change, Direction direction);
+  void setAmounts(ResourceItem& item) const;
+  void refresh(ResourceItem& item, const costing::Decimal& budgetAmount);
+  void tell(ResourceItem& item, const costing::Totals& before);
+  void write(const SetPooling& change, const costing::Decimal& quantity);
+  void write(const SetTerms& change, const Bookings::Terms& terms);
+  void requireSameUnitWork(const ResourceItem& item, const Bill& bill) const;
   void count(ResourceGroup& group, const costing::Totals& before, const costing::Totals& after);
   bool swapWithNext(ResourceGroup& group, int upper);
 
@@ -187,6 +204,7 @@ class Project {
   std::unordered_map<std::int64_t, SubProject> bySubProject_;
   std::vector<CostAccount*> allAccounts_;
   std::unordered_map<std::string, CostAccount*> accountByText_;
+  Bookings bookings_;
   costing::Totals totals_;
   std::int64_t itemCount_ = 0;
   std::int64_t lastId_ = 0;

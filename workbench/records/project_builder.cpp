@@ -1,6 +1,7 @@
 #include "workbench/records/project_builder.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace records {
@@ -47,6 +48,7 @@ StructureNode& ProjectBuilder::addNode(StructureNode* parent, std::int64_t id, S
 
 Bill& ProjectBuilder::addBill(StructureNode& section, std::int64_t id) {
   auto* bill = new Bill(use(id));
+  project_.bookings_.forgetStructure();
   section.rows().append(scoped_refptr<Record>(bill));
   return *bill;
 }
@@ -71,6 +73,28 @@ ResourceItem& ProjectBuilder::addItem(StructureNode& unitWork, const ResourceIte
 void ProjectBuilder::gather(BudgetItem& budgetItem, ResourceItem& item) {
   budgetItem.resourceItem = &item;
   item.gathered_ = true;
+  project_.bookings_.forgetStructure();
+}
+
+void ProjectBuilder::setOwnQuantity(ResourceItem& item, const costing::Decimal& quantity) {
+  project_.bookings_.setOwnQuantity(item, quantity);
+}
+
+void ProjectBuilder::setPooling(BudgetItem& budgetItem, ResourceItem& into,
+                                const costing::Decimal& quantity) {
+  project_.bookings_.setPooling(budgetItem, into, quantity);
+}
+
+void ProjectBuilder::setTerms(ResourceItem& item, Bill& bill, const LineTerms& terms) {
+  project_.bookings_.setTerms(item, bill, std::make_shared<const LineTerms>(terms));
+}
+
+void ProjectBuilder::finishBookings() {
+  for (ResourceItem* item : project_.bookings_.touchedItems()) {
+    const costing::Totals before = item->totals();
+    project_.refresh(*item, before.budget);
+    project_.count(*item->group(), before, item->totals());
+  }
 }
 
 IndirectFeeGroup& ProjectBuilder::addFeeGroup(IndirectFeeGroup* parent, std::int64_t id) {

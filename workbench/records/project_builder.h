@@ -17,6 +17,12 @@ class ProjectBuilder {
   BudgetItem& addBudgetItem(Bill& bill, std::int64_t id);
   ResourceItem& addItem(StructureNode& unitWork, const ResourceItemData& data);
   void gather(BudgetItem& budgetItem, ResourceItem& item);
+  // Bookings of items that stand already. Figures follow with finishBookings, apart from the budget
+  // amounts, which are as the items were made.
+  void setOwnQuantity(ResourceItem& item, const costing::Decimal& quantity);
+  void setPooling(BudgetItem& budgetItem, ResourceItem& into, const costing::Decimal& quantity);
+  void setTerms(ResourceItem& item, Bill& bill, const LineTerms& terms);
+  void finishBookings();
   IndirectFeeGroup& addFeeGroup(IndirectFeeGroup* parent, std::int64_t id);
   IndirectFeeItem& addFeeItem(IndirectFeeGroup& group, std::int64_t id);
 

@@ -1,7 +1,10 @@
 #include "workbench/store/check.h"
 
 #include <QHash>
+#include <QPair>
+#include <QSet>
 #include <QStringList>
+#include <QVector>
 #include <array>
 #include <optional>
 #include <stdexcept>
@@ -23,6 +26,8 @@ class Checker {
 
   void run() {
     integrity();
+    terms();
+    poolings();
     budgetItems();
     resourceItems();
     totals();
@@ -65,31 +70,113 @@ class Checker {
     }
   }
 
+  void terms() {
+    QSqlQuery query =
+        rows(QStringLiteral("SELECT l.resource_item_id, l.bill_id, l.associated, l.coefficient,"
+                            " l.content, l.price, b.quantity, b.code, b.name FROM bill_line l"
+                            " JOIN bill b ON b.id = l.bill_id"));
+    while (query.next()) {
+      const QString where =
+          QStringLiteral("清单 %1 %2 在成本工料机（编号 %3）中的")
+              .arg(query.value(7).toString(), query.value(8).toString(), query.value(0).toString());
+      const qint64 item = query.value(0).toLongLong();
+      BillLine& line = lines_[{item, query.value(1).toLongLong()}];
+      line.associated = query.value(2).toInt() != 0;
+      line.coefficient = number(query.value(3), where + QStringLiteral("系数"));
+      if (!query.isNull(4)) line.content = number(query.value(4), where + QStringLiteral("含量"));
+      if (!query.isNull(5)) line.price = number(query.value(5), where + QStringLiteral("单价"));
+      line.billQuantity = number(query.value(6), where + QStringLiteral("工程量"));
+      if (line.coefficient.isZero()) find(where + QStringLiteral("系数为零"));
+      if (line.price && line.price->isNegative()) find(where + QStringLiteral("分包单价为负数"));
+      if (line.associated) booked_[item].associated = true;
+    }
+  }
+
+  void poolings() {
+    QSqlQuery query =
+        rows(QStringLiteral("SELECT budget_item_id, resource_item_id, quantity FROM pooling"
+                            " ORDER BY budget_item_id, resource_item_id"));
+    while (query.next()) {
+      const QString where = QStringLiteral("预算工料机（编号 %1）归集到成本工料机（编号 %2）的数量")
+                                .arg(query.value(0).toString(), query.value(1).toString());
+      const Decimal quantity = number(query.value(2), where);
+      if (quantity <= Decimal(0)) {
+        find(QStringLiteral("%1：保存的是 %2，应大于 0").arg(where, query.value(2).toString()));
+      }
+      const qint64 item = query.value(1).toLongLong();
+      poolings_[query.value(0).toLongLong()].append({item, quantity});
+      booked_[item].associated = true;
+    }
+  }
+
+  /// Counts what a budget item brings to a cost item through its bill.
+  void bring(qint64 item, qint64 bill, const Decimal& quantity, const Decimal& money) {
+    Booked& booked = booked_[item];
+    booked.budget += money;
+    const auto line = lines_.find({item, bill});
+    if (line == lines_.end()) {
+      booked.quantity += quantity;  // as it is, without terms
+    } else {
+      line->budgetQuantity += quantity;
+      line->used = true;
+    }
+  }
+
   void budgetItems() {
-    QSqlQuery query = rows(QStringLiteral(
-        "SELECT i.id, i.resource_item_id, i.content, i.price, i.amount, b.quantity, r.unit,"
-        " i.code, i.name, b.code FROM budget_item i JOIN bill b ON b.id = i.bill_id"
-        " JOIN resource_item r ON r.id = i.resource_item_id"));
+    QSqlQuery query = rows(
+        QStringLiteral("SELECT i.id, i.resource_item_id, i.content, i.price, i.amount, b.quantity,"
+                       " i.code, i.name, b.code, b.id FROM budget_item i"
+                       " JOIN bill b ON b.id = i.bill_id"));
     while (query.next()) {
       const QString where =
           QStringLiteral("清单 %1 的预算工料机 %2 %3")
-              .arg(query.value(9).toString(), query.value(7).toString(), query.value(8).toString());
+              .arg(query.value(8).toString(), query.value(6).toString(), query.value(7).toString());
+      const qint64 home = query.value(1).toLongLong();
+      const qint64 bill = query.value(9).toLongLong();
       const Decimal content = number(query.value(2), where);
       const Decimal price = number(query.value(3), where);
       const Decimal amount = number(query.value(4), where);
-      const Decimal quantity = number(query.value(5), where);
+      const Decimal billQuantity = number(query.value(5), where);
+      const Decimal quantity = costing::consumption(billQuantity, content);
       compare(where + QStringLiteral("的合价"), amount,
-              costing::budgetAmount(quantity, content, price));
-      Gathered& gathered = gathered_[query.value(1).toLongLong()];
-      gathered.amount += amount;
-      gathered.quantity += costing::consumption(quantity, content);
+              costing::budgetAmount(billQuantity, content, price));
+      gathered_.insert(home);
+
+      Decimal pooled;
+      Decimal given;
+      for (const auto& [item, part] : poolings_.value(query.value(0).toLongLong())) {
+        pooled += part;
+        const Decimal upTo = costing::shareUpTo(amount, quantity, pooled);
+        bring(item, bill, part, upTo - given);
+        given = upTo;
+      }
+      if (!pooled.isZero() && (pooled > quantity || quantity.isNegative())) {
+        find(QStringLiteral("%1：已归集 %2，超过其数量 %3")
+                 .arg(where, QString::fromStdString(pooled.toString()),
+                      QString::fromStdString(quantity.toString())));
+      }
+      if (pooled.isZero() || pooled != quantity) {
+        bring(home, bill, quantity - pooled, amount - given);
+      }
+    }
+    for (auto line = lines_.constBegin(); line != lines_.constEnd(); ++line) {
+      if (!line->used && !line->associated) continue;  // not there for the time being
+      Booked& booked = booked_[line.key().first];
+      const Decimal base = line->content ? costing::consumption(line->billQuantity, *line->content)
+                                         : line->budgetQuantity;
+      const Decimal quantity = costing::adjustedQuantity(base, line->coefficient);
+      booked.quantity += quantity;
+      if (!line->price) continue;
+      booked.priced += quantity;
+      booked.prices.append({line->billQuantity, *line->price});
     }
   }
 
   void resourceItems() {
     QSqlQuery query = rows(QStringLiteral(
         "SELECT id, unit_work_id, category, code, name, unit, quantity, price, tax_rate,"
-        " budget_amount, excluded_amount, included_amount FROM resource_item"));
+        " budget_amount, excluded_amount, included_amount, own_quantity, associated"
+        " FROM resource_item"));
     while (query.next()) {
       ++report_.resourceItems;
       const qint64 id = query.value(0).toLongLong();
@@ -101,17 +188,29 @@ class Checker {
       const Decimal taxRate = number(query.value(8), where);
       const Totals stored = {number(query.value(9), where), number(query.value(10), where),
                              number(query.value(11), where)};
-      compare(where + QStringLiteral("的不含税合价"), stored.excluded,
-              costing::excludedTaxAmount(quantity, price));
-      compare(where + QStringLiteral("的含税合价"), stored.included,
-              costing::includedTaxAmount(quantity, price, taxRate));
-      const auto gathered = gathered_.constFind(id);
-      if (gathered != gathered_.constEnd()) {
-        compare(where + QStringLiteral("的预算合价"), stored.budget, gathered->amount);
-        compare(
-            where + QStringLiteral("的数量"), quantity,
-            costing::storedQuantity(gathered->quantity, query.value(5).toString().toStdString()));
+      const Booked booked = booked_.value(id);
+      const Decimal own = number(query.value(12), where);
+      const std::string unit = query.value(5).toString().toStdString();
+      const auto together = [&](const Decimal& lines) {
+        return lines.isZero() ? own : costing::storedQuantity(own + lines, unit);
+      };
+      if (gathered_.contains(id)) compare(where + QStringLiteral("的自有数量"), own, Decimal());
+      compare(where + QStringLiteral("的数量"), quantity, together(booked.quantity));
+      compare(where + QStringLiteral("的预算合价"), stored.budget, booked.budget);
+      if (booked.associated != (query.value(13).toInt() != 0)) {
+        find(where + QStringLiteral("的关联标记与其关联和归集不符"));
       }
+      const Decimal unpriced =
+          booked.priced.isZero() ? quantity : together(booked.quantity - booked.priced);
+      Totals amounts = {{},
+                        costing::excludedTaxAmount(unpriced, price),
+                        costing::includedTaxAmount(unpriced, price, taxRate)};
+      for (const auto& [billQuantity, linePrice] : booked.prices) {
+        amounts.excluded += costing::excludedTaxAmount(billQuantity, linePrice);
+        amounts.included += costing::includedTaxAmount(billQuantity, linePrice, taxRate);
+      }
+      compare(where + QStringLiteral("的不含税合价"), stored.excluded, amounts.excluded);
+      compare(where + QStringLiteral("的含税合价"), stored.included, amounts.included);
       computed_[{query.value(1).toLongLong(), query.value(2).toInt()}] += stored;
       computed_[{query.value(1).toLongLong(), -1}] += stored;
       computed_[{0, -1}] += stored;
@@ -219,13 +318,26 @@ class Checker {
     }
   }
 
-  struct Gathered {
-    Decimal amount, quantity;
+  /// A bill in a cost item, where anything was said about it.
+  struct BillLine {
+    bool associated = false, used = false;
+    Decimal coefficient, billQuantity, budgetQuantity;
+    std::optional<Decimal> content, price;
+  };
+  /// What bookings and gathering give a cost item.
+  struct Booked {
+    Decimal quantity, budget;
+    Decimal priced;                           // quantity of lines with a price
+    QVector<QPair<Decimal, Decimal>> prices;  // of these, with the quantity of their bill
+    bool associated = false;
   };
 
   Database& database_;
   CheckReport& report_;
-  QHash<qint64, Gathered> gathered_;
+  QHash<QPair<qint64, qint64>, BillLine> lines_;             // by cost item and bill
+  QHash<qint64, QVector<QPair<qint64, Decimal>>> poolings_;  // of a budget item
+  QHash<qint64, Booked> booked_;
+  QSet<qint64> gathered_;
   QHash<QPair<qint64, int>, Totals> computed_;  // unit work (0: the project), category (-1: all)
   Decimal fees_;
 };

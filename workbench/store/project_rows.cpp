@@ -3,6 +3,7 @@
 #include <QSqlError>
 #include <algorithm>
 #include <array>
+#include <set>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -70,7 +71,7 @@ class Statement {
   QSqlQuery query_;
 };
 
-std::vector<QVariant> itemCells(const records::ResourceItem& item,
+std::vector<QVariant> itemCells(const records::Project& project, const records::ResourceItem& item,
                                 const records::StructureNode& unitWork) {
   return {cell(unitWork.id()),
           cell(item.category()),
@@ -81,6 +82,7 @@ std::vector<QVariant> itemCells(const records::ResourceItem& item,
           cell(item.spec()),
           cell(item.unit()),
           cell(item.quantity()),
+          cell(project.bookings().ownQuantity(item)),
           cell(item.price()),
           cell(item.taxRate()),
           cell(item.budgetAmount()),
@@ -96,13 +98,32 @@ std::vector<QVariant> itemCells(const records::ResourceItem& item,
 
 constexpr char InsertItem[] =
     "INSERT INTO resource_item (unit_work_id, category, position, account_id, code, name, spec,"
-    " unit, quantity, price, tax_rate, budget_amount, excluded_amount, included_amount,"
-    " owner_supplied, provisional, price_adjustable, associated, annotation, id)"
-    " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+    " unit, quantity, own_quantity, price, tax_rate, budget_amount, excluded_amount,"
+    " included_amount, owner_supplied, provisional, price_adjustable, associated, annotation, id)"
+    " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+constexpr char InsertPooling[] =
+    "INSERT INTO pooling (quantity, budget_item_id, resource_item_id) VALUES (?, ?, ?)";
+constexpr char InsertLine[] =
+    "INSERT INTO bill_line (associated, summary, coefficient, content, price, price_expression,"
+    " resource_item_id, bill_id) VALUES (?, ?, ?, ?, ?, ?, ?, ?)";
+
+std::vector<QVariant> poolingCells(const records::BudgetItem& budgetItem,
+                                   const records::ResourceItem& into, const Decimal& quantity) {
+  return {cell(quantity), cell(budgetItem.id()), cell(into.id())};
+}
+
+std::vector<QVariant> lineCells(const records::ResourceItem& item, const records::Bill& bill,
+                                const records::LineTerms& terms) {
+  return {cell(terms.associated), cell(terms.summary), cell(terms.coefficient),
+          cell(terms.content),    cell(terms.price),   cell(terms.priceExpression),
+          cell(item.id()),        cell(bill.id())};
+}
+
 constexpr char UpdateItem[] =
     "UPDATE resource_item SET unit_work_id = ?, category = ?, position = ?, account_id = ?,"
-    " code = ?, name = ?, spec = ?, unit = ?, quantity = ?, price = ?, tax_rate = ?,"
-    " budget_amount = ?, excluded_amount = ?, included_amount = ?, owner_supplied = ?,"
+    " code = ?, name = ?, spec = ?, unit = ?, quantity = ?, own_quantity = ?, price = ?,"
+    " tax_rate = ?, budget_amount = ?, excluded_amount = ?, included_amount = ?, owner_supplied = "
+    "?,"
     " provisional = ?, price_adjustable = ?, associated = ?, annotation = ? WHERE id = ?";
 
 struct FactRow {
@@ -154,7 +175,8 @@ class Writer {
     facts();
     accounts(project_.accounts().rows(), nullptr);
     structure(project_.structure().rows(), nullptr);
-    return bills(project_.structure().rows()) && items() && budgetItems() && totals() && fees();
+    return bills(project_.structure().rows()) && items() && budgetItems() && totals() && fees() &&
+           bookings();
   }
 
  private:
@@ -230,8 +252,8 @@ class Writer {
       for (int i = 0; i < records::CategoryCount; ++i) {
         const auto* group = project_.categoryGroup(*unitWork, static_cast<Category>(i));
         for (int row = 0; row < group->rows().size(); ++row) {
-          insert.run(
-              itemCells(*static_cast<records::ResourceItem*>(group->rows().at(row)), *unitWork));
+          insert.run(itemCells(
+              project_, *static_cast<records::ResourceItem*>(group->rows().at(row)), *unitWork));
           if (!counted()) return false;
         }
       }
@@ -304,6 +326,23 @@ class Writer {
     return true;
   }
 
+  bool bookings() {
+    const records::Bookings& bookings = project_.bookings();
+    Statement insertPooling(database_, InsertPooling);
+    for (const records::BudgetItem* item : bookings.pooledItems()) {
+      for (const auto& pooling : bookings.poolingsOf(*item)) {
+        insertPooling.run(poolingCells(*item, *pooling.into, pooling.quantity));
+      }
+    }
+    Statement insertLine(database_, InsertLine);
+    for (const records::ResourceItem* item : bookings.touchedItems()) {
+      for (const records::Bill* bill : bookings.billsWithTerms(*item)) {
+        insertLine.run(lineCells(*item, *bill, *bookings.termsOf(*item, *bill)));
+      }
+    }
+    return true;
+  }
+
   Database& database_;
   records::Project& project_;
   const RowProgress& progress_;
@@ -314,10 +353,12 @@ class Writer {
 /// The rows of one SELECT; faults name its table and the row's id, which is its first column.
 class Rows {
  public:
-  Rows(Database& database, const char* table, const char* columns, const char* order)
+  Rows(Database& database, const char* table, const char* columns, const char* order,
+       const char* condition = "1 = 1")
       : table_(table),
-        query_(database.prepare(QStringLiteral("SELECT %1 FROM %2 ORDER BY %3")
+        query_(database.prepare(QStringLiteral("SELECT %1 FROM %2 WHERE %3 ORDER BY %4")
                                     .arg(QString::fromLatin1(columns), QString::fromLatin1(table),
+                                         QString::fromLatin1(condition),
                                          QString::fromLatin1(order)))) {
     Database::run(query_);
   }
@@ -392,8 +433,10 @@ class Reader {
     facts();
     accounts();
     structure();
+    pooledIds();
     if (!bills() || !items() || !budgetItems()) return false;
     fees();
+    bookings();
     return true;
   }
 
@@ -495,7 +538,7 @@ class Reader {
     Rows rows(database_, "resource_item",
               "id, unit_work_id, category, position, account_id, code, name, spec, unit,"
               " quantity, price, tax_rate, budget_amount, owner_supplied, provisional,"
-              " price_adjustable, associated, annotation",
+              " price_adjustable, annotation",
               "unit_work_id, category, position");
     while (rows.next()) {
       records::ResourceItemData data;
@@ -513,12 +556,61 @@ class Reader {
       data.ownerSupplied = rows.flag();
       data.provisional = rows.flag();
       data.priceAdjustable = rows.flag();
-      data.associated = rows.flag();
       texts(rows, data.annotation);
       items_[data.id] = &builder_.addItem(unitWork, data);
       if (!counted()) return false;
     }
     return true;
+  }
+
+  // A project has many budget items; those of which anything is pooled are looked up later.
+  void pooledIds() {
+    Rows rows(database_, "pooling", "budget_item_id", "budget_item_id");
+    while (rows.next()) budgetItems_.emplace(rows.id(), nullptr);
+  }
+
+  void bookings() {
+    Rows own(database_, "resource_item", "id, own_quantity", "id",
+             "id IN (SELECT resource_item_id FROM pooling"
+             " UNION SELECT resource_item_id FROM bill_line)");
+    while (own.next()) {
+      records::ResourceItem& item = own.required(items_);
+      const Decimal quantity = own.decimal();
+      if (!item.gathered()) builder_.setOwnQuantity(item, quantity);
+    }
+    Rows lines(database_, "bill_line",
+               "resource_item_id, bill_id, associated, summary, coefficient, content, price,"
+               " price_expression",
+               "resource_item_id, bill_id");
+    while (lines.next()) {
+      records::ResourceItem& item = lines.required(items_);
+      records::Bill& bill = lines.required(bills_);
+      requireSameUnitWork(lines, item, bill);
+      records::LineTerms terms;
+      terms.associated = lines.flag();
+      terms.summary = lines.flag();
+      terms.coefficient = lines.decimal();
+      terms.content = lines.optionalDecimal();
+      terms.price = lines.optionalDecimal();
+      texts(lines, terms.priceExpression);
+      builder_.setTerms(item, bill, terms);
+    }
+    Rows poolings(database_, "pooling", "budget_item_id, resource_item_id, quantity",
+                  "budget_item_id, resource_item_id");
+    while (poolings.next()) {
+      records::BudgetItem& budgetItem = poolings.required(budgetItems_);
+      records::ResourceItem& item = poolings.required(items_);
+      requireSameUnitWork(poolings, item, budgetItem);
+      builder_.setPooling(budgetItem, item, poolings.decimal());
+    }
+    builder_.finishBookings();
+  }
+
+  void requireSameUnitWork(const Rows& rows, const proxy::Element& item,
+                           const proxy::Element& bill) const {
+    if (project_.unitWorkOf(item) != project_.unitWorkOf(bill)) {
+      rows.bad("所引用的清单与工料机不在同一单位工程");
+    }
   }
 
   bool budgetItems() {
@@ -542,6 +634,9 @@ class Reader {
       line.ownerSupplied = rows.flag();
       line.provisional = rows.flag();
       line.priceAdjustable = rows.flag();
+      if (const auto pooled = budgetItems_.find(id); pooled != budgetItems_.end()) {
+        pooled->second = &line;
+      }
       if (!counted()) return false;
     }
     return true;
@@ -585,6 +680,7 @@ class Reader {
   std::unordered_map<std::int64_t, records::StructureNode*> nodes_;
   std::unordered_map<std::int64_t, records::Bill*> bills_;
   std::unordered_map<std::int64_t, records::ResourceItem*> items_;
+  std::unordered_map<std::int64_t, records::BudgetItem*> budgetItems_;  // those that are pooled
   qint64 rows_ = 0;
 };
 
@@ -600,39 +696,70 @@ bool readProject(Database& database, records::Project& project, const RowProgres
 
 void writeChanges(Database& database, records::Project& project,
                   const records::ChangeSet& changes) {
-  // In the order in which they were first touched, each once.
+  // What was touched, in the order in which it first was, each once.
   std::vector<records::ResourceItem*> items;
   std::unordered_set<records::ResourceItem*> known;
   std::unordered_set<records::StructureNode*> unitWorks;
-  const auto touch = [&](const scoped_refptr<records::ResourceItem>& item) {
-    if (known.insert(item.get()).second) items.push_back(item.get());
+  std::set<std::pair<const records::BudgetItem*, records::ResourceItem*>> poolings;
+  std::set<std::pair<records::ResourceItem*, const records::Bill*>> lines;
+  const records::Bookings& bookings = project.bookings();
+  const auto touch = [&](records::ResourceItem* item) {
+    if (known.insert(item).second) items.push_back(item);
     if (item->group() != nullptr) unitWorks.insert(&item->group()->unitWork());
   };
   for (const records::Change& change : changes) {
     if (const auto* set = std::get_if<records::SetField>(&change)) {
-      touch(set->item);
+      touch(set->item.get());
     } else if (const auto* added = std::get_if<records::AddItem>(&change)) {
-      touch(added->item);
+      touch(added->item.get());
       unitWorks.insert(added->unitWork);
     } else if (const auto* removed = std::get_if<records::RemoveItem>(&change)) {
-      touch(removed->item);
+      touch(removed->item.get());
       unitWorks.insert(removed->unitWork);
+    } else if (const auto* pooling = std::get_if<records::SetPooling>(&change)) {
+      if (!poolings.emplace(pooling->budgetItem, pooling->into.get()).second) continue;
+      touch(pooling->into.get());
+      for (const auto& share : bookings.sharesOf(*pooling->budgetItem)) touch(share.item);
+    } else if (const auto* terms = std::get_if<records::SetTerms>(&change)) {
+      touch(terms->item.get());
+      lines.emplace(terms->item.get(), terms->bill);
     } else {
-      for (const auto& place : std::get<records::Reposition>(change).places) touch(place.item);
+      for (const auto& place : std::get<records::Reposition>(change).places) {
+        touch(place.item.get());
+      }
     }
   }
 
+  // Each row after those it refers to; what goes, before them.
+  const auto isGone = [](const records::ResourceItem* item) { return item->group() == nullptr; };
   Statement update(database, UpdateItem);
   Statement insert(database, InsertItem);
-  Statement remove(database, "DELETE FROM resource_item WHERE id = ?");
   for (const records::ResourceItem* item : items) {
-    if (item->group() == nullptr) {
-      remove.run({cell(item->id())});
-      continue;
-    }
-    const std::vector<QVariant> cells = itemCells(*item, item->group()->unitWork());
+    if (isGone(item)) continue;
+    const std::vector<QVariant> cells = itemCells(project, *item, item->group()->unitWork());
     if (update.run(cells) == 0) insert.run(cells);
   }
+  Statement removePooling(database,
+                          "DELETE FROM pooling WHERE budget_item_id = ? AND resource_item_id = ?");
+  Statement insertPooling(database, InsertPooling);
+  for (const auto& [budgetItem, into] : poolings) {
+    removePooling.run({cell(budgetItem->id()), cell(into->id())});
+    const Decimal quantity = bookings.pooled(*budgetItem, *into);
+    if (!quantity.isZero()) insertPooling.run(poolingCells(*budgetItem, *into, quantity));
+  }
+  Statement removeLine(database,
+                       "DELETE FROM bill_line WHERE resource_item_id = ? AND bill_id = ?");
+  Statement insertLine(database, InsertLine);
+  for (const auto& [item, bill] : lines) {
+    removeLine.run({cell(item->id()), cell(bill->id())});
+    const records::Bookings::Terms terms = bookings.termsOf(*item, *bill);
+    if (terms) insertLine.run(lineCells(*item, *bill, *terms));
+  }
+  Statement remove(database, "DELETE FROM resource_item WHERE id = ?");
+  for (const records::ResourceItem* item : items) {
+    if (isGone(item)) remove.run({cell(item->id())});
+  }
+
   Statement total(database,
                   "UPDATE cost_total SET budget = ?, excluded = ?, included = ?"
                   " WHERE node_id = ? AND category = ?");

@@ -76,11 +76,35 @@ QStringList toVersion1() {
   };
 }
 
+// Bookings. What was entered by hand is kept apart from what follows from bill lines: up to here an
+// item had either the one or the other. Marks follow from bookings, of which there were none.
+QStringList toVersion2() {
+  return {
+      QStringLiteral("ALTER TABLE resource_item ADD COLUMN own_quantity text NOT NULL DEFAULT '0'"),
+      QStringLiteral("UPDATE resource_item SET own_quantity = quantity"
+                     " WHERE id NOT IN (SELECT resource_item_id FROM budget_item)"),
+      QStringLiteral("UPDATE resource_item SET associated = 0 WHERE associated <> 0"),
+      QStringLiteral("CREATE TABLE pooling ("
+                     " budget_item_id integer NOT NULL REFERENCES budget_item (id),"
+                     " resource_item_id integer NOT NULL REFERENCES resource_item (id),"
+                     " quantity text NOT NULL,"
+                     " PRIMARY KEY (budget_item_id, resource_item_id))"),
+      QStringLiteral("CREATE INDEX pooling_resource ON pooling (resource_item_id)"),
+      QStringLiteral("CREATE TABLE bill_line ("
+                     " resource_item_id integer NOT NULL REFERENCES resource_item (id),"
+                     " bill_id integer NOT NULL REFERENCES bill (id),"
+                     " associated integer NOT NULL, summary integer NOT NULL,"
+                     " coefficient text NOT NULL, content text, price text,"
+                     " price_expression text NOT NULL,"
+                     " PRIMARY KEY (resource_item_id, bill_id))"),
+  };
+}
+
 }  // namespace
 
 void migrate(Database& database, int version) {
-  const std::vector<QStringList> steps = {toVersion1()};
-  static_assert(SchemaVersion == 1, "each version has its step above");
+  const std::vector<QStringList> steps = {toVersion1(), toVersion2()};
+  static_assert(SchemaVersion == 2, "each version has its step above");
   for (std::size_t step = static_cast<std::size_t>(version); step < steps.size(); ++step) {
     for (const QString& statement : steps[step]) database.run(statement);
   }

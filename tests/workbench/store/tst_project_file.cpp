@@ -189,7 +189,7 @@ class ProjectFileTest : public QObject {
     row("directory", "directory", FailureKind::NotAProject, "不是成本测算工程文件");
     row("another database", "PRAGMA application_id = 7", FailureKind::NotAProject,
         "不是成本测算工程文件");
-    row("newer", "PRAGMA user_version = 2", FailureKind::Newer, "升级本程序");
+    row("newer", "PRAGMA user_version = 3", FailureKind::Newer, "升级本程序");
     row("no version", "PRAGMA user_version = 0", FailureKind::Damaged, "已损坏");
     row("cut short", "cut", FailureKind::Damaged, "已损坏");
     row("cut in the header", "header", FailureKind::Damaged, "文件不完整");
