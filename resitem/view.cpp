@@ -170,12 +170,8 @@ void QCEResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
     commands->addAction(action);
   }
   conditionButton_ = qobject_cast<QToolButton*>(commands->widgetForAction(conditionAction_));
-  auto* findButton = new QToolButton(this);
-  findButton->setText("查找");
-  findButton->setToolTip("在表格中查找，可输入拼音首字母（Ctrl+F）");
-  findButton->setAutoRaise(true);
-  connect(findButton, &QToolButton::clicked, this, &QCEResItemViewImpl::find);
-  commands->addWidget(findButton);
+  QAction* findAction = commands->addAction("查找", this, &QCEResItemViewImpl::find);
+  findAction->setToolTip("在表格中查找，可输入拼音首字母（Ctrl+F）");
   toolBar->addWidget(commands);
 }
 
@@ -187,6 +183,7 @@ QWidget* QCEResItemViewImpl::createContent(gui::TreeGridView* grid) {
   connect(conditions_->cancelButton(), &QPushButton::clicked, this,
           &QCEResItemViewImpl::cancelFilter);
   grid->installEventFilter(this);
+  grid->setEmptyText("没有符合条件的人材机。请放宽范围、标志、关联或条件过滤。");
 
   auto* splitter = new QSplitter(this);
   splitter->setHandleWidth(8);
@@ -503,9 +500,13 @@ void QCEResItemViewImpl::refreshStatus() {
   const auto* view = dynamic_cast<const gui::ViewModel*>(abstractModel());
   const ResItemCommands::Items items = selectedItems();
   const double sum = sumOfAmounts(*filter_->getOperator(), items);
+  std::string comment;
+  const auto isItem = [&](proxy::Element* element) {  // groups cannot carry an annotation
+    return filter_->getComment(element, comment);
+  };
   status_->setText(QString("显示 %1 项，共 %2 项%3　　已选 %4 项　　不含税合价 %5 元")
-                       .arg(shownItemCount(*model, *view))
-                       .arg(itemCount(filter_->getRoot()))
+                       .arg(shownItemCount(*model, *view, isItem))
+                       .arg(itemCount(filter_->getRoot(), isItem))
                        .arg(conditionsOn_ ? "（条件过滤中）" : "")
                        .arg(items.size())
                        .arg(QString::fromStdString(base::ToThousandthsString(sum, 2))));

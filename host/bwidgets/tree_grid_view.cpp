@@ -376,6 +376,11 @@ void TreeGridView::resizeEvent(QResizeEvent* event) {
 // ---------------------------------------------------------------------------------------------
 // Painting
 
+void TreeGridView::setEmptyText(const QString& text) {
+  emptyText_ = text;
+  viewport()->update();
+}
+
 void TreeGridView::paintEvent(QPaintEvent* event) {
   executeDelayedItemsLayout();
   const int border = header_->frozenWidth();
@@ -399,8 +404,12 @@ void TreeGridView::paintEvent(QPaintEvent* event) {
       drawTree(&painter, frozen.translated(-offset, 0));
     }
   }
-  if (border > 0) {
-    QPainter painter(viewport());
+  QPainter painter(viewport());
+  if (!emptyText_.isEmpty() && model() != nullptr && model()->rowCount(rootIndex()) == 0) {
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect().adjusted(24, 24, -24, -24),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, emptyText_);
+  } else if (border > 0) {
     painter.setPen(borderColor);
     painter.drawLine(border - 1, 0, border - 1, viewport()->height());
   }

@@ -71,6 +71,9 @@ class QCE_HOST_WIDGETS_EXPORT TreeGridView : public QTreeView {
   void setRowsResizedToContents(bool on);
   bool rowsResizedToContents() const { return !uniformRowHeights(); }
 
+  /// What stands in the middle of a grid that shows no row; nothing by default.
+  void setEmptyText(const QString& text);
+
   // Zoom.
   /// Scales texts, rows and columns; 50 to 300 per cent.
   void setZoom(int percent);
@@ -171,6 +174,7 @@ class QCE_HOST_WIDGETS_EXPORT TreeGridView : public QTreeView {
   int sizedColumns_ = 0;  // how many columns there were when they were last given their widths
   int zoom_ = 100;
   QFont plainFont_;
+  QString emptyText_;
 };
 
 }  // namespace bwidgets

@@ -57,7 +57,7 @@ class FakeController : public abst::qce::QCEResItemController {
 
 // A page over three groups, as a host sets it up.
 struct Setup {
-  Setup() : controller(op, model) {
+  explicit Setup(const char* emptyGroup = nullptr) : controller(op, model) {
     tests::attachTester(&model);
     tests::attachTester(&filter);
     tests::Node* steel = op.group("钢材");
@@ -67,6 +67,7 @@ struct Setup {
     s3 = Fake::item(steel, "s3", "型钢", 1.0, 4000.0);
     labour = op.group("人工");
     l1 = Fake::item(labour, "l1", "综合用工", 100.0, 150.0);
+    if (emptyGroup != nullptr) op.group(emptyGroup);
     building = new tests::Node("1#楼");
     controller.subProjects = {{"1#楼", building.get()}, {"2#楼", labour}};
     model.setDisplayTable(&op.table);
@@ -152,6 +153,12 @@ class TestView : public QObject {
     QVERIFY(s.status().startsWith("显示 4 项，共 4 项"));
     s.select({s.s1, s.l1});
     QVERIFY2(s.status().contains("已选 2 项　　不含税合价 50,000.00 元"), qPrintable(s.status()));
+  }
+
+  void countsNoEmptyGroup() {
+    const Setup s("设备");
+    QVERIFY2(s.shown().contains("设备"), qPrintable(s.shown()));
+    QVERIFY2(s.status().startsWith("显示 4 项，共 4 项"), qPrintable(s.status()));
   }
 
   void filtersByFlagAndAssociation() {

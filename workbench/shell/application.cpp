@@ -19,10 +19,11 @@ namespace {
 
 // Only chrome is styled by sheet: a sheet on a grid would slow the painting of its cells.
 constexpr char kSheet[] = R"(
-QToolBar { border: none; border-bottom: 1px solid #d5dbe1; spacing: 2px; padding: 3px 6px; }
-QToolBar QToolButton { padding: 3px 7px; border-radius: 4px; }
-QToolBar QToolButton:hover:enabled { background: #e3eefa; }
-QToolBar QToolButton:pressed { background: #cde0f5; }
+QToolBar#toolBar { border: none; border-bottom: 1px solid #d5dbe1; spacing: 2px; padding: 3px 6px; }
+QToolBar#toolBar QToolButton { padding: 3px 7px; border-radius: 4px; }
+QToolBar#toolBar QToolButton:hover:enabled { background: #e3eefa; }
+QToolBar#toolBar QToolButton:pressed { background: #cde0f5; }
+QToolButton#qt_toolbar_ext_button { padding: 0; }
 QListWidget#pageList { border: none; border-right: 1px solid #d5dbe1; background: #f3f6f9; outline: none; }
 QListWidget#pageList::item { padding-left: 8px; border-left: 3px solid transparent; color: #1c2733; }
 QListWidget#pageList::item:hover { background: #e6edf4; }
@@ -34,6 +35,7 @@ QListWidget#recentList::item:selected { background: #dbe9f8; color: #0d3c66; }
 QLabel#welcomeTitle { font-size: 26px; font-weight: bold; color: #0d3c66; }
 QLabel#welcomeHeading { font-size: 16px; font-weight: bold; }
 QPushButton[big="true"] { font-size: 15px; padding: 8px 18px; text-align: left; }
+QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
 QStatusBar { border-top: 1px solid #d5dbe1; }
 QStatusBar::item { border: none; }
 )";

@@ -125,6 +125,9 @@ void MainWindow::createActions() {
   recentMenu_ = file->addMenu(QStringLiteral("最近的工程(&R)"));
   recentMenu_->setObjectName(QStringLiteral("menuRecent"));
   file->addSeparator();
+  QAction* save =
+      addAction(file, QStringLiteral("actionSave"), QStringLiteral("保存(&S)"), QString(),
+                {QKeySequence(QStringLiteral("Ctrl+S"))}, &MainWindow::tellSaved);
   QAction* saveAs =
       addAction(file, QStringLiteral("actionSaveAs"), QStringLiteral("另存为(&A)…"),
                 QStringLiteral("save-as"), {QKeySequence(QStringLiteral("Ctrl+Shift+S"))},
@@ -167,8 +170,9 @@ void MainWindow::createActions() {
   addAction(help, QStringLiteral("actionAbout"), QStringLiteral("关于(&A)"), QString(), {},
             &MainWindow::about);
 
-  QToolBar* bar = addToolBar(QStringLiteral("工具栏"));
-  bar->setObjectName(QStringLiteral("toolBar"));
+  auto* bar = new QToolBar(QStringLiteral("工具栏"), this);
+  bar->setObjectName(QStringLiteral("toolBar"));  // the sheet knows it by its name
+  addToolBar(bar);
   bar->setMovable(false);
   bar->setIconSize(QSize(18, 18));
   bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -180,7 +184,7 @@ void MainWindow::createActions() {
   bar->addAction(find);
   bar->addSeparator();
   bar->addActions({in, out, whole});
-  needProject_ = {saveAs, close, find, in, out, whole};
+  needProject_ = {save, saveAs, close, find, in, out, whole};
 
   connect(undo_, &QAction::triggered, this, [this] {
     if (session_) session_->undoStack().undo();
@@ -293,6 +297,13 @@ void MainWindow::openWithChooser() {
   if (!path.isEmpty()) openProject(path);
 }
 
+// Nothing is left to save, but hands that are used to the key want to hear so.
+void MainWindow::tellSaved() {
+  statusBar()->showMessage(QStringLiteral("已保存：每一次修改都立即写入 %1")
+                               .arg(QDir::toNativeSeparators(session_->path())),
+                           5000);
+}
+
 void MainWindow::saveCopyAs() {
   if (!session_) return;
   const QFileInfo current(session_->path());
@@ -354,14 +365,19 @@ void MainWindow::showHelp() {
   QMessageBox box(QMessageBox::NoIcon, QStringLiteral("使用说明"),
                   QStringLiteral("<b>常用操作</b>"), QMessageBox::Ok, this);
   box.setInformativeText(QStringLiteral(
-      "<table cellspacing='6'>"
+      "<table cellspacing='6' style='white-space:nowrap'>"
       "<tr><td>Ctrl+N / Ctrl+O</td><td>新建 / 打开工程</td></tr>"
-      "<tr><td>F2 或双击</td><td>编辑单元格，回车确认</td></tr>"
-      "<tr><td>Ctrl+C / Ctrl+V</td><td>复制 / 粘贴一块单元格</td></tr>"
+      "<tr><td>F2 或双击</td><td>编辑单元格，回车确认，Esc 恢复原值</td></tr>"
+      "<tr><td>Ctrl+C / Ctrl+V / Delete</td><td>复制 / 粘贴 / 清除一块单元格</td></tr>"
       "<tr><td>Ctrl+Z / Ctrl+Y</td><td>撤销 / 恢复</td></tr>"
+      "<tr><td>Ctrl+B</td><td>把同一个单价写入选中的人材机</td></tr>"
+      "<tr><td>Shift+F2</td><td>编辑批注</td></tr>"
+      "<tr><td>Alt+↑ / Alt+↓</td><td>上移 / 下移选中的行</td></tr>"
       "<tr><td>Ctrl+F</td><td>在表格中查找，可用拼音首字母（lwg 找到螺纹钢）</td></tr>"
-      "<tr><td>单击表头</td><td>按该列排序</td></tr>"
+      "<tr><td>Ctrl+Shift+F</td><td>按成本科目、编码、名称等条件过滤</td></tr>"
+      "<tr><td>单击表头 / F5</td><td>按该列排序 / 恢复原来的顺序</td></tr>"
       "<tr><td>Ctrl++ / Ctrl+- / Ctrl+0</td><td>放大 / 缩小 / 恢复 100%</td></tr>"
+      "<tr><td>右键</td><td>当前单元格的全部命令</td></tr>"
       "</table>"));
   box.button(QMessageBox::Ok)->setText(QStringLiteral("确定"));
   box.exec();

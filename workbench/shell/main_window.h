@@ -44,6 +44,7 @@ class MainWindow : public QMainWindow {
  public slots:
   void newProject();
   void openWithChooser();
+  void tellSaved();
   void saveCopyAs();
   void showFind();
   void zoomIn();

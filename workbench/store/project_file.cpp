@@ -63,9 +63,9 @@ QString shown(const QString& path) {
 }
 
 Failed notAProject(const QString& path) {
-  return {
-      FailureKind::NotAProject,
-      QStringLiteral("“%1”不是成本测算工程文件，请选择扩展名为 qcp 的工程文件。").arg(shown(path))};
+  return {FailureKind::NotAProject,
+          QStringLiteral("“%1”不是成本测算工程文件，请选择由本程序建立的工程（*.qcp）。")
+              .arg(shown(path))};
 }
 
 Failed damaged(const QString& path, const QString& what) {
