@@ -3,11 +3,13 @@
 #include <QAbstractItemModel>
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <string>
 
 #include "framework/base_page.h"
@@ -193,6 +195,11 @@ void QCENotionalPoolingViewImpl::showDialog(bool withBills) {
   } else {
     tree_->expandAll();
   }
+  // Wide enough for the quantity to pool, at the far end of the columns, where the screen has room.
+  const int list = withBills ? billList_->maximumWidth() : 0;
+  const int room =
+      bwidgets::Screen::fraction(bwidgets::Screen::availableSize(this), 0.95, 1).width();
+  resize(std::max(width(), std::min(room, list + tree_->header()->length() + 60)), height());
   tree_->setFocus();
   if (exec() == 1 && controller_ != nullptr) controller_->collectToQCEResItem();
 }
