@@ -40,6 +40,8 @@ class QCE_EXPORT QCEResItemFilterModelImpl
 
   void setShowAll(bool showAll) override;
   void setShowAssociation(bool showAssociation) override;
+  /// Whether rows come and go with their association mark.
+  bool filtersByAssociation() const { return !showAll_; }
   void setFilterField(std::vector<std::string>& keywords) override;
   void setIsFilterByCondition(bool on) override;
   void invalidate() override;

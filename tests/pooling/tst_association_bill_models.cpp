@@ -17,20 +17,282 @@ class AssociationBillModelsTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void init();
-  void cleanup();
+  void init() {
+    op_ = std::make_unique<FakeRightOperator>();
+    model_ = std::make_unique<Model>();
+    filter_ = std::make_unique<Filter>(model_.get());
+    tests::attachTester(model_.get());
+    tests::attachTester(filter_.get());
+    model_->setDisplayTable(&op_->table);
+    model_->setOperator(op_.get());
+  }
 
-  void parentsFollowTheirChildren();
-  void marksMatchAPlainSet();
-  void settingACheckStateReachesUpAndDown();
-  void resetChecksWhatIsAssociated();
-  void marksGoToTheHost();
-  void showsNumbersOfBillsAlone();
-  void narrowsByTextSectionAndMark_data();
-  void narrowsByTextSectionAndMark();
-  void checkingASectionReachesShownBillsAlone();
-  void rowsGoAndComeWithTheirMarks();
-  void doesNothingWithoutOperatorOrSource();
+  void cleanup() {
+    filter_.reset();
+    model_.reset();
+    op_.reset();
+  }
+
+  void parentsFollowTheirChildren() {
+    QSignalSpy changes(model_.get(), &QAbstractItemModel::dataChanged);
+    model_->clickedStat(at("a1"), true);
+    model_->clickedStat(at("a2"), true);
+    QCOMPARE(checked(), QString("a1 a2"));
+    model_->clickedStat(at("a3"), true);
+    QCOMPARE(checked(), QString("A a1 a2 a3"));
+    QCOMPARE(changes.size(), 3);  // the row alone, not what follows from it
+    QCOMPARE(changes.last().at(0).toModelIndex(), box("a3"));
+    QCOMPARE(changes.last().at(2).value<QVector<int>>(), QVector<int>{Qt::CheckStateRole});
+    model_->clickedStat(at("a3"), true);
+    model_->clickedStat(at("b1"), false);
+    QCOMPARE(changes.size(), 3);
+    model_->clickedStat(at("a1"), false);
+    QCOMPARE(checked(), QString("a2 a3"));
+    // A section alone takes nothing along; one without rows counts as complete.
+    model_->clickedStat(at("B"), true);
+    QCOMPARE(checked(), QString("a2 a3 B"));
+    QVERIFY(!model_->isSelected(at("U"), false) && model_->isSelected(at("U"), true));
+    QVERIFY(!model_->isSelected(at("C"), true) && !model_->isSelected(nullptr, true));
+    model_->clickedStat(nullptr, true);
+    model_->clearChecked();
+    QCOMPARE(checked(), QString());
+  }
+
+  // Every way to change marks and rows, against a set of elements that follows the same rules.
+  void marksMatchAPlainSet() {
+    QRandomGenerator random(4711);
+    std::set<const Node*> plain;
+    int added = 0;
+    const auto complete = [&plain](const Node* parent) {
+      for (int i = 0; i < parent->childCount(); ++i) {
+        if (plain.count(parent->node(i)) == 0) return false;
+      }
+      return true;
+    };
+    for (int step = 0; step < 3000; ++step) {
+      const std::vector<Node*> rows = op_->tree.all();
+      Node* row = rows[random.bounded(static_cast<quint32>(rows.size()))];
+      auto* parent = static_cast<Node*>(row->parent());
+      const int last = (parent != nullptr ? parent->childCount() : op_->tree.size()) - 1;
+      switch (random.bounded(12)) {
+        case 0:
+          if (rows.size() > 40 || AssociationTree::isBill(row)) break;
+          model_->beginAddItem(row->node(0), 1, row);
+          op_->tree.insert(0, (random.bounded(3) > 0 ? "n" : "N") + std::to_string(++added), row);
+          model_->endAddItem();
+          break;
+        case 1:
+          if (parent == nullptr || rows.size() < 6) break;
+          for (Node* gone : rows) {
+            for (const proxy::Element* up = gone; up != nullptr; up = up->parent()) {
+              if (up == row) plain.erase(gone);
+            }
+          }
+          model_->beginDelItem(row, 1, parent);
+          op_->tree.remove(row->row(), 1, parent);
+          model_->endDelItem();
+          break;
+        case 2:
+          if (row->row() == last) break;
+          model_->beginMoveDownItem(row, parent);
+          op_->tree.move(row->row(), row->row() + 1, parent);
+          model_->endMoveDownItem();
+          break;
+        case 3:
+          model_->reorder(
+              [descending = random.bounded(2) > 0](proxy::Element* a, proxy::Element* b) {
+                const bool less = static_cast<Node*>(a)->name() < static_cast<Node*>(b)->name();
+                return descending ? !less && a != b : less;
+              });
+          break;
+        default: {
+          const bool on = random.bounded(3) > 0;
+          model_->clickedStat(row, on);
+          if (on && plain.insert(row).second) {
+            if (parent != nullptr && complete(parent)) plain.insert(parent);
+          } else if (!on && plain.erase(row) > 0) {
+            plain.erase(parent);
+          }
+        }
+      }
+      std::size_t bills = 0;
+      for (Node* node : op_->tree.all()) {
+        QCOMPARE(model_->isSelected(node, false), plain.count(node) > 0);
+        if (AssociationTree::isBill(node)) bills += plain.count(node);
+      }
+      Elements chosen;
+      model_->getAllChoosedBills(chosen);
+      QCOMPARE(chosen.size(), bills);
+      QVERIFY(std::is_sorted(chosen.begin(), chosen.end(), [this](auto* a, auto* b) {
+        return model_->makeIndex(a, 0) < model_->makeIndex(b, 0);
+      }));
+    }
+  }
+
+  void settingACheckStateReachesUpAndDown() {
+    check("B");
+    QCOMPARE(checked(), QString("B b1 C c1 c2"));
+    check("a1");
+    check("a2");
+    check("a3");
+    QCOMPARE(checked(), QString("U A a1 a2 a3 B b1 C c1 c2"));  // two floors up, too
+    check("c2", false);
+    QCOMPARE(checked(), QString("A a1 a2 a3 b1 c1"));
+    check("U");
+    check("U", false);
+    QCOMPARE(checked(), QString());
+    QVERIFY(!model_->setData(box("a1"), "x", Qt::EditRole));
+    QVERIFY(!model_->setData(model_->makeIndex(at("a1"), 1), Qt::Checked, Qt::CheckStateRole));
+    QVERIFY(!model_->setData({}, Qt::Checked, Qt::CheckStateRole));
+  }
+
+  void resetChecksWhatIsAssociated() {
+    op_->associated = {"a2", "c1", "c2"};
+    check("a1");
+    model_->resetModel();
+    QCOMPARE(checked(), QString("a2 C c1 c2"));
+    proxy::Element* item = at("a1");
+    model_->setBaseResItem({item});
+    QVERIFY(op_->baseItems == Elements{item});
+    QCOMPARE(checked(), QString());
+    check("a1");
+    model_->setSubProject(item);
+    QCOMPARE(op_->subProject, item);
+    QCOMPARE(checked(), QString());
+
+    tests::FakeLeftOperator leftOperator;
+    gui::qce::QCEAssociationBillLeftModelImpl left;
+    tests::attachTester(&left);
+    left.setDisplayTable(&leftOperator.table);
+    left.setOperator(&leftOperator);
+    left.setSubProject(item);
+    QCOMPARE(leftOperator.subProject, item);
+    QSignalSpy resets(&left, &QAbstractItemModel::modelReset);
+    left.resetModel();
+    QCOMPARE(resets.size(), 1);
+    QVERIFY(!left.setData(left.index(0, 0), "x", Qt::EditRole));
+    QCOMPARE(left.index(0, 0).data(Qt::ToolTipRole).toString(), QString("清单U"));
+  }
+
+  void marksGoToTheHost() {
+    op_->associated = {"a2", "b1"};
+    model_->resetModel();
+    check("a2", false);
+    check("a3");
+    check("c1");
+    QVERIFY(filter_->associationBill(true));
+    QCOMPARE(op_->asked, std::string("+a3,c1 -a2 unify"));
+    op_->accept = false;
+    QVERIFY(!filter_->associationBill(false));
+    check("C");
+    QVERIFY(!filter_->associationGroup());
+    QCOMPARE(op_->asked, std::string("+c1,c2 -"));
+    QCOMPARE(checked(), QString("a3 B b1 C c1 c2"));  // a refusal leaves the marks
+  }
+
+  void showsNumbersOfBillsAlone() {
+    const int amount = model_->getColumnIndex(domain::keys::SEAmount);
+    QCOMPARE(model_->makeIndex(at("a1"), amount).data().toString(), QString("1.50"));
+    QCOMPARE(model_->makeIndex(at("a2"), amount).data().toString(), QString("1.500"));
+    QVERIFY(!model_->makeIndex(at("A"), amount).data().isValid());
+    QVERIFY(!model_->makeIndex(at("a1"), 1).data(Qt::CheckStateRole).isValid());
+    QVERIFY(model_->flags(box("a1")).testFlag(Qt::ItemIsUserCheckable));
+    QCOMPARE(model_->getBranch(at("B")).size(), std::size_t(5));
+  }
+
+  void narrowsByTextSectionAndMark_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("section");
+    QTest::addColumn<bool>("selected");
+    QTest::addColumn<QString>("rows");
+    QTest::newRow("all") << ""
+                         << "" << false << "U(A(a1 a2 a3) B(b1 C(c1 c2)))";
+    QTest::newRow("text") << "1"
+                          << "" << false << "U(A(a1) B(b1 C(c1)))";
+    QTest::newRow("no such text") << "9"
+                                  << "" << false << "";
+    QTest::newRow("section") << ""
+                             << "C" << false << "U(B(C(c1 c2)))";
+    QTest::newRow("section above") << ""
+                                   << "B" << false << "U(B(b1 C(c1 c2)))";
+    QTest::newRow("checked") << ""
+                             << "" << true << "U(A(a1 a2) B(C(c2)))";
+    QTest::newRow("checked with text") << "2"
+                                       << "" << true << "U(A(a2) B(C(c2)))";
+    QTest::newRow("all three") << "2"
+                               << "A" << true << "U(A(a2))";
+  }
+
+  void narrowsByTextSectionAndMark() {
+    QFETCH(QString, text);
+    QFETCH(QString, section);
+    QFETCH(bool, selected);
+    QFETCH(QString, rows);
+    for (const char* name : {"a1", "a2", "c2"}) check(name);
+    filter_->filterType(text.toStdString());
+    if (!section.isEmpty()) filter_->setSection(at(section.toStdString()));
+    filter_->filterType(selected);
+    QCOMPARE(shown(), rows);
+    QCOMPARE(checked(), QString("a1 a2 c2"));
+    filter_->filterType(std::string());
+    filter_->setSection(nullptr);
+    filter_->filterType(false);
+    QCOMPARE(shown(), QString("U(A(a1 a2 a3) B(b1 C(c1 c2)))"));
+  }
+
+  void checkingASectionReachesShownBillsAlone() {
+    const auto section = [this](const std::string& name) {
+      return filter_->makeIndex(at(name), 0);
+    };
+    filter_->filterType(std::string("1"));
+    QVERIFY(filter_->setData(section("U"), Qt::Checked, Qt::CheckStateRole));
+    QCOMPARE(checked(), QString("a1 b1 c1"));
+    filter_->filterType(std::string());
+    QVERIFY(filter_->setData(section("A"), Qt::Checked, Qt::CheckStateRole));
+    QVERIFY(filter_->setData(section("C"), Qt::Checked, Qt::CheckStateRole));
+    QCOMPARE(checked(), QString("U A a1 a2 a3 B b1 C c1 c2"));
+    filter_->filterType(std::string("2"));
+    QVERIFY(filter_->setData(section("U"), Qt::Unchecked, Qt::CheckStateRole));
+    QCOMPARE(checked(), QString("a1 a3 b1 c1"));
+  }
+
+  void rowsGoAndComeWithTheirMarks() {
+    check("U");
+    filter_->filterType(true);
+    QVERIFY(filter_->setData(filter_->makeIndex(at("B"), 0), Qt::Unchecked, Qt::CheckStateRole));
+    QCOMPARE(shown(), QString("U(A(a1 a2 a3))"));
+    filter_->clickedStat(at("a2"), false);
+    QCOMPARE(shown(), QString("U(A(a1 a3))"));
+    filter_->clickedStat(at("c1"), true);
+    QCOMPARE(shown(), QString("U(A(a1 a3) B(C(c1)))"));
+    filter_->clearChecked();
+    QCOMPARE(shown(), QString());
+    filter_->resetModel();
+    filter_->filterType(false);
+    QCOMPARE(shown(), QString("U(A(a1 a2 a3) B(b1 C(c1 c2)))"));
+  }
+
+  void doesNothingWithoutOperatorOrSource() {
+    Filter orphan(nullptr);
+    Elements out;
+    orphan.setBaseResItem({});
+    orphan.setSubProject(nullptr);
+    orphan.resetModel();
+    orphan.clickedStat(at("a1"), true);
+    orphan.clearChecked();
+    orphan.getAllChoosedBills(out);
+    orphan.filterType(std::string("x"));
+    orphan.filterType(true);
+    QVERIFY(!orphan.associationBill(true) && !orphan.associationGroup());
+    QVERIFY(!orphan.isSelected(at("a1"), true) && orphan.getBranch(at("A")).empty());
+
+    Model empty;
+    empty.resetModel();
+    empty.getAssociationBills(out);
+    empty.getCancelAssociationBills(out);
+    QVERIFY(!empty.associationBill(true) && !empty.associationGroup());
+    QVERIFY(out.empty());
+  }
 
  private:
   using Model = gui::qce::QCEAssociationBillRightModelImpl;
@@ -56,280 +318,6 @@ class AssociationBillModelsTest : public QObject {
   std::unique_ptr<Model> model_;
   std::unique_ptr<Filter> filter_;
 };
-
-void AssociationBillModelsTest::init() {
-  op_ = std::make_unique<FakeRightOperator>();
-  model_ = std::make_unique<Model>();
-  filter_ = std::make_unique<Filter>(model_.get());
-  tests::attachTester(model_.get());
-  tests::attachTester(filter_.get());
-  model_->setDisplayTable(&op_->table);
-  model_->setOperator(op_.get());
-}
-
-void AssociationBillModelsTest::cleanup() {
-  filter_.reset();
-  model_.reset();
-  op_.reset();
-}
-
-void AssociationBillModelsTest::parentsFollowTheirChildren() {
-  QSignalSpy changes(model_.get(), &QAbstractItemModel::dataChanged);
-  model_->clickedStat(at("a1"), true);
-  model_->clickedStat(at("a2"), true);
-  QCOMPARE(checked(), QString("a1 a2"));
-  model_->clickedStat(at("a3"), true);
-  QCOMPARE(checked(), QString("A a1 a2 a3"));
-  QCOMPARE(changes.size(), 3);  // the row alone, not what follows from it
-  QCOMPARE(changes.last().at(0).toModelIndex(), box("a3"));
-  QCOMPARE(changes.last().at(2).value<QVector<int>>(), QVector<int>{Qt::CheckStateRole});
-  model_->clickedStat(at("a3"), true);
-  model_->clickedStat(at("b1"), false);
-  QCOMPARE(changes.size(), 3);
-  model_->clickedStat(at("a1"), false);
-  QCOMPARE(checked(), QString("a2 a3"));
-  // A section alone takes nothing along; one without rows counts as complete.
-  model_->clickedStat(at("B"), true);
-  QCOMPARE(checked(), QString("a2 a3 B"));
-  QVERIFY(!model_->isSelected(at("U"), false) && model_->isSelected(at("U"), true));
-  QVERIFY(!model_->isSelected(at("C"), true) && !model_->isSelected(nullptr, true));
-  model_->clickedStat(nullptr, true);
-  model_->clearChecked();
-  QCOMPARE(checked(), QString());
-}
-
-// Every way to change marks and rows, against a set of elements that follows the same rules.
-void AssociationBillModelsTest::marksMatchAPlainSet() {
-  QRandomGenerator random(4711);
-  std::set<const Node*> plain;
-  int added = 0;
-  const auto complete = [&plain](const Node* parent) {
-    for (int i = 0; i < parent->childCount(); ++i) {
-      if (plain.count(parent->node(i)) == 0) return false;
-    }
-    return true;
-  };
-  for (int step = 0; step < 3000; ++step) {
-    const std::vector<Node*> rows = op_->tree.all();
-    Node* row = rows[random.bounded(static_cast<quint32>(rows.size()))];
-    auto* parent = static_cast<Node*>(row->parent());
-    const int last = (parent != nullptr ? parent->childCount() : op_->tree.size()) - 1;
-    switch (random.bounded(12)) {
-      case 0:
-        if (rows.size() > 40 || AssociationTree::isBill(row)) break;
-        model_->beginAddItem(row->node(0), 1, row);
-        op_->tree.insert(0, (random.bounded(3) > 0 ? "n" : "N") + std::to_string(++added), row);
-        model_->endAddItem();
-        break;
-      case 1:
-        if (parent == nullptr || rows.size() < 6) break;
-        for (Node* gone : rows) {
-          for (const proxy::Element* up = gone; up != nullptr; up = up->parent()) {
-            if (up == row) plain.erase(gone);
-          }
-        }
-        model_->beginDelItem(row, 1, parent);
-        op_->tree.remove(row->row(), 1, parent);
-        model_->endDelItem();
-        break;
-      case 2:
-        if (row->row() == last) break;
-        model_->beginMoveDownItem(row, parent);
-        op_->tree.move(row->row(), row->row() + 1, parent);
-        model_->endMoveDownItem();
-        break;
-      case 3:
-        model_->reorder([descending = random.bounded(2) > 0](proxy::Element* a, proxy::Element* b) {
-          const bool less = static_cast<Node*>(a)->name() < static_cast<Node*>(b)->name();
-          return descending ? !less && a != b : less;
-        });
-        break;
-      default: {
-        const bool on = random.bounded(3) > 0;
-        model_->clickedStat(row, on);
-        if (on && plain.insert(row).second) {
-          if (parent != nullptr && complete(parent)) plain.insert(parent);
-        } else if (!on && plain.erase(row) > 0) {
-          plain.erase(parent);
-        }
-      }
-    }
-    std::size_t bills = 0;
-    for (Node* node : op_->tree.all()) {
-      QCOMPARE(model_->isSelected(node, false), plain.count(node) > 0);
-      if (AssociationTree::isBill(node)) bills += plain.count(node);
-    }
-    Elements chosen;
-    model_->getAllChoosedBills(chosen);
-    QCOMPARE(chosen.size(), bills);
-    QVERIFY(std::is_sorted(chosen.begin(), chosen.end(), [this](auto* a, auto* b) {
-      return model_->makeIndex(a, 0) < model_->makeIndex(b, 0);
-    }));
-  }
-}
-
-void AssociationBillModelsTest::settingACheckStateReachesUpAndDown() {
-  check("B");
-  QCOMPARE(checked(), QString("B b1 C c1 c2"));
-  check("a1");
-  check("a2");
-  check("a3");
-  QCOMPARE(checked(), QString("U A a1 a2 a3 B b1 C c1 c2"));  // two floors up, too
-  check("c2", false);
-  QCOMPARE(checked(), QString("A a1 a2 a3 b1 c1"));
-  check("U");
-  check("U", false);
-  QCOMPARE(checked(), QString());
-  QVERIFY(!model_->setData(box("a1"), "x", Qt::EditRole));
-  QVERIFY(!model_->setData(model_->makeIndex(at("a1"), 1), Qt::Checked, Qt::CheckStateRole));
-  QVERIFY(!model_->setData({}, Qt::Checked, Qt::CheckStateRole));
-}
-
-void AssociationBillModelsTest::resetChecksWhatIsAssociated() {
-  op_->associated = {"a2", "c1", "c2"};
-  check("a1");
-  model_->resetModel();
-  QCOMPARE(checked(), QString("a2 C c1 c2"));
-  proxy::Element* item = at("a1");
-  model_->setBaseResItem({item});
-  QVERIFY(op_->baseItems == Elements{item});
-  QCOMPARE(checked(), QString());
-  check("a1");
-  model_->setSubProject(item);
-  QCOMPARE(op_->subProject, item);
-  QCOMPARE(checked(), QString());
-
-  tests::FakeLeftOperator leftOperator;
-  gui::qce::QCEAssociationBillLeftModelImpl left;
-  tests::attachTester(&left);
-  left.setDisplayTable(&leftOperator.table);
-  left.setOperator(&leftOperator);
-  left.setSubProject(item);
-  QCOMPARE(leftOperator.subProject, item);
-  QSignalSpy resets(&left, &QAbstractItemModel::modelReset);
-  left.resetModel();
-  QCOMPARE(resets.size(), 1);
-  QVERIFY(!left.setData(left.index(0, 0), "x", Qt::EditRole));
-  QCOMPARE(left.index(0, 0).data(Qt::ToolTipRole).toString(), QString("清单U"));
-}
-
-void AssociationBillModelsTest::marksGoToTheHost() {
-  op_->associated = {"a2", "b1"};
-  model_->resetModel();
-  check("a2", false);
-  check("a3");
-  check("c1");
-  QVERIFY(filter_->associationBill(true));
-  QCOMPARE(op_->asked, std::string("+a3,c1 -a2 unify"));
-  op_->accept = false;
-  QVERIFY(!filter_->associationBill(false));
-  check("C");
-  QVERIFY(!filter_->associationGroup());
-  QCOMPARE(op_->asked, std::string("+c1,c2 -"));
-  QCOMPARE(checked(), QString("a3 B b1 C c1 c2"));  // a refusal leaves the marks
-}
-
-void AssociationBillModelsTest::showsNumbersOfBillsAlone() {
-  const int amount = model_->getColumnIndex(domain::keys::SEAmount);
-  QCOMPARE(model_->makeIndex(at("a1"), amount).data().toString(), QString("1.50"));
-  QCOMPARE(model_->makeIndex(at("a2"), amount).data().toString(), QString("1.500"));
-  QVERIFY(!model_->makeIndex(at("A"), amount).data().isValid());
-  QVERIFY(!model_->makeIndex(at("a1"), 1).data(Qt::CheckStateRole).isValid());
-  QVERIFY(model_->flags(box("a1")).testFlag(Qt::ItemIsUserCheckable));
-  QCOMPARE(model_->getBranch(at("B")).size(), std::size_t(5));
-}
-
-void AssociationBillModelsTest::narrowsByTextSectionAndMark_data() {
-  QTest::addColumn<QString>("text");
-  QTest::addColumn<QString>("section");
-  QTest::addColumn<bool>("selected");
-  QTest::addColumn<QString>("rows");
-  QTest::newRow("all") << ""
-                       << "" << false << "U(A(a1 a2 a3) B(b1 C(c1 c2)))";
-  QTest::newRow("text") << "1"
-                        << "" << false << "U(A(a1) B(b1 C(c1)))";
-  QTest::newRow("no such text") << "9"
-                                << "" << false << "";
-  QTest::newRow("section") << ""
-                           << "C" << false << "U(B(C(c1 c2)))";
-  QTest::newRow("section above") << ""
-                                 << "B" << false << "U(B(b1 C(c1 c2)))";
-  QTest::newRow("checked") << ""
-                           << "" << true << "U(A(a1 a2) B(C(c2)))";
-  QTest::newRow("checked with text") << "2"
-                                     << "" << true << "U(A(a2) B(C(c2)))";
-  QTest::newRow("all three") << "2"
-                             << "A" << true << "U(A(a2))";
-}
-
-void AssociationBillModelsTest::narrowsByTextSectionAndMark() {
-  QFETCH(QString, text);
-  QFETCH(QString, section);
-  QFETCH(bool, selected);
-  QFETCH(QString, rows);
-  for (const char* name : {"a1", "a2", "c2"}) check(name);
-  filter_->filterType(text.toStdString());
-  if (!section.isEmpty()) filter_->setSection(at(section.toStdString()));
-  filter_->filterType(selected);
-  QCOMPARE(shown(), rows);
-  QCOMPARE(checked(), QString("a1 a2 c2"));
-  filter_->filterType(std::string());
-  filter_->setSection(nullptr);
-  filter_->filterType(false);
-  QCOMPARE(shown(), QString("U(A(a1 a2 a3) B(b1 C(c1 c2)))"));
-}
-
-void AssociationBillModelsTest::checkingASectionReachesShownBillsAlone() {
-  const auto section = [this](const std::string& name) { return filter_->makeIndex(at(name), 0); };
-  filter_->filterType(std::string("1"));
-  QVERIFY(filter_->setData(section("U"), Qt::Checked, Qt::CheckStateRole));
-  QCOMPARE(checked(), QString("a1 b1 c1"));
-  filter_->filterType(std::string());
-  QVERIFY(filter_->setData(section("A"), Qt::Checked, Qt::CheckStateRole));
-  QVERIFY(filter_->setData(section("C"), Qt::Checked, Qt::CheckStateRole));
-  QCOMPARE(checked(), QString("U A a1 a2 a3 B b1 C c1 c2"));
-  filter_->filterType(std::string("2"));
-  QVERIFY(filter_->setData(section("U"), Qt::Unchecked, Qt::CheckStateRole));
-  QCOMPARE(checked(), QString("a1 a3 b1 c1"));
-}
-
-void AssociationBillModelsTest::rowsGoAndComeWithTheirMarks() {
-  check("U");
-  filter_->filterType(true);
-  QVERIFY(filter_->setData(filter_->makeIndex(at("B"), 0), Qt::Unchecked, Qt::CheckStateRole));
-  QCOMPARE(shown(), QString("U(A(a1 a2 a3))"));
-  filter_->clickedStat(at("a2"), false);
-  QCOMPARE(shown(), QString("U(A(a1 a3))"));
-  filter_->clickedStat(at("c1"), true);
-  QCOMPARE(shown(), QString("U(A(a1 a3) B(C(c1)))"));
-  filter_->clearChecked();
-  QCOMPARE(shown(), QString());
-  filter_->resetModel();
-  filter_->filterType(false);
-  QCOMPARE(shown(), QString("U(A(a1 a2 a3) B(b1 C(c1 c2)))"));
-}
-
-void AssociationBillModelsTest::doesNothingWithoutOperatorOrSource() {
-  Filter orphan(nullptr);
-  Elements out;
-  orphan.setBaseResItem({});
-  orphan.setSubProject(nullptr);
-  orphan.resetModel();
-  orphan.clickedStat(at("a1"), true);
-  orphan.clearChecked();
-  orphan.getAllChoosedBills(out);
-  orphan.filterType(std::string("x"));
-  orphan.filterType(true);
-  QVERIFY(!orphan.associationBill(true) && !orphan.associationGroup());
-  QVERIFY(!orphan.isSelected(at("a1"), true) && orphan.getBranch(at("A")).empty());
-
-  Model empty;
-  empty.resetModel();
-  empty.getAssociationBills(out);
-  empty.getCancelAssociationBills(out);
-  QVERIFY(!empty.associationBill(true) && !empty.associationGroup());
-  QVERIFY(out.empty());
-}
 
 QTEST_GUILESS_MAIN(AssociationBillModelsTest)
 #include "tst_association_bill_models.moc"

@@ -44,6 +44,7 @@ class ProjectFixture {
     app::InstallServices(services);
     return opened_.get();
   }
+  controllers::OpenProject* opened() const { return opened_.get(); }
   void close() {
     app::InstallServices({});
     opened_.reset();

@@ -67,6 +67,10 @@ void ResItemController::itemChanged(records::ResourceItem& item) {
   note(project_.subProject(item.group()->unitWork()));
 }
 
+void ResItemController::bookingChanged(records::ResourceItem& /*item*/) {
+  booked_ = true;
+}
+
 bool ResItemController::isShown(const proxy::Element* element) const {
   const proxy::ElementGroup* root = model_ != nullptr ? model_->getRoot() : nullptr;
   if (root == nullptr) return false;
@@ -116,6 +120,7 @@ void ResItemController::stepFinished() {
       if (model_ == nullptr || isShown(element.get())) elementChanged_(element.get());
     }
   }
+  if (std::exchange(booked_, false) && bookingsChanged_) bookingsChanged_();
   if (totalsChanged_) totalsChanged_();
 }
 

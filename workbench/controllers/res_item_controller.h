@@ -37,6 +37,11 @@ class ResItemController : public abst::qce::QCEResItemController, private record
   void setPooling(NotionalPoolingController* pooling) { pooling_ = pooling; }
   /// What opens the bill association; not owned, null for none.
   void setAssociation(AssociationBillController* association) { association_ = association; }
+  /// Called at the end of each edit, undo and redo that touched bookings, after the above: items
+  /// may have got or lost their association mark.
+  void setBookingsChanged(std::function<void()> callback) {
+    bookingsChanged_ = std::move(callback);
+  }
 
   std::vector<std::pair<std::string, proxy::Element*>> getSubProjects() const override;
   bool moveUp(proxy::Element* item) override;
@@ -48,6 +53,7 @@ class ResItemController : public abst::qce::QCEResItemController, private record
 
  private:
   void itemChanged(records::ResourceItem& item) override;
+  void bookingChanged(records::ResourceItem& item) override;
   void aboutToInsert(records::ResourceGroup& parent, int row) override;
   void inserted() override;
   void aboutToRemove(records::ResourceGroup& parent, int row) override;
@@ -66,9 +72,11 @@ class ResItemController : public abst::qce::QCEResItemController, private record
   AssociationBillController* association_ = nullptr;
   std::function<void(proxy::Element*)> elementChanged_;
   std::function<void()> totalsChanged_;
+  std::function<void()> bookingsChanged_;
   std::vector<scoped_refptr<proxy::Element>> changed_;
   std::unordered_set<proxy::Element*> known_;
   bool rebuild_ = false;
+  bool booked_ = false;
   bool announced_ = false;  // between a begin and its end
 };
 

@@ -90,13 +90,13 @@ std::unique_ptr<domain::DisplayTable> makeAssociationBillTable() {
   header.addColumn(keys::SECode, textField("项目编码")).width = 185;
   header.addColumn(keys::SEName, textField("项目名称")).width = 190;
   header.addColumn(keys::BRIAssociation, textField("已关联")).width = 60;
-  header.addColumn(keys::SEProjFeatures, textField("项目特征")).width = 240;
   header.addColumn(keys::SEUnit, textField("单位")).width = 55;
   domain::DataField quantity = textField("工程量");
   quantity.type = domain::FloatingPointField;
   quantity.precision = costing::MaxQuantityPlaces;
   quantity.stripTrailingZeros = true;
   header.addColumn(keys::SEAmount, std::move(quantity)).width = 95;
+  header.addColumn(keys::SEProjFeatures, textField("项目特征")).width = 260;
   return table;
 }
 

@@ -26,6 +26,7 @@ class ResItemModels {
   ~ResItemModels() {
     controller_.setModel(nullptr);
     controller_.setElementChanged({});
+    controller_.setBookingsChanged({});
   }
   ResItemModels(const ResItemModels&) = delete;
   ResItemModels& operator=(const ResItemModels&) = delete;
@@ -79,6 +80,13 @@ Page makeResItemPage(Session& session) {
   auto* view = new gui::qce::QCEResItemViewImpl;
   view->setController(&session.project().resItemController());
   view->setModel(&models->filter());
+  session.project().resItemController().setBookingsChanged([view, &filter = models->filter()] {
+    if (!filter.filtersByAssociation()) return;
+    const bool empty = filter.rowCount() == 0;
+    filter.invalidate();
+    if (empty) view->expandAll();
+    view->updateView();
+  });
 
   Page page;
   page.key = QStringLiteral("resources");

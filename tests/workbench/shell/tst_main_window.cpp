@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
+#include <QToolButton>
 #include <QTreeView>
 #include <QUndoStack>
 #include <QtTest>
@@ -275,6 +276,31 @@ class MainWindowTest : public QObject {
     QVERIFY2(given->suggested.isEmpty(), "cancelled only after the reading");
     QVERIFY(!QFile::exists(path("新.qcp")));
     QVERIFY(channel_->messages().empty());
+  }
+
+  void theAssociationFilterFollowsBookings() {
+    QVERIFY(window_->openProject(path("甲.qcp")));
+    const auto rows = [this] { return grid()->model()->rowCount(); };
+    driver_.clickCell(grid(), priceCell());
+    QVERIFY(driver_.withPopup([this] { driver_.key(Qt::Key_L, Qt::ControlModifier); },
+                              [this](QWidget* dialog) {
+                                driver_.key(Qt::Key_Space);
+                                driver_.key(Qt::Key_Return, Qt::ControlModifier);
+                                if (dialog->isVisible()) dialog->close();
+                              }));
+    QCOMPARE(window_->session()->undoStack().undoText(), QString("关联清单"));
+    for (auto* button : window_->findChildren<QToolButton*>()) {
+      if (button->text() == "已关联") driver_.click(button);
+    }
+    QCOMPARE(rows(), 1);
+    auto* status = window_->findChild<QLabel*>("ResItem_status");
+    QTRY_VERIFY(status->text().startsWith("显示 1 项"));
+    driver_.key(Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(rows(), 0);
+    QTRY_VERIFY(status->text().startsWith("显示 0 项"));
+    driver_.key(Qt::Key_Y, Qt::ControlModifier);
+    QCOMPARE(rows(), 1);
+    QTRY_VERIFY(status->text().startsWith("显示 1 项"));
   }
 
  private:
