@@ -53,6 +53,24 @@ QByteArray contentOf(const QString& path) {
   return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+/// Pools a part of the first budget item into an item of its unit work other than its home.
+void book(tests::ProjectFixture& fixture) {
+  records::Project& project = fixture.open()->project();
+  {
+    const app::ScopedUndo undo("");
+    records::ResourceItem& item = fixture.item(0, Category::Material, 0);
+    const proxy::Element* at = project.unitWorks().front();
+    while (dynamic_cast<const records::Bill*>(at) == nullptr) at = at->child(0);
+    for (int row = 0; row < at->childCount(); ++row) {
+      auto& from = *static_cast<records::BudgetItem*>(at->child(row));
+      if (from.resourceItem == &item) continue;
+      project.pool(from, item, project.remaining(from) / 3);
+      break;
+    }
+  }
+  fixture.close();
+}
+
 QString lineOf(FailureKind kind) {
   return QString::number(static_cast<int>(kind));
 }
@@ -154,6 +172,31 @@ class ProjectFileTest : public QObject {
     QCOMPARE(QDir(fixture.directory()).entryList(QDir::Files), QStringList{"办公楼.qcp"});
   }
 
+  void opensFilesOfTheFirstVersion() {
+    tests::ProjectFixture fixture;
+    {
+      // The one kind of item that has a quantity of its own.
+      records::Project& project = fixture.open()->project();
+      const app::ScopedUndo undo("");
+      records::ResourceItemData data;
+      data.code = data.name = project.texts.intern("手工");
+      data.quantity = Decimal(7);
+      project.add(*project.unitWorks().front(), data);
+    }
+    const std::string before = fixture.open()->project().dump();
+    fixture.close();
+    tamper(fixture.path(),
+           {"DROP TABLE pooling", "DROP TABLE bill_line",
+            "ALTER TABLE resource_item DROP COLUMN own_quantity",
+            "UPDATE resource_item SET associated = 1 WHERE id % 2 = 0", "PRAGMA user_version = 1"});
+    controllers::OpenProject* opened = fixture.open();
+    QVERIFY2(opened != nullptr, qPrintable(fixture.failure.message));
+    QVERIFY(opened->project().dump() == before);
+    book(fixture);
+    const store::CheckReport report = store::check(fixture.path());
+    QVERIFY2(report.ok(), qPrintable(report.failure.message + report.findings.join('\n')));
+  }
+
   void projectWithoutASourceStartsFromItsTemplate() {
     const QTemporaryDir dir;
     store::NewProject answers;
@@ -206,6 +249,11 @@ class ProjectFileTest : public QObject {
     row("no number", "UPDATE resource_item SET price = '十元'", FailureKind::Damaged, "数值不正确");
     row("huge number", "UPDATE resource_item SET price = '99999999999999999999'",
         FailureKind::Damaged, "超出可计算的范围");
+    row("bookings gone", "DROP TABLE pooling", FailureKind::Damaged, "已损坏");
+    row("booked across unit works",
+        "INSERT INTO bill_line SELECT min(r.id), (SELECT max(id) FROM bill), 1, 0, '1', NULL,"
+        " NULL, '' FROM resource_item r",
+        FailureKind::Damaged, "不在同一单位工程");
     row("unknown category", "UPDATE resource_item SET category = 9", FailureKind::Damaged,
         "取值不正确");
   }
@@ -391,11 +439,29 @@ class ProjectFileTest : public QObject {
     row("fee", "UPDATE fee_item SET amount = '0.01'" + one.arg("fee_item"), "间接费");
     row("declared money", "UPDATE project_fact SET value = '1' WHERE name = 'declared_resources'",
         "申报金额");
+    row("pooled too much", "UPDATE pooling SET quantity = '987654321'", "超过其数量");
+    row("nothing pooled", "UPDATE pooling SET quantity = '0'", "应大于 0");
+    row("pooled backwards", "UPDATE pooling SET quantity = '-1'", "应大于 0");
+    row("pooling gone", "DELETE FROM pooling", "的数量：保存的是");
+    row("budget share",
+        "UPDATE resource_item SET budget_amount = '0.01'"
+        " WHERE id = (SELECT resource_item_id FROM pooling)",
+        "的预算合价");
+    row("quantity of a bill line", "UPDATE bill_line SET coefficient = '3'", "的数量：保存的是");
+    row("coefficient 0", "UPDATE bill_line SET coefficient = '0'", "系数为零");
+    row("price of a bill line", "UPDATE bill_line SET price = '7.5'", "的不含税合价");
+    row("price below 0", "UPDATE bill_line SET price = '-7.5'", "分包单价为负数");
+    row("mark gone", "UPDATE resource_item SET associated = 0", "关联标记");
+    row("mark of nothing", "UPDATE resource_item SET associated = 1", "关联标记");
+    row("own quantity", "UPDATE resource_item SET own_quantity = '5'" + one.arg("resource_item"),
+        "的自有数量");
   }
   void checkFindsWhatWasTamperedWith() {
     QFETCH(QString, statement);
     QFETCH(QString, words);
     tests::ProjectFixture fixture;
+    book(fixture);
+    QVERIFY(store::check(fixture.path()).ok());
     tamper(fixture.path(), {statement});
     const store::CheckReport report = store::check(fixture.path());
     QVERIFY2(report.failure.kind == FailureKind::None, qPrintable(report.failure.message));
