@@ -12,7 +12,6 @@ using costing::PackedDecimal;
 using records::Bill;
 using records::BillLine;
 using records::BudgetItem;
-using records::Category;
 using records::ItemField;
 using records::LineTerms;
 using records::Project;
