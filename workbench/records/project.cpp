@@ -520,8 +520,10 @@ void Project::write(const SetPooling& change, const costing::Decimal& quantity) 
   const costing::Decimal before = bookings_.pooled(budgetItem, *change.into);
   for (const Bookings::Share& share : bookings_.sharesOf(budgetItem)) add(share.item, -share.money);
   bookings_.setPooling(budgetItem, *change.into, quantity);
-  for (const Bookings::Share& share : bookings_.sharesOf(budgetItem)) add(share.item, share.money);
   try {
+    for (const Bookings::Share& share : bookings_.sharesOf(budgetItem)) {
+      add(share.item, share.money);
+    }
     for (const Touched& one : touched) refresh(*one.item, one.budget);
   } catch (...) {
     bookings_.setPooling(budgetItem, *change.into, before);
