@@ -855,6 +855,10 @@ void TreeGridView::keyPressEvent(QKeyEvent* event) {
 }
 
 void TreeGridView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+  // Typing goes on in the cell that was refused, not in the one below it.
+  if (editor != nullptr && editor->property(RefusedProperty).toBool()) {
+    hint = QAbstractItemDelegate::NoHint;
+  }
   switch (hint) {
     case QAbstractItemDelegate::EditNextItem:
     case QAbstractItemDelegate::EditPreviousItem:

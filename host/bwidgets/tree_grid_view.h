@@ -98,6 +98,9 @@ class QCE_HOST_WIDGETS_EXPORT TreeGridView : public QTreeView {
   void openSearchBox();
 
   // Editing.
+  /// A delegate sets this property of an editor to true when the model has refused its text: the
+  /// current cell then stays where it is when the editor closes, to be typed into again.
+  static constexpr char RefusedProperty[] = "bwidgets_refused";
   /// Adds copy, paste and clear to a context menu.
   void addEditActions(QMenu* menu);
 

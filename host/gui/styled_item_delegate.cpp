@@ -185,10 +185,12 @@ void StyledItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* model
     text = typedNumber(text).value_or(QString());
   } else if (index.data(domain::FieldTypeRole).toInt() == domain::BoolField) {
     const std::optional<bool> checked = bwidgets::yesOrNo(text);
-    if (checked) model->setData(index, *checked, Qt::EditRole);
+    const bool taken = checked && model->setData(index, *checked, Qt::EditRole);
+    editor->setProperty(bwidgets::TreeGridView::RefusedProperty, !taken);
     return;
   }
-  model->setData(index, text, Qt::EditRole);
+  const bool taken = model->setData(index, text, Qt::EditRole);
+  editor->setProperty(bwidgets::TreeGridView::RefusedProperty, !taken);
 }
 
 void StyledItemDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,

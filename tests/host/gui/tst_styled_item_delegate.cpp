@@ -140,6 +140,21 @@ class TestStyledItemDelegate : public QObject {
     QTRY_COMPARE(g.text("0.0:price"), QString("100.00"));
   }
 
+  void staysOnACellThatIsRefused() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.op.refuse = true;
+    for (const auto key : {Qt::Key_Return, Qt::Key_Tab}) {
+      g.setCurrent("0.0:price");
+      g.key(Qt::Key_F2);
+      QTest::keyClicks(g.editor(), "7");
+      QTest::keyClick(g.editor(), key);
+      QTRY_VERIFY(g.editor() == nullptr);
+      QCOMPARE(g.current(), QString("0.0:price"));
+      QVERIFY(g.view->hasFocus());
+    }
+  }
+
   void writesOnlyWhatChanged() {
     SampleGrid g;
     g.node(0, 0)->set("price", 1.23456);
