@@ -13,6 +13,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
 #include <algorithm>
@@ -92,6 +93,7 @@ void Tour::walk() {
   step("批量设置单价", &Tour::batchPrice);
   step("批注", &Tour::annotation);
   step("撤销与恢复", &Tour::undoAndRedo);
+  step("关联清单", &Tour::associateBills);
   step("范围", &Tour::subProject);
   step("缩放", &Tour::zoom);
   step("重新打开", &Tour::reopen);
@@ -162,6 +164,13 @@ void Tour::clickAction(const QString& text) {
     driver_.click(button);
     return;
   }
+}
+
+void Tour::clickButton(const QString& text, QWidget* in) {
+  for (QPushButton* button : in->findChildren<QPushButton*>()) {
+    if (button->text() == text) return driver_.click(button);
+  }
+  require(false, "找不到按钮 " + text);
 }
 
 QTreeView* Tour::grid() const {
@@ -484,6 +493,70 @@ void Tour::undoAndRedo() {
   driver_.key(Qt::Key_Y, Qt::ControlModifier);
   op.getComment(item, comment);
   require(stack.index() == steps && comment.find("供应商") != std::string::npos, "批注没有恢复");
+}
+
+void Tour::associateBills() {
+  records::Project& project = window_->session()->project().project();
+  QUndoStack& stack = window_->session()->undoStack();
+  const int steps = stack.index();
+  const std::string before = project.dump();
+  const costing::Decimal budget = project.totals().budget;
+  const QModelIndex cell = items(column(keys::BRIName)).value(0);
+  const scoped_refptr<records::ResourceItem> item(
+      dynamic_cast<records::ResourceItem*>(element(cell)));
+  driver_.clickCell(grid(), cell);
+
+  // The pooling dialog opens when the one before it has gone.
+  bool handedOver = false;
+  QTimer poll;
+  QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
+    QWidget* dialog = QApplication::activeModalWidget();
+    if (dialog == nullptr || !dialog->isVisible() ||
+        dialog->windowTitle() != "选择归集到成本的预算收入工料机") {
+      return;
+    }
+    poll.stop();
+    handedOver = true;
+    auto* rows = find<bwidgets::TreeGridView>("NotionalPooling_tree", dialog);
+    driver_.clickCell(rows, rows->model()->index(0, 0));  // the bill's box, for all below it
+    picture("关联后归集到成本", dialog);
+    clickButton("确定", dialog);
+    if (dialog->isVisible()) static_cast<QDialog*>(dialog)->reject();
+  });
+
+  QString marked;
+  const bool came = driver_.withPopup(
+      [this] { clickAction("关联清单"); },
+      [&](QWidget* dialog) {
+        auto* bills = find<bwidgets::TreeGridView>("AssociationBill_right", dialog);
+        QModelIndex bill = bills->model()->index(0, 0);
+        while (bills->model()->hasChildren(bill)) bill = bills->model()->index(0, 0, bill);
+        marked = bill.data().toString();
+        driver_.clickCell(bills, bill.sibling(bill.row(), 1));
+        driver_.key(Qt::Key_Space);
+        auto* collect = find<QAbstractButton>("AssociationBill_collect", dialog);
+        driver_.click(collect, QPoint(8, collect->height() / 2));
+        picture("关联清单", dialog);
+        poll.start(10);
+        clickButton("确定", dialog);
+        if (dialog->isVisible()) static_cast<QDialog*>(dialog)->reject();
+      });
+  require(came, "“关联清单”没有打开对话框");
+  require(handedOver, "确定后没有弹出归集到成本");
+  require(stack.index() == steps + 2, "关联和归集不是两个撤销步骤");
+  const std::vector<records::Bill*> associated = project.associatedBills(*item);
+  require(
+      associated.size() == 1 && QString::fromStdString(associated.front()->code.str()) == marked,
+      "关联的不是勾选的清单");
+  require(text(item.get(), keys::BRIAssociation) == "√", "没有关联标记");
+  for (int row = 0; row < associated.front()->childCount(); ++row) {
+    const auto& line = static_cast<const records::BudgetItem&>(*associated.front()->child(row));
+    require(project.pooled(line, *item) == project.quantity(line), "没有全部归集到成本");
+  }
+  require(project.totals().budget == budget, "归集后预算合价变了");
+  driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  require(project.dump() == before, "关联和归集没有完全撤销");
 }
 
 void Tour::subProject() {

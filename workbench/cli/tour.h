@@ -58,6 +58,7 @@ class Tour {
   void batchPrice();
   void annotation();
   void undoAndRedo();
+  void associateBills();
   void subProject();
   void zoom();
   void reopen();
@@ -72,6 +73,8 @@ class Tour {
   Widget* find(const QString& name, QWidget* in = nullptr) const;
   QAction* action(const QString& text) const;
   void clickAction(const QString& text);
+  /// The button with this text in a dialog.
+  void clickButton(const QString& text, QWidget* in);
   QTreeView* grid() const;
   int column(const std::string& key) const;
   /// The shown items (not the grouping rows), top to bottom, in the given column.
