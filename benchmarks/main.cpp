@@ -12,6 +12,7 @@
 
 #include "benchmarks/figures.h"
 #include "benchmarks/ours.h"
+#include "benchmarks/pooling.h"
 #include "benchmarks/rows.h"
 #include "benchmarks/stock.h"
 
@@ -213,6 +214,24 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "%s measured\n", label.c_str());
   }
 
+  // Pooling: one bill with many rows, and many bills.
+  const std::vector<std::pair<std::string, int>> billCounts = {
+      {"20 bills", 20}, {"200 bills", 200}, {"2000 bills", 2000}};
+  {
+    Pooling parent(1, 10000);
+    add("pooling-check/ours", 9, [&parent] { return parent.check(); });
+    add("pooling-check/stock", 9, [&parent] { return parent.announce(); });
+    benchmark::RunSpecifiedBenchmarks(&collector, pattern);
+    benchmark::ClearRegisteredBenchmarks();
+    std::vector<std::unique_ptr<Pooling>> projects;
+    for (const auto& [label, bills] : billCounts) {
+      projects.push_back(std::make_unique<Pooling>(bills, 50));
+      add("pooling-open/" + label, 5, [&project = *projects.back()] { return project.open(); });
+    }
+    benchmark::RunSpecifiedBenchmarks(&collector, pattern);
+    benchmark::ClearRegisteredBenchmarks();
+  }
+
   std::vector<Figure> figures;
   const auto compare = [&](const std::string& name, const std::string& what,
                            const std::string& suffix, const std::string& unit, double bound) {
@@ -232,5 +251,12 @@ int main(int argc, char** argv) {
   compare("condition filter, two boxes", "condition", "", "ms", 0.5);
   compare("sort by name (pinyin)", "sort-name", "", "ms", 0.5);
   compare("sort by quantity", "sort-quantity", "", "ms", 0.5);
+  figures.push_back({"check a parent with 10,000 rows (stock: announcements)", "pooling-check/ours",
+                     "pooling-check/stock", "ms", 2.0});
+  for (std::size_t i = 1; i < billCounts.size(); ++i) {
+    figures.push_back({"open the pooling dialog, growth to " + billCounts[i].first,
+                       "pooling-open/" + billCounts[i].first,
+                       "pooling-open/" + billCounts[i - 1].first, "ms", 15});
+  }
   return report(measured, figures) ? 0 : 1;
 }
