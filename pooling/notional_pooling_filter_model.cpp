@@ -41,8 +41,15 @@ void QCENotionalPoolingFilterModelImpl::setCurrentSubEngBill(proxy::Element* bil
 
 bool QCENotionalPoolingFilterModelImpl::filterAcceptsRow(proxy::Element* row) const {
   if (!currentBill_) return true;
-  const auto* op = dynamic_cast<const domain::qce::QCENotionalPoolingOperator*>(getOperator());
-  const proxy::Element* owner = op != nullptr && row != nullptr ? op->getOwningBill(row) : nullptr;
+  const domain::Operator* op = getOperator();
+  if (op == nullptr || row == nullptr) return false;
+  // Asked of every row of every bill: the cast is looked for once for a type.
+  if (operatorType_ == nullptr || *operatorType_ != typeid(*op)) {
+    if (dynamic_cast<const domain::qce::QCENotionalPoolingOperator*>(op) == nullptr) return false;
+    operatorType_ = &typeid(*op);
+  }
+  const proxy::Element* owner =
+      static_cast<const domain::qce::QCENotionalPoolingOperator*>(op)->getOwningBill(row);
   return owner != nullptr && owner->id() == currentBill_->id();
 }
 

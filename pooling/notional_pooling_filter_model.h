@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 #include "framework/instances.h"
@@ -32,6 +33,7 @@ class QCE_EXPORT QCENotionalPoolingFilterModelImpl
 
  private:
   scoped_refptr<proxy::Element> currentBill_;
+  mutable const std::type_info* operatorType_ = nullptr;
 };
 
 }  // namespace gui::qce

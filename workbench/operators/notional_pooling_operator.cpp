@@ -93,9 +93,7 @@ int columnOf(const std::string& key) {
 // What of the budget amount counts in the home of the budget item by its remainder.
 Decimal remainingAmount(const records::Project& project, const records::BudgetItem& item) {
   const Decimal amount = item.amount.value();
-  const Decimal pooled = project.pooled(item);
-  if (pooled.isZero()) return amount;
-  return amount - (amount * pooled / project.quantity(item)).rounded(costing::MoneyPlaces);
+  return amount - costing::shareUpTo(amount, project.quantity(item), project.pooled(item));
 }
 
 const std::string* textOf(const records::Bill& bill, int column) {
@@ -194,6 +192,7 @@ void NotionalPoolingOperator::setSubEngineerBills(std::vector<proxy::Element*>& 
     auto* bill = dynamic_cast<records::Bill*>(element);
     if (bill == nullptr) continue;
     scoped_refptr<BillRow> row(new BillRow(*bill));
+    row->rows().reserve(bill->childCount());
     for (int i = 0; i < bill->childCount(); ++i) {
       auto& item = static_cast<records::BudgetItem&>(*bill->child(i));
       const Decimal remaining = project_.remaining(item);
