@@ -17,6 +17,7 @@
 #include <QToolButton>
 #include <QTreeView>
 #include <algorithm>
+#include <set>
 
 #include "framework/des_filter_view.h"
 #include "host/base/pinyin.h"
@@ -62,6 +63,11 @@ void collect(const QAbstractItemModel& model, const QModelIndex& parent, int col
   }
 }
 
+void collectBudget(proxy::Element& node, std::vector<records::BudgetItem*>& into) {
+  if (auto* line = dynamic_cast<records::BudgetItem*>(&node)) into.push_back(line);
+  for (int row = 0; row < node.childCount(); ++row) collectBudget(*node.child(row), into);
+}
+
 }  // namespace
 
 Tour::Tour(const QString& project, const QString& scratch, const QString& pictures)
@@ -93,6 +99,7 @@ void Tour::walk() {
   step("批量设置单价", &Tour::batchPrice);
   step("批注", &Tour::annotation);
   step("撤销与恢复", &Tour::undoAndRedo);
+  step("归集到成本", &Tour::poolResources);
   step("关联清单", &Tour::associateBills);
   step("范围", &Tour::subProject);
   step("缩放", &Tour::zoom);
@@ -493,6 +500,142 @@ void Tour::undoAndRedo() {
   driver_.key(Qt::Key_Y, Qt::ControlModifier);
   op.getComment(item, comment);
   require(stack.index() == steps && comment.find("供应商") != std::string::npos, "批注没有恢复");
+}
+
+void Tour::poolResources() {
+  records::Project& project = window_->session()->project().project();
+  QUndoStack& stack = window_->session()->undoStack();
+  const int steps = stack.index();
+  const std::string before = project.dump();
+  const costing::Decimal budget = project.totals().budget;
+  const QModelIndex cell = items(column(keys::BRIName)).value(0);
+  const scoped_refptr<records::ResourceItem> item(
+      dynamic_cast<records::ResourceItem*>(element(cell)));
+  records::StructureNode* unitWork = project.unitWorkOf(*item);
+  const QString totals = find<QLabel>("totalsText")->text();
+
+  // A resource that several bills use, in a bill that uses another one, too.
+  std::vector<records::BudgetItem*> lines;
+  collectBudget(*unitWork, lines);
+  const auto bills = [&](const records::BudgetItem& of) {
+    std::set<const records::Bill*> found;
+    for (const records::BudgetItem* line : lines) {
+      if (project.sameResource(of, *line)) found.insert(&project.billOf(*line));
+    }
+    return found.size();
+  };
+  const records::BudgetItem* whole = nullptr;
+  const records::BudgetItem* part = nullptr;
+  for (std::size_t i = 0; i + 1 < lines.size() && part == nullptr; ++i) {
+    if (&project.billOf(*lines[i]) != &project.billOf(*lines[i + 1]) || bills(*lines[i]) < 3 ||
+        lines[i]->resourceItem == item.get() || project.sameResource(*lines[i], *lines[i + 1])) {
+      continue;
+    }
+    whole = lines[i];
+    part = lines[i + 1];
+  }
+  require(part != nullptr, "没有三个清单共用的预算工料机");
+  const costing::Decimal half =
+      (project.quantity(*part) / costing::Decimal(2)).rounded(costing::MaxQuantityPlaces);
+  const auto rowOf = [](QAbstractItemView* rows, const records::BudgetItem& line, const char* key) {
+    const auto& view = dynamic_cast<const gui::ViewModel&>(*rows->model());
+    const int column = view.getColumnIndex(key);
+    const QModelIndex top = rows->model()->index(0, 0);
+    for (int row = 0; row < rows->model()->rowCount(top); ++row) {
+      const QModelIndex at = rows->model()->index(row, column, top);
+      if (view.getInternalData(at)->id() == line.id()) return at;
+    }
+    return QModelIndex();
+  };
+  const auto choose = [&](QWidget* dialog, const records::Bill& bill) {
+    auto* list = find<QListWidget>("NotionalPooling_bills", dialog);
+    const QString code = QString::fromStdString(bill.code.str());
+    for (int row = 0; row < list->count(); ++row) {
+      if (!list->item(row)->text().startsWith(code)) continue;
+      list->scrollToItem(list->item(row));
+      driver_.click(list->viewport(), list->visualItemRect(list->item(row)).center());
+      return;
+    }
+    require(false, "没有列出清单 " + code);
+  };
+
+  driver_.clickCell(grid(), cell);
+  const bool came = driver_.withPopup(
+      [this] { clickAction("归集到成本"); },
+      [&](QWidget* dialog) {
+        auto* rows = find<bwidgets::TreeGridView>("NotionalPooling_tree", dialog);
+        choose(dialog, project.billOf(*whole));
+        driver_.clickCell(rows, rowOf(rows, *whole, "QCE_NPChoose"));
+        driver_.clickCell(rows, rowOf(rows, *part, "QCE_NPChoose"));
+        const QModelIndex quantity = rowOf(rows, *part, "QCE_NPCollectionAmount");
+        const QString shown = quantity.data().toString();
+        driver_.doubleClickCell(rows, quantity);
+        driver_.key(Qt::Key_A, Qt::ControlModifier);
+        driver_.type("999999999");
+        driver_.key(Qt::Key_Return);
+        Driver::wait(0);
+        require(channel_->messages().size() == 1 &&
+                    channel_->messages().front().text == "超过最大可归集数量，请重新输入！",
+                "没有拒绝过大的归集数量");
+        channel_->clear();
+        require(quantity.data().toString() == shown, "拒绝之后归集数量变了");
+        driver_.doubleClickCell(rows, quantity);
+        driver_.key(Qt::Key_A, Qt::ControlModifier);
+        driver_.type(QString::fromStdString(half.toString()));
+        driver_.key(Qt::Key_Return);
+        Driver::wait(0);
+        require(dialog->isVisible(), "回车关闭了对话框");
+        picture("归集到成本", dialog);
+        clickButton("应用到其他清单", dialog);
+        for (const records::BudgetItem* line : lines) {
+          if (!project.sameResource(*line, *whole)) continue;
+          choose(dialog, project.billOf(*line));
+          require(rowOf(rows, *line, "QCE_NPChoose").data(Qt::CheckStateRole).toInt() == 2,
+                  "没有应用到其他清单");
+        }
+        picture("应用到其他清单", dialog);
+        clickButton("确定", dialog);
+        if (dialog->isVisible()) static_cast<QDialog*>(dialog)->reject();
+      });
+  require(came, "“归集到成本”没有打开对话框");
+  require(stack.index() == steps + 1, "归集不是一个撤销步骤");
+  for (const records::BudgetItem* line : lines) {
+    const bool chosen = project.sameResource(*line, *whole) || project.sameResource(*line, *part);
+    const costing::Decimal wanted = line == part ? half
+                                    : chosen     ? project.quantity(*line)
+                                                 : costing::Decimal();
+    require(project.pooled(*line, *item) == wanted, "归集的数量不对");
+  }
+  require(text(item.get(), keys::BRIAssociation) == "√", "没有关联标记");
+  require(project.totals().budget == budget, "归集后预算合价变了");
+  costing::Decimal quantity;
+  for (const records::BillLine& line : project.linesOf(*item)) quantity += line.costQuantity;
+  require(costing::storedQuantity(quantity, item->unit().str()) == item->quantity().value(),
+          "成本工料机的数量不是归集之和");
+  require(cell.sibling(cell.row(), column(keys::BRIAmount)).data().toDouble() ==
+              item->quantity().toDouble(),
+          "页面没有显示新的数量");
+  const auto* shownTotals = find<QLabel>("totalsText");
+  require(Driver::waitUntil([&] { return shownTotals->text() != totals; }), "状态栏没有更新");
+  picture("归集之后");
+
+  // What is pooled is no longer offered; what is left of the other one is.
+  driver_.withPopup(
+      [this] { clickAction("归集到成本"); },
+      [&](QWidget* dialog) {
+        auto* rows = find<bwidgets::TreeGridView>("NotionalPooling_tree", dialog);
+        choose(dialog, project.billOf(*whole));
+        require(!rowOf(rows, *whole, "QCE_NPAmount").isValid(), "已归集的仍然列出");
+        require(rowOf(rows, *part, "QCE_NPAmount").data().toDouble() ==
+                    (project.quantity(*part) - half).rounded(costing::MaxQuantityPlaces).toDouble(),
+                "剩余可归集数量不对");
+        driver_.key(Qt::Key_Escape);
+        if (dialog->isVisible()) static_cast<QDialog*>(dialog)->reject();
+      });
+  require(stack.index() == steps + 1, "取消之后仍然归集了");
+  driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  require(project.dump() == before, "归集没有完全撤销");
+  require(Driver::waitUntil([&] { return shownTotals->text() == totals; }), "撤销后状态栏没有恢复");
 }
 
 void Tour::associateBills() {

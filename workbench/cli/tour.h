@@ -58,6 +58,7 @@ class Tour {
   void batchPrice();
   void annotation();
   void undoAndRedo();
+  void poolResources();
   void associateBills();
   void subProject();
   void zoom();
