@@ -5,6 +5,8 @@
 #include <QSet>
 #include <QtTest>
 
+#include "tests/support/rows.h"
+
 // The folders are the layers of the system: what a file includes must lie below its own folder.
 
 namespace {
@@ -190,37 +192,34 @@ class TestIncludes : public QObject {
   }
 
   void findsAPlantedOffence_data() {
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("expected");  // empty when the include is right
-    const auto row = [](const char* name, const char* path, const char* text,
-                        const char* expected) { QTest::newRow(name) << path << text << expected; };
-    row("up", "host/base/log.h", "\n#include \"host/domain/value.h\"",
-        "host/base/log.h:2: host/domain/value.h: host/domain does not lie below host/base");
+    const tests::Rows<QString, QString, QString> row;
+    const auto offends = [&row](const char* name, const QString& path, const QString& target,
+                                const char* why) {
+      const bool quoted = target.contains('/') && target.endsWith(".h");
+      row(name, path, QString(quoted ? "\n # include \"%1\"" : "\n#include <%1>").arg(target),
+          QString("%1:2: %2: %3").arg(path, target, why));
+    };
+    offends("up", "host/base/log.h", "host/domain/value.h",
+            "host/domain does not lie below host/base");
+    offends("into the workbench", "project/a.cpp", "workbench/shell/session.h",
+            "workbench/shell does not lie below project");
+    offends("sideways", "engineering/a.h", "pooling/dialog.h",
+            "pooling does not lie below engineering");
+    offends("Qt in the contract", "host/abst/qce/a.h", "QString", "host/abst is kept free of Qt");
+    offends("Qt by module", "host/app/a.h", "QtCore/QString", "host/app is kept free of Qt");
+    offends("Qt by file", "workbench/records/a.h", "qglobal.h",
+            "workbench/records is kept free of Qt");
+    offends("SQL in a page", "resitem/a.cpp", "QSqlQuery", "resitem is kept free of SQL");
+    offends("SQL in arithmetic", "workbench/costing/a.h", "sqlite3.h",
+            "workbench/costing is kept free of SQL");
+    offends("arithmetic on the contract", "workbench/costing/a.h", "host/base/log.h",
+            "host/base does not lie below workbench/costing");
+    offends("export header from above", "host/gui/a.h", "qce_export.h",
+            "belongs to a layer above host/gui");
+    offends("relative", "resitem/a.h", "../pooling/dialog.h",
+            "names no folder of the plan; write it from the repository root");
     row("up, in angle brackets", "framework/a.h", "#include <resitem/model.h>",
         "framework/a.h:1: resitem/model.h: resitem does not lie below framework");
-    row("into the workbench", "project/a.cpp", " # include \"workbench/shell/main_window.h\"",
-        "project/a.cpp:1: workbench/shell/main_window.h: workbench/shell does not lie below "
-        "project");
-    row("sideways", "engineering/a.h", "#include \"pooling/dialog.h\"",
-        "engineering/a.h:1: pooling/dialog.h: pooling does not lie below engineering");
-    row("Qt in the contract", "host/abst/qce/a.h", "#include <QString>",
-        "host/abst/qce/a.h:1: QString: host/abst is kept free of Qt");
-    row("Qt by module", "host/app/a.h", "#include <QtCore/QString>",
-        "host/app/a.h:1: QtCore/QString: host/app is kept free of Qt");
-    row("Qt by file", "workbench/records/a.h", "#include <qglobal.h>",
-        "workbench/records/a.h:1: qglobal.h: workbench/records is kept free of Qt");
-    row("SQL in a page", "resitem/a.cpp", "#include <QSqlQuery>",
-        "resitem/a.cpp:1: QSqlQuery: resitem is kept free of SQL");
-    row("SQL in arithmetic", "workbench/costing/a.h", "#include <sqlite3.h>",
-        "workbench/costing/a.h:1: sqlite3.h: workbench/costing is kept free of SQL");
-    row("arithmetic on the contract", "workbench/costing/a.h", "#include \"host/base/log.h\"",
-        "workbench/costing/a.h:1: host/base/log.h: host/base does not lie below workbench/costing");
-    row("export header from above", "host/gui/a.h", "#include \"qce_export.h\"",
-        "host/gui/a.h:1: qce_export.h: belongs to a layer above host/gui");
-    row("relative", "resitem/a.h", "#include \"../pooling/dialog.h\"",
-        "resitem/a.h:1: ../pooling/dialog.h: names no folder of the plan; write it from the "
-        "repository root");
     row("unknown folder", "helpers/a.h", "", "helpers/a.h: lies in no folder of the plan");
     row("down", "resitem/page.cpp",
         "#include <QTimer>\n#include <vector>\n#include \"resitem/page.h\"\n"
@@ -230,9 +229,7 @@ class TestIncludes : public QObject {
     row("not an include", "host/base/a.h", "// see #include <QString>\n#define QString", "");
   }
   void findsAPlantedOffence() {
-    QFETCH(QString, path);
-    QFETCH(QString, text);
-    QFETCH(QString, expected);
+    const auto [path, text, expected] = tests::fetch<QString, QString, QString>();
     QCOMPARE(offences(path, text).join('\n'), expected);
   }
 

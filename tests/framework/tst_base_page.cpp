@@ -152,13 +152,12 @@ class TestBasePage : public QObject {
   }
 
   void freezesUpToTheLeadingKeyColumn_data() {
-    const tests::Rows<QString, int> row{"first", "count"};
+    const tests::Rows<QString, int> row;
     row("first key", "QCE_BRIName", 2);
     row("second key", "unknown", 1);
   }
   void freezesUpToTheLeadingKeyColumn() {
-    QFETCH(QString, first);
-    QFETCH(int, count);
+    const auto [first, count] = tests::fetch<QString, int>();
     Table table;
     Page page(first.toStdString());
     page.setModel(&table.filter);

@@ -43,16 +43,13 @@ class TestDesFilterView : public QObject {
 
  private slots:
   void labelsItsBoxesByViewType_data() {
-    const tests::Rows<int, QString, QString, bool> row{"type", "fourthLabel", "absentLabel",
-                                                       "checkBoxes"};
+    const tests::Rows<int, QString, QString, bool> row;
     row("sub-engineering", 0, "项目特征:", "规格型号:", true);
     row("resource items", 1, "规格型号:", "项目特征:", false);
   }
   void labelsItsBoxesByViewType() {
-    QFETCH(int, type);
-    QFETCH(QString, fourthLabel);
-    QFETCH(QString, absentLabel);
-    QFETCH(bool, checkBoxes);
+    const auto [type, fourthLabel, absentLabel, checkBoxes] =
+        tests::fetch<int, QString, QString, bool>();
     DesFilterView panel(static_cast<DesFilterView::ViewType>(type), nullptr);
     panel.show();
     const QStringList labels{"成本科目:", "编  码:", "名  称:", fourthLabel, "单  位:"};
@@ -130,33 +127,22 @@ class TestDesFilterView : public QObject {
     QCOMPARE(confirmed.count(), 0);
   }
 
-  void letsNoSpaceThrough() {
+  void keepsSpacesAndPassesOtherKeysOn() {
     Page page;
     auto* panel = new DesFilterView(DesFilterView::SubEngineering, &page);
     QSignalSpy started(panel->startButton(), &QPushButton::clicked);
+    QSignalSpy siblings(panel->showSiblingBox(), &QCheckBox::stateChanged);
     QTest::keyClick(panel, Qt::Key_Space);
-    QVERIFY(page.keys.isEmpty());
-    QCOMPARE(started.count(), 0);
     QVERIFY(conditions(*panel) == std::vector<std::string>(5));
-  }
-
-  void typesASpaceIntoABoxAndTogglesAFocusedCheckBox() {
-    Page page;
-    auto* panel = new DesFilterView(DesFilterView::SubEngineering, &page);
     QTest::keyClicks(box(*panel, "名  称:"), "C30 P6");
     QCOMPARE(panel->getName(), std::string("C30 P6"));
-    QSignalSpy siblings(panel->showSiblingBox(), &QCheckBox::stateChanged);
     QTest::keyClick(panel->showSiblingBox(), Qt::Key_Space);
     QTest::keyClick(panel->showSiblingBox(), Qt::Key_Space);
     QCOMPARE(siblings.count(), 2);
     QCOMPARE(siblings[0][0].toInt(), 2);
     QCOMPARE(siblings[1][0].toInt(), 0);
     QVERIFY(page.keys.isEmpty());
-  }
-
-  void passesOtherKeysOn() {
-    Page page;
-    auto* panel = new DesFilterView(DesFilterView::SubEngineering, &page);
+    QCOMPARE(started.count(), 0);
     QTest::keyClick(panel, Qt::Key_Escape);
     QTest::keyClick(box(*panel, "编  码:"), Qt::Key_F3);
     QCOMPARE(page.keys, (QList<int>{Qt::Key_Escape, Qt::Key_F3}));

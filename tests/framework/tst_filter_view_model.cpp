@@ -39,14 +39,6 @@ class Filter : public gui::TFilterViewModel<AnyFilter> {
   }
 };
 
-domain::DataField typed(int type, std::optional<int> precision = {}, bool thousands = false) {
-  domain::DataField field;
-  field.type = type;
-  field.precision = precision;
-  field.thousandsSeparators = thousands;
-  return field;
-}
-
 }  // namespace
 
 class TestFilterViewModel : public QObject {
@@ -56,12 +48,12 @@ class TestFilterViewModel : public QObject {
   void init() {
     domain::DisplayRow* header = table_.getHeader();
     if (header->columnCount() == 0) {
-      header->addColumn("name", typed(domain::StringField));
-      header->addColumn("hidden", typed(domain::StringField)).visible = false;
-      header->addColumn("amount", typed(domain::FloatingPointField, 2));
-      header->addColumn("money", typed(domain::FloatingPointField, 2, true));
-      header->addColumn("flag", typed(domain::BoolField));
-      header->addColumn("odd", typed(9));
+      header->addColumn("name", tests::field(domain::StringField));
+      header->addColumn("hidden", tests::field(domain::StringField)).visible = false;
+      header->addColumn("amount", tests::field(domain::FloatingPointField, 2));
+      header->addColumn("money", tests::field(domain::FloatingPointField, 2, true));
+      header->addColumn("flag", tests::field(domain::BoolField));
+      header->addColumn("odd", tests::field(9));
     }
     op_ = std::make_unique<tests::NodeOperator>();
     source_ = std::make_unique<Source>();
@@ -112,7 +104,7 @@ class TestFilterViewModel : public QObject {
   }
 
   void sortsByTypeAsShown_data() {
-    const tests::Rows<int, QString> row{"column", "ascending"};
+    const tests::Rows<int, QString> row;
     row("pinyin", 0, "钢筋 混凝土 水泥 砖");
     row("number", 1, "混凝土 钢筋 砖 水泥");
     // 1,200.00 and 1,000.00 are no numbers to the comparison: both count as 0 and keep their order.
@@ -121,8 +113,7 @@ class TestFilterViewModel : public QObject {
     row("unknown type keeps the order", 4, "混凝土 水泥 砖 钢筋");
   }
   void sortsByTypeAsShown() {
-    QFETCH(int, column);
-    QFETCH(QString, ascending);
+    const auto [column, ascending] = tests::fetch<int, QString>();
     materials();
     filter_->sort(column);
     waitForSort(*filter_);

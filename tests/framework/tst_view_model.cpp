@@ -4,6 +4,7 @@
 #include <QTest>
 
 #include "framework/view_model.h"
+#include "tests/support/recording_services.h"
 #include "tests/support/rows.h"
 #include "tests/support/test_elements.h"
 #include "tests/support/tester_proxy.h"
@@ -20,26 +21,6 @@ class StrictModel : public Model {
   }
 };
 
-class RecordingUndo : public app::UndoService {
- public:
-  void beginScope(const std::string& name) override {
-    log << "begin:" + QString::fromStdString(name);
-  }
-  void endScope() override { log << "end"; }
-  void abandonScope() override { log << "abandon"; }
-  QStringList log;
-};
-
-domain::DataField field(int type, std::optional<int> precision = {}, std::optional<bool> strip = {},
-                        bool thousands = false) {
-  domain::DataField made;
-  made.type = type;
-  made.precision = precision;
-  made.stripTrailingZeros = strip;
-  made.thousandsSeparators = thousands;
-  return made;
-}
-
 class Shared : public base::Object {};
 
 }  // namespace
@@ -53,11 +34,11 @@ class TestViewModel : public QObject {
     table_ = std::make_unique<domain::DisplayTable>();
     model_ = std::make_unique<StrictModel>();
     domain::DisplayRow* header = table_->getHeader();
-    header->addColumn("name", field(domain::StringField));
-    header->addColumn("price", field(domain::FloatingPointField, 2));
-    header->addColumn("count", field(domain::IntegerField));
-    header->addColumn("flag", field(domain::BoolField));
-    header->addColumn("odd", field(7));
+    header->addColumn("name", tests::field(domain::StringField));
+    header->addColumn("price", tests::field(domain::FloatingPointField, 2));
+    header->addColumn("count", tests::field(domain::IntegerField));
+    header->addColumn("flag", tests::field(domain::BoolField));
+    header->addColumn("odd", tests::field(7));
     header->addColumn({"bare", nullptr, {}, {}, {}, {}});
     header->column("name")->field->displayName = "名称";
     header->column("price")->title = "单价";
@@ -65,7 +46,7 @@ class TestViewModel : public QObject {
     model_->setOperator(op_.get());
     tests::attachTester(model_.get());
     app::InstallServices({&undo_, nullptr, nullptr, nullptr, nullptr});
-    undo_.log.clear();
+    undo_.steps.clear();
   }
   void cleanup() {
     model_.reset();
@@ -144,8 +125,7 @@ class TestViewModel : public QObject {
   void formatsNumbers_data() {
     // precision: -1 absent
     // strip: -1 absent
-    const tests::Rows<int, int, bool, double, QString> row{"precision", "strip", "thousands",
-                                                           "value", "text"};
+    const tests::Rows<int, int, bool, double, QString> row;
     row("no precision, strip unset", -1, -1, false, 1.5, "1.500000");
     row("no precision, strip true", -1, 1, false, 1.50, "1.5");
     row("no precision, strip false strips too", -1, 0, false, 2.0, "2");
@@ -165,12 +145,9 @@ class TestViewModel : public QObject {
     row("no negative zero", 2, -1, false, -0.001, "0.00");
   }
   void formatsNumbers() {
-    QFETCH(int, precision);
-    QFETCH(int, strip);
-    QFETCH(bool, thousands);
-    QFETCH(double, value);
-    QFETCH(QString, text);
-    domain::DataField f = field(domain::FloatingPointField);
+    const auto [precision, strip, thousands, value, text] =
+        tests::fetch<int, int, bool, double, QString>();
+    domain::DataField f = tests::field(domain::FloatingPointField);
     if (precision >= 0) f.precision = precision;
     if (strip >= 0) f.stripTrailingZeros = strip == 1;
     f.thousandsSeparators = thousands;
@@ -215,8 +192,8 @@ class TestViewModel : public QObject {
 
     fresh();
     model_->setDisplayTable(nullptr);
-    table_->getHeader()->addColumn("strict", field(domain::FloatingPointField));
-    table_->getHeader()->addColumn("loose", field(domain::FloatingPointField));
+    table_->getHeader()->addColumn("strict", tests::field(domain::FloatingPointField));
+    table_->getHeader()->addColumn("loose", tests::field(domain::FloatingPointField));
     model_->setDisplayTable(table_.get());
     QVERIFY(!model_->index(0, 6).data().isValid());
     QCOMPARE(model_->index(0, 7).data().toString(), QString("0.000000"));
@@ -271,7 +248,7 @@ class TestViewModel : public QObject {
     QSignalSpy changed(model_.get(), &QAbstractItemModel::dataChanged);
     QVERIFY(model_->setData(model_->index(0, 1), "12.5"));
     QCOMPARE(std::get<double>(op_->lastWritten), 12.5);
-    QCOMPARE(undo_.log, (QStringList{"begin:", "end"}));
+    QCOMPARE(undo_.steps, std::vector<std::string>{""});
     QCOMPARE(changed.size(), 1);
     QCOMPARE(changed[0][2].value<QVector<int>>(), QVector<int>{Qt::EditRole});
 
@@ -286,10 +263,10 @@ class TestViewModel : public QObject {
     QCOMPARE(std::get<std::string>(op_->lastWritten), std::string("螺纹钢"));
 
     changed.clear();
-    undo_.log.clear();
+    undo_.steps.clear();
     op_->refuse = true;
     QVERIFY(!model_->setData(model_->index(0, 0), "x"));
-    QCOMPARE(undo_.log, (QStringList{"begin:", "end"}));
+    QCOMPARE(undo_.steps, std::vector<std::string>{""});
     op_->refuse = false;
     QStringList logged;
     base::SetLogSink([&logged](base::LogLevel, const std::string& text) {
@@ -377,7 +354,7 @@ class TestViewModel : public QObject {
     return row;
   }
 
-  RecordingUndo undo_;
+  tests::RecordingUndo undo_;
   std::unique_ptr<tests::NodeOperator> op_;
   std::unique_ptr<domain::DisplayTable> table_;
   std::unique_ptr<StrictModel> model_;

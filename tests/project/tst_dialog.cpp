@@ -39,13 +39,6 @@ class RecordingChannel : public app::Channel {
   }
 };
 
-class WrongChannel : public app::Channel {
-  int message(const std::string&, int) override {
-    journal << "message through the wrong channel";
-    return QMessageBox::Ok;
-  }
-};
-
 class Paths : public app::PathMgr {
  public:
   std::string documents, templates;
@@ -125,7 +118,6 @@ class TestDialog : public QObject {
     paths_.documents = folder_->path().toStdString();
     paths_.templates = folder_->filePath("data").toStdString();
     app::Services services;
-    services.channel = &hostChannel_;
     services.qceChannel = &channel_;
     services.pathMgr = &paths_;
     before_ = app::InstallServices(services);
@@ -207,15 +199,14 @@ class TestDialog : public QObject {
   }
 
   void takesAChosenFileAndProposesAName_data() {
-    const tests::Rows<QString, QString> row{"path", "name"};
+    const tests::Rows<QString, QString> row;
     row("plain", "/d/办公楼.TBQD", "办公楼");
     row("two dots", "D:/a/项目.v2.ZBQD", "项目");
     row("dot in a folder", "/v1.2/桥", "桥");
     row("nothing before the dot", "/d/.CZB", "");
   }
   void takesAChosenFileAndProposesAName() {
-    QFETCH(QString, path);
-    QFETCH(QString, name);
+    const auto [path, name] = tests::fetch<QString, QString>();
     Dialog dialog;
     dialog.show();
     dialog.edit("name")->setText("旧");
@@ -226,18 +217,12 @@ class TestDialog : public QObject {
     QCOMPARE(dialog.edit("path")->toolTip(), path);
     QCOMPARE(dialog.edit("path")->cursorPosition(), 0);
     QCOMPARE(dialog.edit("name")->text(), name);
-  }
 
-  void changesNothingWhenChoosingIsCancelled() {
-    Dialog dialog;
-    dialog.show();
-    dialog.chosen = "/d/a.CTB";
-    dialog.click("浏览");
     dialog.edit("name")->setText("我的工程");
-    dialog.chosen.clear();
+    dialog.chosen.clear();  // cancelled: nothing changes
     dialog.click("浏览");
-    QCOMPARE(dialog.edit("path")->text(), "/d/a.CTB");
-    QCOMPARE(dialog.edit("path")->toolTip(), "/d/a.CTB");
+    QCOMPARE(dialog.edit("path")->text(), path);
+    QCOMPARE(dialog.edit("path")->toolTip(), path);
     QCOMPARE(dialog.edit("name")->text(), "我的工程");
   }
 
@@ -272,7 +257,7 @@ class TestDialog : public QObject {
   }
 
   void tellsTheTypeOfAFile_data() {
-    const tests::Rows<QString, QString> row{"path", "type"};
+    const tests::Rows<QString, QString> row;
     row("empty", "", "");
     row("capitals", "/d/a.ZBQD", "ZBQD");
     row("as typed", "/d/a.TbQd", "TbQd");
@@ -282,8 +267,7 @@ class TestDialog : public QObject {
     row("dot at the end", "/d/a.", "");
   }
   void tellsTheTypeOfAFile() {
-    QFETCH(QString, path);
-    QFETCH(QString, type);
+    const auto [path, type] = tests::fetch<QString, QString>();
     Dialog dialog;
     dialog.show();
     dialog.edit("path")->insert(path);
@@ -336,7 +320,7 @@ class TestDialog : public QObject {
 
   void judgesNames_data() {
     // fault: what the message must name; empty for a good name
-    const tests::Rows<QString, QString> row{"name", "fault"};
+    const tests::Rows<QString, QString> row;
     row("empty", "", "为空");
     row("blanks", "  \t", "为空");
     row("wide blank", QString(QChar(0x3000)), "为空");
@@ -355,8 +339,7 @@ class TestDialog : public QObject {
     row("no device", "console", "");
   }
   void judgesNames() {
-    QFETCH(QString, name);
-    QFETCH(QString, fault);
+    const auto [name, fault] = tests::fetch<QString, QString>();
     const QString problem = ProjectNameProblem(name);
     if (fault.isEmpty()) {
       QCOMPARE(problem, "");
@@ -368,7 +351,7 @@ class TestDialog : public QObject {
   }
 
   void refusesUnusableSources_data() {
-    const tests::Rows<QString, QString> row{"name", "fault"};
+    const tests::Rows<QString, QString> row;
     row("missing", "没有.ZBQD", "找不到文件");
     row("blank", " ", "找不到文件");
     row("folder", "folder.CZB", "不是文件");
@@ -378,8 +361,7 @@ class TestDialog : public QObject {
     row("longer extension", "a.ZBQDX", "“ZBQDX”");
   }
   void refusesUnusableSources() {
-    QFETCH(QString, name);
-    QFETCH(QString, fault);
+    const auto [name, fault] = tests::fetch<QString, QString>();
     for (const auto* made : {"a.xls", "ZBQD", "a.ZBQDX"}) file(made);
     QVERIFY(QDir(folder_->path()).mkdir("folder.CZB"));
     QCOMPARE(mkfifo(qPrintable(folder_->filePath("pipe.CZB")), 0600), 0);
@@ -444,7 +426,6 @@ class TestDialog : public QObject {
     Controller controller;
     Dialog dialog;
     dialog.setController(&controller);
-    int result = -1;
     QTimer::singleShot(0, &dialog, [&] {
       dialog.edit("path")->setText("/没有.CZB");
       dialog.click("新建");  // the path and the name are both wrong
@@ -455,8 +436,7 @@ class TestDialog : public QObject {
       QTest::keyClicks(dialog.focusWidget(), "ab");  // replaces the selected name
       QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
     });
-    result = dialog.exec();
-    QCOMPARE(result, 1);
+    QCOMPARE(dialog.exec(), 1);
     QCOMPARE(journal.size(), 4);
     QVERIFY(journal[0].contains("找不到文件"));
     QVERIFY(journal[1].contains("为空"));
@@ -475,14 +455,8 @@ class TestDialog : public QObject {
     QCOMPARE(journal.size(), 1);  // the host has told why; the dialog adds nothing
     QVERIFY(dialog.isVisible());
     QCOMPARE(dialog.edit("name")->text(), "工程");
-  }
 
-  void acceptsWithoutAController() {
-    Dialog dialog;
-    dialog.show();
-    dialog.click("新建");
-    QVERIFY(dialog.isVisible());
-    dialog.edit("name")->setText("工程");
+    dialog.setController(nullptr);  // nobody to ask: the answers are taken
     dialog.click("新建");
     QCOMPARE(dialog.result(), 1);
   }
@@ -538,7 +512,6 @@ class TestDialog : public QObject {
 
   std::unique_ptr<QTemporaryDir> folder_;
   RecordingChannel channel_;
-  WrongChannel hostChannel_;
   Paths paths_;
   app::Services before_;
 };

@@ -43,15 +43,14 @@ class TestFilterModel : public QObject {
   }
 
   void filtersByFlag_data() {
-    const tests::Rows<int, QString> row{"type", "rows"};
+    const tests::Rows<int, QString> row;
     row("owner", 28, "S(s1)");
     row("provisional", 29, "S(s2)");
     row("adjustable", 30, "L(l1)");
     row("none", 27, "S(s1 s2) L(l1)");
   }
   void filtersByFlag() {
-    QFETCH(int, type);
-    QFETCH(QString, rows);
+    const auto [type, rows] = tests::fetch<int, QString>();
     op_->setFilterType(type);
     QCOMPARE(shown(), QString("S(s1 s2) L(l1)"));  // nothing changes before the filter is told
     filter_->invalidate();
@@ -89,7 +88,7 @@ class TestFilterModel : public QObject {
   }
 
   void filtersByConditions_data() {
-    const tests::Rows<QStringList, QString> row{"words", "rows"};
+    const tests::Rows<QStringList, QString> row;
     row("all empty", QStringList{"", "", "", "", ""}, "S(s1 s2) L(l1)");
     row("no words", QStringList{}, "S(s1 s2) L(l1)");
     row("part of a name", QStringList{"", "", "钢", "", ""}, "S(s1)");
@@ -104,8 +103,7 @@ class TestFilterModel : public QObject {
     row("one does not", QStringList{"", "s", "钢", "HRB4", "kg"}, "");
   }
   void filtersByConditions() {
-    QFETCH(QStringList, words);
-    QFETCH(QString, rows);
+    const auto [words, rows] = tests::fetch<QStringList, QString>();
     condition(words);
     QCOMPARE(shown(), rows);
     filter_->setIsFilterByCondition(false);

@@ -53,7 +53,7 @@ class TestModel : public QObject {
   }
 
   void announcesAnEditOnceMoreUnlessItIsPriceOrAccount_data() {
-    const tests::Rows<QString, bool, QStringList> row{"key", "refuse", "announced"};
+    const tests::Rows<QString, bool, QStringList> row;
     const QString edit = QString::number(Qt::EditRole);
     row("name", "QCE_BRIName", false, QStringList{edit, ""});
     row("name refused", "QCE_BRIName", true, QStringList{""});
@@ -62,9 +62,7 @@ class TestModel : public QObject {
     row("account", "QCE_CostAccount", false, QStringList{edit});
   }
   void announcesAnEditOnceMoreUnlessItIsPriceOrAccount() {
-    QFETCH(QString, key);
-    QFETCH(bool, refuse);
-    QFETCH(QStringList, announced);
+    const auto [key, refuse, announced] = tests::fetch<QString, bool, QStringList>();
     op_->refused = refuse ? item_ : nullptr;
     const QModelIndex cell = model_->makeIndex(item_, model_->getColumnIndex(key.toStdString()));
     QStringList heard;

@@ -239,19 +239,6 @@ class TestView : public QObject {
     QCOMPARE(s.steps().size(), std::size_t(1));
   }
 
-  void takesABatchBackWhenOneItemIsRefused() {
-    Setup s;
-    s.op.refused = s.s2;
-    s.select({s.s1, s.s2, s.s3});
-    typeNumber("1");
-    s.click("批量设置不含税单价");
-    QCOMPARE(s.steps(), std::vector<std::string>{"批量设置不含税单价!"});
-    const auto& messages = s.services.channel.messages();
-    QCOMPARE(messages.size(), std::size_t(1));
-    QVERIFY(messages[0].text.find("“s2 镀锌铁丝”") != std::string::npos);
-    QCOMPARE(s.price(s.s3), 4000.0);  // what follows the refused one was not tried
-  }
-
   void editsAndDeletesAnnotations() {
     Setup s;
     s.select({s.s2});
@@ -376,32 +363,6 @@ class TestView : public QObject {
     }
     QVERIFY(!enabled.contains("删除批注"));  // there is none to delete
     menu->close();
-  }
-
-  void keepsItsPlaceAcrossASort() {
-    Setup s;
-    tests::Node* many = s.op.tree.node(0);
-    for (int i = 0; i < 200; ++i) {
-      s.model.beginAddItem(nullptr, 1, many);
-      Fake::item(many, "x" + std::to_string(i), "n", 1000.0 - i);
-      s.model.endAddItem();
-    }
-    s.filter.invalidate();
-    s.grid->expandAll();
-    s.grid->collapse(s.filter.index(1, 0));
-    s.select({s.s2, many->node(100)});
-    const proxy::Element* current = s.grid->currentElement();
-
-    bool sorted = false;
-    connect(&s.filter, &QAbstractItemModel::layoutChanged, this, [&sorted] { sorted = true; });
-    s.grid->sortByColumn(s.filter.getColumnIndex(keys::BRIAmount), Qt::AscendingOrder);
-    QTRY_VERIFY(sorted);
-    s.settle();
-    QCOMPARE(many->node(0), s.s3);
-    QCOMPARE(s.grid->currentElement(), current);
-    QCOMPARE(s.grid->selectedElements().size(), std::size_t(2));
-    QVERIFY(s.grid->isExpanded(s.filter.index(0, 0)));
-    QVERIFY(!s.grid->isExpanded(s.filter.index(1, 0)));
   }
 };
 

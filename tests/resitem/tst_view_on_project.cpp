@@ -116,7 +116,9 @@ class TestViewOnProject : public QObject {
     operator_->refused = items[4];
     setPrice("88.50");
     QCOMPARE(channel_.messages().size(), std::size_t(1));
-    QVERIFY(channel_.messages()[0].text.find("本次批量设置已全部取消") != std::string::npos);
+    const QString told = QString::fromStdString(channel_.messages()[0].text);
+    QVERIFY2(told.contains("本次批量设置已全部取消"), qPrintable(told));
+    QVERIFY2(told.contains(column({items[4]}, keys::BRIName).first()), qPrintable(told));
     QCOMPARE(column(items, keys::BRIExcludedTaxFee), before);
     QCOMPARE(column(items, keys::BRIExcludedTaxTotalCost), amounts);
     QCOMPARE(project_->undo().stack()->count(), 0);

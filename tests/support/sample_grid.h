@@ -58,14 +58,14 @@ struct SampleGrid {
       : view(made != nullptr ? made : new gui::TreeGridView), filter(&model) {
     using namespace domain;
     DisplayRow& header = *table.getHeader();
-    header.addColumn("code", field("编码", StringField)).width = 120;
-    header.addColumn("name", field("名称", StringField)).width = 140;
-    header.addColumn("unit", field("单位", StringField)).width = 60;
-    header.addColumn("amount", field("数量", FloatingPointField, 3)).width = 100;
-    header.addColumn("price", field("单价", FloatingPointField, 2, true)).width = 110;
-    header.addColumn("total", field("合价", FloatingPointField, 2, true)).width = 130;
-    header.addColumn("owner", field("甲供", BoolField)).width = 60;
-    header.addColumn("note", field("备注", StringField)).width = 180;
+    header.addColumn("code", field(StringField, {}, false, "编码")).width = 120;
+    header.addColumn("name", field(StringField, {}, false, "名称")).width = 140;
+    header.addColumn("unit", field(StringField, {}, false, "单位")).width = 60;
+    header.addColumn("amount", field(FloatingPointField, 3, false, "数量")).width = 100;
+    header.addColumn("price", field(FloatingPointField, 2, true, "单价")).width = 110;
+    header.addColumn("total", field(FloatingPointField, 2, true, "合价")).width = 130;
+    header.addColumn("owner", field(BoolField, {}, false, "甲供")).width = 60;
+    header.addColumn("note", field(StringField, {}, false, "备注")).width = 180;
     header.addHeaderGroup("g", "用量单价", {"amount", "price"});
     header.addHeaderGroup("h", "其他", {"owner", "note"});
     op.readOnlyKey = "total";
@@ -123,6 +123,12 @@ struct SampleGrid {
     }
     return rows.join('.') + ':' + QString::fromStdString(filter.getColumnName(index.column()));
   }
+  /// The selected cells' paths, by rows.
+  QString selected() const {
+    QStringList paths;
+    for (const QModelIndex& cell : view->selectedCells()) paths << pathOf(cell);
+    return paths.join(' ');
+  }
   QString current() const { return pathOf(view->currentIndex()); }
   Node* node(int group, int item) const { return op.tree.node(group)->node(item); }
 
@@ -144,6 +150,14 @@ struct SampleGrid {
   void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     QTest::keyClick(view.get(), static_cast<Qt::Key>(key), modifiers);
   }
+  /// Opens the editor of a cell, whatever is folded, and types into it.
+  void edit(const QString& path, const QString& typed = {}) {
+    view->expandAll();
+    setCurrent(path);
+    key(Qt::Key_F2);
+    QVERIFY(editor() != nullptr);
+    QTest::keyClicks(editor(), typed);
+  }
   QLineEdit* editor() const {
     for (QLineEdit* line : view->viewport()->findChildren<QLineEdit*>()) {
       if (line->isVisible()) return line;
@@ -163,16 +177,6 @@ struct SampleGrid {
   void savePicture(const char* name) const {
     const QByteArray folder = qgetenv("QCE_PICTURES");
     if (!folder.isEmpty()) view->grab().save(folder + "/" + name + ".png");
-  }
-
-  static domain::DataField field(const char* name, int type, std::optional<int> precision = {},
-                                 bool thousands = false) {
-    domain::DataField made;
-    made.displayName = name;
-    made.type = type;
-    made.precision = precision;
-    made.thousandsSeparators = thousands;
-    return made;
   }
 
   static constexpr const char* names[] = {"人工", "材料", "机械", "设备"};

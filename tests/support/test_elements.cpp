@@ -141,6 +141,15 @@ bool NodeOperator::setValue(proxy::Element* element, const std::string& key,
   return true;
 }
 
+domain::DataField field(int type, std::optional<int> precision, bool thousands, const char* title) {
+  domain::DataField made;
+  made.displayName = title;
+  made.type = type;
+  made.precision = precision;
+  made.thousandsSeparators = thousands;
+  return made;
+}
+
 std::string treeText(const QAbstractItemModel& model) {
   struct Writer {
     static std::string of(const QAbstractItemModel& model, const QModelIndex& parent) {

@@ -97,6 +97,9 @@ class NodeOperator : public domain::Operator {
   int lastRole = -1;
 };
 
+domain::DataField field(int type, std::optional<int> precision = {}, bool thousands = false,
+                        const char* title = "");
+
 /// "a(b c) d" as a model shows it in column 0, for comparing a tree as one short text.
 std::string treeText(const QAbstractItemModel& model);
 

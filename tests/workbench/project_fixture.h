@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "host/app/scoped_undo.h"
 #include "host/app/services.h"
 #include "workbench/controllers/open_project.h"
 #include "workbench/exchange/sample_generator.h"
@@ -68,6 +69,13 @@ class ProjectFixture {
       }
     }
     return all;
+  }
+
+  /// As an undo step, or as part of the scope that is open.
+  void setPrice(records::ResourceItem& item, int price) {
+    const app::ScopedUndo undo("");
+    opened_->project().set(item, records::ItemField::Price,
+                           costing::PackedDecimal(costing::Decimal(price)));
   }
 
   bool made = false;

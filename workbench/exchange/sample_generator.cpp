@@ -423,11 +423,6 @@ std::vector<IndirectFeeGroup> Synthesis::fees() const {
   return projectFees((money_.resources * decimal("0.18")).rounded(2), money_.resources);
 }
 
-QString unwritable(const QSaveFile& file) {
-  return QStringLiteral("文件“%1”无法写入（技术信息：%2）：请检查文件夹是否存在、磁盘空间和权限")
-      .arg(file.fileName(), file.errorString());
-}
-
 }  // namespace
 
 SourceDocument SampleGenerator::officeBuilding(SourceKind kind) {
@@ -490,11 +485,11 @@ QString SampleGenerator::generate(qint64 resources, quint64 seed, const QString&
         .arg(suffix);
   }
   QSaveFile file(path);
-  if (!file.open(QIODevice::WriteOnly)) return unwritable(file);
+  if (!file.open(QIODevice::WriteOnly)) return SourceWriter::writeFault(file);
   Synthesis synthesis(file, *kind, resources, seed);
   const bool written = synthesis.run(progress);
   if (synthesis.isCancelled()) return QStringLiteral("已取消生成，没有写出文件");
-  if (!written || !file.commit()) return unwritable(file);
+  if (!written || !file.commit()) return SourceWriter::writeFault(file);
   return {};
 }
 

@@ -29,6 +29,13 @@ void SourceWriter::optionalText(const char* name, const std::string& value) {
   if (!value.empty()) text(name, value);
 }
 
+void SourceWriter::heading(const std::string& id, const std::string& code,
+                           const std::string& name) {
+  text("id", id);
+  optionalText("code", code);
+  text("name", name);
+}
+
 void SourceWriter::number(const char* name, const Decimal& value) {
   text(name, value.toString());
 }
@@ -86,24 +93,18 @@ void SourceWriter::beginSingleProject(const SingleProject& project) {
     state_ = State::InWorks;
   }
   xml_.writeStartElement(QStringLiteral("singleProject"));
-  text("id", project.id);
-  optionalText("code", project.code);
-  text("name", project.name);
+  heading(project.id, project.code, project.name);
 }
 
 void SourceWriter::beginUnitWork(const UnitWork& work) {
   xml_.writeStartElement(QStringLiteral("unitWork"));
-  text("id", work.id);
-  optionalText("code", work.code);
-  text("name", work.name);
+  heading(work.id, work.code, work.name);
   optionalText("specialty", work.specialty);
 }
 
 void SourceWriter::beginSection(const Section& section) {
   xml_.writeStartElement(QStringLiteral("section"));
-  text("id", section.id);
-  optionalText("code", section.code);
-  text("name", section.name);
+  heading(section.id, section.code, section.name);
 }
 
 void SourceWriter::writeBill(const Bill& bill) {
@@ -168,16 +169,12 @@ void SourceWriter::writeFees(const std::vector<IndirectFeeGroup>& groups) {
 
 void SourceWriter::writeFeeGroup(const IndirectFeeGroup& group) {
   xml_.writeStartElement(QStringLiteral("group"));
-  text("id", group.id);
-  optionalText("code", group.code);
-  text("name", group.name);
+  heading(group.id, group.code, group.name);
   optionalText("unitWork", group.unitWorkId);
   for (const IndirectFeeGroup& child : group.groups) writeFeeGroup(child);
   for (const IndirectFeeItem& item : group.items) {
     xml_.writeEmptyElement(QStringLiteral("item"));
-    text("id", item.id);
-    optionalText("code", item.code);
-    text("name", item.name);
+    heading(item.id, item.code, item.name);
     optionalText("basis", item.basis);
     if (item.base) money("base", *item.base);
     if (item.rate) number("rate", *item.rate);
@@ -226,6 +223,11 @@ bool SourceWriter::write(const SourceDocument& document, QIODevice& device) {
   return writer.end(document.declared);
 }
 
+QString SourceWriter::writeFault(const QFileDevice& file) {
+  return QStringLiteral("文件“%1”无法写入（技术信息：%2）：请检查文件夹是否存在、磁盘空间和权限")
+      .arg(file.fileName(), file.errorString());
+}
+
 QString SourceWriter::writeFile(const SourceDocument& document, const QString& path) {
   const QFileInfo info(path);
   if (kindOfExtension(info.suffix().toStdString()) != document.kind) {
@@ -234,8 +236,7 @@ QString SourceWriter::writeFile(const SourceDocument& document, const QString& p
   }
   QSaveFile file(path);
   if (!file.open(QIODevice::WriteOnly) || !write(document, file) || !file.commit()) {
-    return QStringLiteral("文件“%1”无法写入（技术信息：%2）：请检查文件夹是否存在、磁盘空间和权限")
-        .arg(path, file.errorString());
+    return writeFault(file);
   }
   return {};
 }

@@ -6,6 +6,7 @@
 
 #include "workbench/exchange/source_document.h"
 
+class QFileDevice;
 class QIODevice;
 
 namespace exchange {
@@ -38,12 +39,16 @@ class SourceWriter {
   /// Atomically: the file is whole, or as it was before. Answers a Chinese reason, empty when
   /// written. The extension must be that of the document's kind.
   static QString writeFile(const SourceDocument& document, const QString& path);
+  /// What to tell the user when a source file could not be written (Chinese).
+  static QString writeFault(const QFileDevice& file);
 
  private:
   enum class State { BeforeWorks, InWorks, AfterWorks };
 
   void text(const char* name, const std::string& value);
   void optionalText(const char* name, const std::string& value);
+  /// What most elements begin with; an empty code is left out.
+  void heading(const std::string& id, const std::string& code, const std::string& name);
   void number(const char* name, const costing::Decimal& value);
   void money(const char* name, const costing::Decimal& value);
   void flag(const char* name, bool value);

@@ -74,7 +74,7 @@ class TestNumberText : public QObject {
   }
 
   void parsesTheNumberAtTheStart_data() {
-    const tests::Rows<QString, double> row{"text", "value"};
+    const tests::Rows<QString, double> row;
     row("blanks before", "  \t12.5", 12.5);
     row("rest ignored", "12.5kg", 12.5);
     row("stops at a separator", "1,200.00", 1.0);
@@ -86,8 +86,8 @@ class TestNumberText : public QObject {
     row("empty", "", 0.0);
   }
   void parsesTheNumberAtTheStart() {
-    QFETCH(QString, text);
-    QTEST(base::ParseNumberPrefix(text.toStdString()), "value");
+    const auto [text, value] = tests::fetch<QString, double>();
+    QCOMPARE(base::ParseNumberPrefix(text.toStdString()), value);
   }
 };
 

@@ -44,7 +44,7 @@ class TestTexts : public QObject {
   }
 
   void findsPinyinInitials_data() {
-    const tests::Rows<QString, QString> row{"text", "initials"};
+    const tests::Rows<QString, QString> row;
     row("Chinese", "螺纹钢", "lwg");
     row("mixed, lower case", "螺纹钢 HRB400", "lwghrb400");
     row("punctuation is left out", "（商品）混凝土-C30", "sphntc30");
@@ -53,8 +53,8 @@ class TestTexts : public QObject {
     row("empty", "", "");
   }
   void findsPinyinInitials() {
-    QFETCH(QString, text);
-    QTEST(QString::fromStdString(base::PinyinInitials(text.toStdString())), "initials");
+    const auto [text, initials] = tests::fetch<QString, QString>();
+    QCOMPARE(QString::fromStdString(base::PinyinInitials(text.toStdString())), initials);
   }
 };
 

@@ -91,7 +91,7 @@ class TestCellText : public QObject {
   }
 
   void matches_data() {
-    const tests::Rows<QString, QString, bool> row{"wish", "text", "hit"};
+    const tests::Rows<QString, QString, bool> row;
     row("part", "纹钢", "螺纹钢", true);
     row("any case", "hrb", "螺纹钢 HRB400", true);
     row("initials", "lwg", "Φ12 螺纹钢 HRB400", true);
@@ -104,9 +104,8 @@ class TestCellText : public QObject {
     row("other text", "lwg", "普通水泥", false);
   }
   void matches() {
-    QFETCH(QString, wish);
-    QFETCH(QString, text);
-    QTEST(bwidgets::TextMatcher(wish).matches(text), "hit");
+    const auto [wish, text, hit] = tests::fetch<QString, QString, bool>();
+    QCOMPARE(bwidgets::TextMatcher(wish).matches(text), hit);
   }
 
   void takesFractionsOfTheScreen() {

@@ -39,7 +39,7 @@ class TestHeaderSpans : public QObject {
 
  private slots:
   void joinsNeighbours_data() {
-    const tests::Rows<QString, int, QString> row{"all", "frozen", "spans"};
+    const tests::Rows<QString, int, QString> row;
     row("no columns", "", 0, "");
     row("no groups", "50 30", 1, "");
     row("one group", "40 50a 30a 20", 0, "a[1-2] 40+80");
@@ -55,13 +55,12 @@ class TestHeaderSpans : public QObject {
     row("border at a hidden column", "50a 0a 30a", 2, "a[0-0] 0+50, a[2-2] 50+30");
   }
   void joinsNeighbours() {
-    QFETCH(QString, all);
-    QFETCH(int, frozen);
-    QTEST(spansText(columns(all), frozen), "spans");
+    const auto [all, frozen, spans] = tests::fetch<QString, int, QString>();
+    QCOMPARE(spansText(columns(all), frozen), spans);
   }
 
   void leavesRoomToScroll_data() {
-    const tests::Rows<QString, int, int, int> row{"all", "wanted", "room", "count"};
+    const tests::Rows<QString, int, int, int> row;
     row("fits", "100 100 100", 2, 400, 2);
     row("just fits", "100 200 100", 2, 400, 2);
     row("one too many", "100 201 100", 2, 400, 1);
@@ -72,10 +71,8 @@ class TestHeaderSpans : public QObject {
     row("negative", "10 10", -1, 400, 0);
   }
   void leavesRoomToScroll() {
-    QFETCH(QString, all);
-    QFETCH(int, wanted);
-    QFETCH(int, room);
-    QTEST(bwidgets::frozenColumnsThatFit(columns(all), wanted, room), "count");
+    const auto [all, wanted, room, count] = tests::fetch<QString, int, int, int>();
+    QCOMPARE(bwidgets::frozenColumnsThatFit(columns(all), wanted, room), count);
   }
 };
 

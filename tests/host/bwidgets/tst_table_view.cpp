@@ -16,8 +16,7 @@ class TestTableView : public QObject {
     auto* table = static_cast<bwidgets::TableView*>(g.view.get());
     const int width = table->rowNumberWidth();
     QVERIFY(width > 0);
-    QTest::qWait(20);
-    QVERIFY(table->viewport()->geometry().left() >= width);
+    QTRY_VERIFY(table->viewport()->geometry().left() >= width);
     QCOMPARE(table->header()->geometry().left(), table->viewport()->geometry().left());
     QCOMPARE(table->header()->width(), table->viewport()->width());
     // The last column can be scrolled into sight in full.

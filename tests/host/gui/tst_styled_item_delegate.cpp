@@ -39,10 +39,7 @@ class TestStyledItemDelegate : public QObject {
 
   void returnCommitsAndGoesDown() {
     SampleGrid g;
-    g.view->expandAll();
-    g.setCurrent("0.0:note");
-    g.key(Qt::Key_F2);
-    QVERIFY(g.editor() != nullptr);
+    g.edit("0.0:note");
     QCOMPARE(g.editor()->selectedText(), QString::fromUtf8("备注0"));
     QTest::keyClicks(g.editor(), "new");
     QTest::keyClick(g.editor(), Qt::Key_Return);
@@ -55,10 +52,7 @@ class TestStyledItemDelegate : public QObject {
 
   void tabCommitsAndGoesOn() {
     SampleGrid g;
-    g.view->expandAll();
-    g.setCurrent("0.0:unit");
-    g.key(Qt::Key_F2);
-    QTest::keyClicks(g.editor(), "kg");
+    g.edit("0.0:unit", "kg");
     QTest::keyClick(g.editor(), Qt::Key_Tab);
     QCOMPARE(g.text("0.0:unit"), QString("kg"));
     QCOMPARE(g.current(), QString("0.0:amount"));
@@ -67,10 +61,7 @@ class TestStyledItemDelegate : public QObject {
 
   void escapeLeavesTheCell() {
     SampleGrid g;
-    g.view->expandAll();
-    g.setCurrent("0.0:unit");
-    g.key(Qt::Key_F2);
-    QTest::keyClicks(g.editor(), "kg");
+    g.edit("0.0:unit", "kg");
     QTest::keyClick(g.editor(), Qt::Key_Escape);
     QCOMPARE(g.text("0.0:unit"), QString("t"));
     QCOMPARE(g.current(), QString("0.0:unit"));
@@ -95,30 +86,26 @@ class TestStyledItemDelegate : public QObject {
   void editsWholeNumbersAndNotTheirDisplay() {
     SampleGrid g;
     g.node(0, 0)->set("price", 1234567.125);
-    g.view->expandAll();
-    g.setCurrent("0.0:price");
-    g.key(Qt::Key_F2);
+    g.edit("0.0:price");
     QCOMPARE(g.editor()->text(), QString("1234567.125"));
   }
 
   void takesNumbersAlone_data() {
-    const tests::Rows<QString, double> row{"typed", "value"};
+    const tests::Rows<QString, double> row;
     row("separators", "1,234.5", 1234.5);
     row("full-width digits", QString::fromUtf8("１２．５"), 12.5);
     row("Chinese full stop", QString::fromUtf8("3。5"), 3.5);
     row("negative", "-2", -2.0);
   }
   void takesNumbersAlone() {
-    QFETCH(QString, typed);
+    const auto [typed, value] = tests::fetch<QString, double>();
     SampleGrid g;
-    g.view->expandAll();
-    g.setCurrent("0.0:price");
-    g.key(Qt::Key_F2);
+    g.edit("0.0:price");
     g.editor()->clear();
     for (const QChar c : typed) g.editor()->insert(c);
     QTest::keyClick(g.editor(), Qt::Key_Return);
     QTRY_COMPARE(g.current(), QString("0.1:price"));
-    QTEST(std::get<double>(*g.node(0, 0)->find("price", Qt::EditRole)), "value");
+    QCOMPARE(std::get<double>(*g.node(0, 0)->find("price", Qt::EditRole)), value);
   }
 
   void keepsWhatIsNoNumberInTheEditor() {
@@ -158,15 +145,12 @@ class TestStyledItemDelegate : public QObject {
   void writesOnlyWhatChanged() {
     SampleGrid g;
     g.node(0, 0)->set("price", 1.23456);
-    g.view->expandAll();
-    g.setCurrent("0.0:price");
-    g.key(Qt::Key_F2);
+    g.edit("0.0:price");
     QTest::keyClick(g.editor(), Qt::Key_Return);
     QTRY_COMPARE(g.current(), QString("0.1:price"));
     QVERIFY(g.services.undo.steps.empty());
     // An emptied cell is cleared.
-    g.setCurrent("0.0:price");
-    g.key(Qt::Key_F2);
+    g.edit("0.0:price");
     QTest::keyClick(g.editor(), Qt::Key_Delete);
     QTest::keyClick(g.editor(), Qt::Key_Return);
     QTRY_COMPARE(g.services.undo.steps.size(), std::size_t(1));
@@ -175,10 +159,7 @@ class TestStyledItemDelegate : public QObject {
 
   void keepsWhatIsTypedWhileTheModelChanges() {
     SampleGrid g;
-    g.view->expandAll();
-    g.setCurrent("0.0:note");
-    g.key(Qt::Key_F2);
-    QTest::keyClicks(g.editor(), "typed");
+    g.edit("0.0:note", "typed");
     g.node(0, 0)->set("note", std::string("from elsewhere"));
     emit g.model.dataChanged(g.model.index(0, 7, g.model.index(0, 0)),
                              g.model.index(0, 7, g.model.index(0, 0)), {});

@@ -25,7 +25,7 @@ class TestInputDialog : public QObject {
   }
 
   void refusesWhatIsNoNumberWithinTheBounds_data() {
-    const tests::Rows<QString> row{"typed"};
+    const tests::Rows<QString> row;
     row("empty", "");
     row("sign only", "-");
     row("below", "-5");
@@ -35,7 +35,7 @@ class TestInputDialog : public QObject {
     row("third decimal", "12.345");
   }
   void refusesWhatIsNoNumberWithinTheBounds() {
-    QFETCH(QString, typed);
+    const auto [typed] = tests::fetch<QString>();
     tests::RecordingServices recorded;
     gui::CInputDialog dialog("标题", "数值:", 50, {-1.0, 100.0, 2}, nullptr);
     auto* edit = show(dialog);

@@ -1,10 +1,10 @@
 #include <QDir>
-#include <QFile>
 #include <QImage>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "tests/support/files.h"
 #include "tests/support/rows.h"
 
 namespace {
@@ -35,11 +35,6 @@ Result run(const QStringList& arguments) {
   return run(arguments, without({"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}));
 }
 
-QByteArray contentOf(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 }  // namespace
 
 class CommandLineTest : public QObject {
@@ -47,7 +42,7 @@ class CommandLineTest : public QObject {
 
  private slots:
   void helpIsChinese_data() {
-    const tests::Rows<QStringList, QString> row{"arguments", "part"};
+    const tests::Rows<QStringList, QString> row;
     row("all", QStringList{"--help"}, "用法：qce-workbench [工程.qcp]");
     row("word", QStringList{"help"}, "用法：qce-workbench [工程.qcp]");
     row("new", QStringList{"new", "--help"}, "--source 文件");
@@ -57,8 +52,7 @@ class CommandLineTest : public QObject {
     row("version", QStringList{"--version"}, "qce-workbench 0.");
   }
   void helpIsChinese() {
-    QFETCH(QStringList, arguments);
-    QFETCH(QString, part);
+    const auto [arguments, part] = tests::fetch<QStringList, QString>();
     const Result result = run(arguments);
     QCOMPARE(result.code, 0);
     QVERIFY2(result.out.contains(part), qPrintable(result.out));
@@ -66,7 +60,7 @@ class CommandLineTest : public QObject {
   }
 
   void wrongUse_data() {
-    const tests::Rows<QStringList, QString> row{"arguments", "message"};
+    const tests::Rows<QStringList, QString> row;
     const auto sample = [](const QString& resources) {
       return QStringList{"sample", "--resources", resources, "--seed", "1", "--out", "x.TBQD"};
     };
@@ -87,8 +81,7 @@ class CommandLineTest : public QObject {
     row("too large", sample("5000001"), "--resources");
   }
   void wrongUse() {
-    QFETCH(QStringList, arguments);
-    QFETCH(QString, message);
+    const auto [arguments, message] = tests::fetch<QStringList, QString>();
     const Result result = run(arguments);
     QCOMPARE(result.code, 2);
     QVERIFY2(result.error.contains(message), qPrintable(result.error));
@@ -99,11 +92,11 @@ class CommandLineTest : public QObject {
   void newThenCheck() {
     const QString project = makeProject("新建", 300);
     QVERIFY(QFile::exists(project));
-    const QByteArray before = contentOf(project);
+    const QByteArray before = tests::contentOf(project);
     const Result check = run({"check", project});
     QVERIFY2(check.code == 0, qPrintable(check.error));
     QVERIFY2(check.out.contains("检查通过"), qPrintable(check.out));
-    QCOMPARE(contentOf(project), before);
+    QCOMPARE(tests::contentOf(project), before);
   }
 
   void refusalsLeaveNothingBehind() {
@@ -118,18 +111,15 @@ class CommandLineTest : public QObject {
     refused(path("没有.TBQD"), "没有.TBQD");
 
     makeProject("原件", 60);
-    QFile cut(path("cut.TBQD"));
-    QVERIFY(cut.open(QIODevice::WriteOnly));
-    cut.write(contentOf(path("原件.TBQD")).left(2500));
-    cut.close();
-    refused(cut.fileName(), "行");
+    tests::writeFile(path("cut.TBQD"), tests::contentOf(path("原件.TBQD")).left(2500));
+    refused(path("cut.TBQD"), "行");
     QCOMPARE(QDir(dir_.path()).entryList({"*refused*"}, QDir::Files | QDir::Hidden).size(), 0);
 
-    const QByteArray before = contentOf(path("原件.qcp"));
+    const QByteArray before = tests::contentOf(path("原件.qcp"));
     const Result existing = run(QStringList{"new", "--source", path("原件.TBQD")} + rest +
                                 QStringList{path("原件.qcp")});
     QCOMPARE(existing.code, 1);
-    QCOMPARE(contentOf(path("原件.qcp")), before);
+    QCOMPARE(tests::contentOf(path("原件.qcp")), before);
     QCOMPARE(run({"check", path("cut.TBQD")}).code, 1);
     QCOMPARE(run({"check", path("没有.qcp")}).code, 1);
     QCOMPARE(run({"tour", path("没有.qcp"), "--out", path("pictures")}).code, 1);
@@ -139,7 +129,7 @@ class CommandLineTest : public QObject {
     const auto sample = [this](const QString& name, const QString& seed) {
       const Result result =
           run({"sample", "--resources", "200", "--seed", seed, "--out", path(name)});
-      return result.code == 0 ? contentOf(path(name)) : QByteArray();
+      return result.code == 0 ? tests::contentOf(path(name)) : QByteArray();
     };
     const QByteArray first = sample("a.ZGXJQD", "11");
     QVERIFY(!first.isEmpty());
@@ -166,7 +156,7 @@ class CommandLineTest : public QObject {
 
   void tourTakesPicturesAndLeavesTheProjectAlone() {
     const QString project = makeProject("走查", 400);
-    const QByteArray before = contentOf(project);
+    const QByteArray before = tests::contentOf(project);
     const Result result = run({"tour", project, "--out", path("pictures")});
     QVERIFY2(result.code == 0, qPrintable(result.error));
     const QStringList pictures = result.out.split('\n', Qt::SkipEmptyParts);
@@ -175,7 +165,7 @@ class CommandLineTest : public QObject {
       const QImage image(picture);
       QVERIFY2(image.width() >= 1000 && image.height() >= 600, qPrintable(picture));
     }
-    QCOMPARE(contentOf(project), before);
+    QCOMPARE(tests::contentOf(project), before);
   }
 
  private:

@@ -3,6 +3,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "tests/support/files.h"
 #include "tests/support/recording_services.h"
 #include "workbench/controllers/new_project_controller.h"
 #include "workbench/controllers/open_project.h"
@@ -51,10 +52,7 @@ class NewProjectControllerTest : public QObject {
   void refusedSourceLeavesNothing() {
     const tests::RecordingServices services;
     const QString path = dir_.filePath("坏.TBQD");
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("<?xml version=\"1.0\"?><不是");
-    file.close();
+    tests::writeFile(path, "<?xml version=\"1.0\"?><不是");
     QVERIFY(!create(path));
     QCOMPARE(services.channel.messages().size(), std::size_t(1));
     QVERIFY(!QFileInfo::exists(target_) && created_.isEmpty());
@@ -71,21 +69,17 @@ class NewProjectControllerTest : public QObject {
   void differingMoneyNeedsTheUsersWord() {
     QFETCH(int, answer);
     tests::RecordingServices services;
-    QFile file(source("TBQD"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QByteArray content = file.readAll();
+    QByteArray content = tests::contentOf(source("TBQD"));
     const auto office = exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
     const QByteArray declared = QByteArray::fromStdString(office.declared.resources->toString(2));
     const int at = content.indexOf('"' + declared + '"');
     QVERIFY(at > 0);
     content[at + 1] = content[at + 1] == '9' ? '8' : '9';
-    QFile changed(dir_.filePath("差.TBQD"));
-    QVERIFY(changed.open(QIODevice::WriteOnly));
-    changed.write(content);
-    changed.close();
+    const QString changed = dir_.filePath("差.TBQD");
+    tests::writeFile(changed, content);
 
     services.channel.answerNext(answer);
-    QCOMPARE(create(changed.fileName()), answer == QMessageBox::Yes);
+    QCOMPARE(create(changed), answer == QMessageBox::Yes);
     QCOMPARE(services.channel.messages().size(), std::size_t(1));
     QVERIFY(services.channel.messages()[0].text.find("不一致") != std::string::npos);
     QCOMPARE(QFileInfo::exists(target_), answer == QMessageBox::Yes);

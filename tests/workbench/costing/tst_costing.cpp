@@ -22,7 +22,7 @@ class CostingTest : public QObject {
  private slots:
   void readsOnlyPlainNumbers_data() {
     // expected: empty: refused
-    const tests::Rows<QString, QString> row{"text", "expected"};
+    const tests::Rows<QString, QString> row;
     for (const char* good : {"0", "12.5", "-0.03", "999999999999999999999999.999999999999"}) {
       row(good, good, good);
     }
@@ -37,14 +37,13 @@ class CostingTest : public QObject {
     }
   }
   void readsOnlyPlainNumbers() {
-    QFETCH(QString, text);
-    QFETCH(QString, expected);
+    const auto [text, expected] = tests::fetch<QString, QString>();
     const auto value = Decimal::parse(text.toStdString());
     QCOMPARE(value ? QString::fromStdString(value->toString()) : QString(), expected);
   }
 
   void roundsHalfAwayFromZero_data() {
-    const tests::Rows<QString, int, QString> row{"text", "places", "expected"};
+    const tests::Rows<QString, int, QString> row;
     row("half up", "2.675", 2, "2.68");
     row("below half", "2.67499999", 2, "2.67");
     row("negative half", "-2.675", 2, "-2.68");
@@ -55,9 +54,7 @@ class CostingTest : public QObject {
     row("places out of range", "3.5", 40, "3.500000000000");
   }
   void roundsHalfAwayFromZero() {
-    QFETCH(QString, text);
-    QFETCH(int, places);
-    QFETCH(QString, expected);
+    const auto [text, places, expected] = tests::fetch<QString, int, QString>();
     QCOMPARE(QString::fromStdString(dec(qPrintable(text)).toString(places)), expected);
   }
 

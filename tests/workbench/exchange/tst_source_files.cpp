@@ -1,10 +1,10 @@
 #include <QBuffer>
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <random>
 
+#include "tests/support/files.h"
 #include "tests/support/rows.h"
 #include "workbench/exchange/sample_generator.h"
 #include "workbench/exchange/source_reader.h"
@@ -138,11 +138,6 @@ QByteArray bytesOf(const SourceDocument& document) {
   return buffer.data();
 }
 
-QByteArray fileBytes(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 QString samplePath(const char* name) {
   return QStringLiteral(QCE_SOURCE_DIR "/samples/") + QString::fromUtf8(name);
 }
@@ -227,7 +222,7 @@ class SourceFilesTest : public QObject {
     QFETCH(int, kind);
     const SourceDocument document = SampleGenerator::officeBuilding(static_cast<SourceKind>(kind));
     const QString path = samplePath("办公楼.") + QString::fromStdString(extensionOf(document.kind));
-    const QByteArray committed = fileBytes(path);
+    const QByteArray committed = tests::contentOf(path);
     QVERIFY(committed.size() < 1000000);
     QVERIFY2(bytesOf(document) == committed, "samples/ is not what the generator makes");
 
@@ -310,17 +305,14 @@ class SourceFilesTest : public QObject {
   }
 
   void refusesMoneyThatDiffersUnlessAllowed_data() {
-    const tests::Rows<QByteArray, QByteArray, QString, int> row{"from", "to", "fragment", "line"};
+    const tests::Rows<QByteArray, QByteArray, QString, int> row;
     for (const QStringList& cells : table(DifferingMoney)) {
       QCOMPARE(cells.size(), 5);
       row(qPrintable(cells[0]), cells[1].toUtf8(), cells[2].toUtf8(), cells[3], cells[4].toInt());
     }
   }
   void refusesMoneyThatDiffersUnlessAllowed() {
-    QFETCH(QByteArray, from);
-    QFETCH(QByteArray, to);
-    QFETCH(QString, fragment);
-    QFETCH(int, line);
+    const auto [from, to, fragment, line] = tests::fetch<QByteArray, QByteArray, QString, int>();
     QByteArray bytes = Small;
     QCOMPARE(bytes.count(from), 1);
     bytes.replace(from, to);
@@ -370,27 +362,21 @@ class SourceFilesTest : public QObject {
         {"content=\"0.015\"", 12, 6},   {"price=\"168.00\"", 12, 4},
         {"taxRate=\"9\"", 3, 4},        {"buildingArea=\"120.5\"", 3, 2},
         {"resources=\"13.42\"", 15, 2}, {"base=\"13.42\"", 21, 2}};
-    const std::pair<QByteArray, const char*> badValues[] = {
-        {"-1", "是负数"},
-        {"1e3", "科学计数法"},
-        {"NaN", "不是数字"},
-        {"inf", "不是数字"},
-        {"", "为空"},
-        {" 1", "不是数字"},
-        {"1,000", "千位分隔符"},
-        {"+1", "不是数字"},
-        {"１２", "不是数字"},
-        {"0x10", "不是数字"},
-        {"1.2.3", "不是数字"},
-        {"1.", "小数点后"},
-        {".5", "不是数字"},
-        {"99999999999999999999", "过大或过长"},
-        {"0." + repeated("0", 51) + "1", "过长"}};
+    const std::pair<const char*, QList<QByteArray>> badValues[] = {
+        {"不是数字", {"NaN", "inf", " 1", "+1", "１２", "0x10", "1.2.3", ".5"}},
+        {"过大或过长", {"99999999999999999999", "0." + repeated("0", 51) + "1"}},
+        {"是负数", {"-1"}},
+        {"科学计数法", {"1e3"}},
+        {"千位分隔符", {"1,000"}},
+        {"小数点后", {"1."}},
+        {"为空", {""}}};
     for (const auto& [attribute, line, places] : figures) {
       const QByteArray name = attribute.left(attribute.indexOf('='));
-      for (const auto& [value, fragment] : badValues) {
-        row((name + " of '" + value + "'").constData(), attribute, name + "=\"" + value + "\"",
-            fragment, line);
+      for (const auto& [fragment, values] : badValues) {
+        for (const QByteArray& value : values) {
+          row((name + " of '" + value + "'").constData(), attribute, name + "=\"" + value + "\"",
+              fragment, line);
+        }
       }
       row((name + " too fine").constData(), attribute,
           name + "=\"1." + repeated("0", places) + "1\"", "小数超过", line);
@@ -473,7 +459,7 @@ class SourceFilesTest : public QObject {
       QVERIFY2(result.line >= 1 && result.column >= 1 && !result.reason.isEmpty(),
                qPrintable(QString::number(size) + result.message()));
     }
-    const QByteArray office = fileBytes(samplePath("办公楼.TBQD"));
+    const QByteArray office = tests::contentOf(samplePath("办公楼.TBQD"));
     QVERIFY(office.size() > 100000);
     for (int size = 0; size < office.lastIndexOf('>'); size += 6007) {
       QVERIFY(readBytes(office.left(size)).status == ReadResult::Status::Refused);
@@ -508,7 +494,7 @@ class SourceFilesTest : public QObject {
   }
 
   void acceptsHarmlessVariants_data() {
-    const tests::Rows<QByteArray> row{"bytes"};
+    const tests::Rows<QByteArray> row;
     const QByteArray small = Small;
     row("byte order mark", "\xEF\xBB\xBF" + small);
     row("line ends of Windows", QByteArray(small).replace('\n', "\r\n"));
@@ -526,7 +512,7 @@ class SourceFilesTest : public QObject {
             .replace("bills=\"33.38\" resources=\"13.42\"", "bills=\"0\" resources=\"0\""));
   }
   void acceptsHarmlessVariants() {
-    QFETCH(QByteArray, bytes);
+    const auto [bytes] = tests::fetch<QByteArray>();
     const ReadResult result = readBytes(bytes);
     QVERIFY2(result.ok(), qPrintable(result.message()));
     QVERIFY(result.report.agrees());
@@ -534,7 +520,7 @@ class SourceFilesTest : public QObject {
 
   void peeksAndExplains_data() {
     // fragment: empty: accepted
-    const tests::Rows<QString, QByteArray, QString> row{"name", "bytes", "fragment"};
+    const tests::Rows<QString, QByteArray, QString> row;
     const QByteArray small = Small;
     row("right kind", "a.TBQD", small, "");
     row("extension in small letters", "b.tbqd", small, "");
@@ -547,15 +533,10 @@ class SourceFilesTest : public QObject {
     row("other XML", "h.TBQD", QByteArray("<svg/>"), "不是造价源文件");
   }
   void peeksAndExplains() {
-    QFETCH(QString, name);
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, fragment);
+    const auto [name, bytes, fragment] = tests::fetch<QString, QByteArray, QString>();
     QTemporaryDir folder;
     const QString path = folder.filePath(name);
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    file.close();
+    tests::writeFile(path, bytes);
     const PeekResult peek = peekKind(path);
     const ReadResult read = SourceReader().read(path);
     QCOMPARE(peek.kind.has_value(), fragment.isEmpty());
@@ -591,7 +572,7 @@ class SourceFilesTest : public QObject {
     const auto make = [&](const char* name, int resources, quint64 seed) {
       const QString path = folder.filePath(name);
       const QString fault = SampleGenerator::generate(resources, seed, path);
-      return fault.isEmpty() ? fileBytes(path) : fault.toUtf8();
+      return fault.isEmpty() ? tests::contentOf(path) : fault.toUtf8();
     };
     const QByteArray first = make("a.TBQD", 9001, 7);
     QVERIFY(make("b.tbqd", 9001, 7) == first);
@@ -630,11 +611,11 @@ class SourceFilesTest : public QObject {
     const SourceDocument document = readBytes(Small).document;
     const QString path = folder.filePath("a.TBQD");
     QCOMPARE(SourceWriter::writeFile(document, path), QString());
-    const QByteArray before = fileBytes(path);
+    const QByteArray before = tests::contentOf(path);
     QVERIFY(readBytes(before).ok());
     QVERIFY(SourceWriter::writeFile(document, folder.filePath("a.ZBQD")).contains("TBQD"));
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList{"a.TBQD"});
-    QCOMPARE(fileBytes(path), before);
+    QCOMPARE(tests::contentOf(path), before);
   }
 };
 

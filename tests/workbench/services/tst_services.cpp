@@ -1,31 +1,15 @@
 #include <QAbstractButton>
 #include <QDir>
-#include <QFile>
 #include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
 
+#include "tests/support/files.h"
 #include "workbench/services/channels.h"
 #include "workbench/services/configuration.h"
 #include "workbench/services/install.h"
 #include "workbench/services/path_manager.h"
-
-namespace {
-
-void write(const QString& path, const QByteArray& content) {
-  QDir().mkpath(QFileInfo(path).path());
-  QFile file(path);
-  QVERIFY(file.open(QIODevice::WriteOnly));
-  file.write(content);
-}
-
-QByteArray contentOf(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-}  // namespace
 
 class ServicesTest : public QObject {
   Q_OBJECT
@@ -57,9 +41,9 @@ class ServicesTest : public QObject {
     QFETCH(QByteArray, content);
     const QTemporaryDir dir;
     const QString path = dir.filePath("settings.json");
-    write(path, content);
+    tests::writeFile(path, content);
     services::Configuration configuration(path);
-    QCOMPARE(contentOf(configuration.setAside()), content);
+    QCOMPARE(tests::contentOf(configuration.setAside()), content);
     configuration.setValue("a", "b");
     QCOMPARE(services::Configuration(path).getValue("a").value_or(""), std::string("b"));
   }
@@ -110,10 +94,10 @@ class ServicesTest : public QObject {
     QCOMPARE(names.size(), 5);
 
     QVERIFY(QFile::remove(templates.filePath(names[0])));
-    write(templates.filePath(names[1]), "mine");
+    tests::writeFile(templates.filePath(names[1]), "mine");
     QVERIFY(paths.installReportTemplates());
     QVERIFY(!QFile::exists(templates.filePath(names[0])));
-    QCOMPARE(contentOf(templates.filePath(names[1])), QByteArray("mine"));
+    QCOMPARE(tests::contentOf(templates.filePath(names[1])), QByteArray("mine"));
   }
 
   void installedServicesAreTakenBack() {

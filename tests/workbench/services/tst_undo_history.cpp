@@ -53,44 +53,29 @@ class Editor {
   void change() {
     const std::vector<ResourceItem*> items = fixture_.items();
     ResourceItem& item = *items[random_() % items.size()];
-    switch (random_() % 10) {
-      case 0:
-      case 1:
-        project_.set(item, ItemField::Price, PackedDecimal(Decimal(int(random_() % 90000)) / 700));
-        break;
-      case 2:
-        project_.set(item, ItemField::TaxRate, PackedDecimal(Decimal(int(random_() % 18))));
-        break;
-      case 3:
-        project_.set(item, ItemField::Annotation,
-                     project_.texts.intern(std::to_string(random_() % 50)));
-        break;
-      case 4:
-        project_.set(item, ItemField::OwnerSupplied, random_() % 2 == 0);
-        break;
-      case 5:
-        project_.set(item, ItemField::Account,
-                     project_.allAccounts()[random_() % project_.allAccounts().size()]);
-        break;
-      case 6:
-        project_.moveUp(item);
-        break;
-      case 7:
-        project_.moveDown(item);
-        break;
-      case 8: {
-        records::ResourceItemData data;
-        data.category = static_cast<Category>(random_() % records::CategoryCount);
-        data.code = data.name = project_.texts.intern("N" + std::to_string(random_() % 100));
-        data.quantity = Decimal(int(random_() % 1000)) / 8;
-        data.price = Decimal(3);
-        project_.add(*project_.unitWorks()[random_() % project_.unitWorks().size()], data);
-        break;
-      }
-      default:
-        project_.remove(item);  // refused for most
-        break;
-    }
+    const auto pick = [this](const auto& from) { return from[random_() % from.size()]; };
+    const std::function<void()> kinds[] = {
+        [&] { project_.set(item, ItemField::Price, PackedDecimal(Decimal(number(90000)) / 700)); },
+        [&] { project_.set(item, ItemField::TaxRate, PackedDecimal(Decimal(number(18)))); },
+        [&] { project_.set(item, ItemField::Annotation, text("", 50)); },
+        [&] { project_.set(item, ItemField::OwnerSupplied, number(2) == 0); },
+        [&] { project_.set(item, ItemField::Account, pick(project_.allAccounts())); },
+        [&] { project_.moveUp(item); },
+        [&] { project_.moveDown(item); },
+        [&] { project_.remove(item); },  // refused for most
+        [&] {
+          records::ResourceItemData data;
+          data.category = static_cast<Category>(number(records::CategoryCount));
+          data.code = data.name = text("N", 100);
+          data.quantity = Decimal(number(1000)) / 8;
+          data.price = Decimal(3);
+          project_.add(*pick(project_.unitWorks()), data);
+        }};
+    kinds[random_() % std::size(kinds)]();
+  }
+  int number(unsigned below) { return static_cast<int>(random_() % below); }
+  records::Text text(const std::string& start, unsigned below) {
+    return project_.texts.intern(start + std::to_string(number(below)));
   }
 
   tests::ProjectFixture& fixture_;
@@ -157,10 +142,7 @@ class UndoHistoryTest : public QObject {
     tests::ProjectFixture fixture;
     controllers::OpenProject& opened = *fixture.open();
     ResourceItem& item = fixture.item(0, Category::Material, 1);
-    {
-      const app::ScopedUndo undo("");
-      opened.project().set(item, ItemField::Price, PackedDecimal(Decimal(7)));
-    }
+    fixture.setPrice(item, 7);
     QCOMPARE(opened.undo().stack()->undoText(), QStringLiteral("修改不含税单价"));
     QVERIFY(opened.resItemController().moveUp(&item));
     QCOMPARE(opened.undo().stack()->undoText(), QStringLiteral("上移"));
@@ -180,8 +162,7 @@ class UndoHistoryTest : public QObject {
       const app::ScopedUndo outer("");
       for (int row = 0; row < 3; ++row) {
         const app::ScopedUndo inner("批量");
-        opened.project().set(fixture.item(0, Category::Material, row), ItemField::Price,
-                             PackedDecimal(Decimal(row)));
+        fixture.setPrice(fixture.item(0, Category::Material, row), row);
       }
     }
     QCOMPARE(opened.undo().stack()->count(), 1);
@@ -194,10 +175,7 @@ class UndoHistoryTest : public QObject {
     tests::ProjectFixture fixture;
     controllers::OpenProject& opened = *fixture.open();
     ResourceItem& item = fixture.item(0, Category::Material, 0);
-    {
-      const app::ScopedUndo undo("");
-      opened.project().set(item, ItemField::Price, PackedDecimal(Decimal(5)));
-    }
+    fixture.setPrice(item, 5);
     opened.undo().stack()->undo();
     {
       const app::ScopedUndo undo("");
@@ -214,14 +192,12 @@ class UndoHistoryTest : public QObject {
     const std::string before = opened->project().dump();
     {
       app::ScopedUndo outer("");
-      opened->project().set(fixture.item(0, Category::Material, 0), ItemField::Price,
-                            PackedDecimal(Decimal(5)));
+      fixture.setPrice(fixture.item(0, Category::Material, 0), 5);
       {
         app::ScopedUndo inner("");
         inner.abandon();
       }
-      opened->project().set(fixture.item(0, Category::Material, 1), ItemField::Price,
-                            PackedDecimal(Decimal(6)));
+      fixture.setPrice(fixture.item(0, Category::Material, 1), 6);
     }
     QCOMPARE(opened->undo().stack()->count(), 0);
     QVERIFY(opened->project().dump() == before);

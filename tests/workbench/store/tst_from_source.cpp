@@ -1,11 +1,16 @@
 #include <QtTest>
 
+#include "tests/support/rows.h"
 #include "workbench/exchange/sample_generator.h"
 #include "workbench/store/from_source.h"
 
 using costing::Decimal;
+using exchange::Resource;
 using records::Category;
 using records::ResourceItem;
+
+using Change = std::function<void(Resource&)>;
+Q_DECLARE_METATYPE(Change)
 
 namespace {
 
@@ -13,8 +18,8 @@ Decimal dec(const char* text) {
   return Decimal::parse(text).value();
 }
 
-exchange::Resource resource(const char* id, const char* content, const char* price) {
-  exchange::Resource result;
+Resource resource(const char* id, const char* content, const char* price) {
+  Resource result;
   result.id = id;
   result.code = "C1";
   result.name = "水泥";
@@ -27,8 +32,8 @@ exchange::Resource resource(const char* id, const char* content, const char* pri
 }
 
 /// One unit work with two bills of 3.5 and 10 units.
-exchange::SourceDocument document(const std::vector<exchange::Resource>& first,
-                                  const std::vector<exchange::Resource>& second) {
+exchange::SourceDocument document(const std::vector<Resource>& first,
+                                  const std::vector<Resource>& second) {
   exchange::SourceDocument result;
   result.accounts = {{"a1", "01", "材料费", exchange::ResourceCategory::Material, {}},
                      {"a2", "02", "水泥费", {}, {}}};
@@ -78,49 +83,24 @@ class FromSourceTest : public QObject {
   }
 
   void keepsApartWhatDiffers_data() {
-    QTest::addColumn<int>("field");
-    const char* fields[] = {"code",  "name",        "spec",       "unit",     "price",  "tax",
-                            "owner", "provisional", "adjustable", "category", "account"};
-    for (int i = 0; i < 11; ++i) QTest::newRow(fields[i]) << i;
+    const tests::Rows<Change> row;
+    row("code", [](Resource& other) { other.code = "C2"; });
+    row("name", [](Resource& other) { other.name = "水"; });
+    row("spec", [](Resource& other) { other.spec = "P.C 42.5"; });
+    row("unit", [](Resource& other) { other.unit = "kg"; });
+    row("price", [](Resource& other) { other.price = dec("400.051"); });
+    row("tax", [](Resource& other) { other.taxRate = dec("3"); });
+    row("owner", [](Resource& other) { other.ownerSupplied = true; });
+    row("provisional", [](Resource& other) { other.provisional = true; });
+    row("adjustable", [](Resource& other) { other.priceAdjustable = true; });
+    row("category",
+        [](Resource& other) { other.category = exchange::ResourceCategory::Equipment; });
+    row("account", [](Resource& other) { other.accountId = "a2"; });
   }
   void keepsApartWhatDiffers() {
-    QFETCH(int, field);
-    exchange::Resource other = resource("r2", "0.3", "400.05");
-    switch (field) {
-      case 0:
-        other.code = "C2";
-        break;
-      case 1:
-        other.name = "水";
-        break;
-      case 2:
-        other.spec = "P.C 42.5";
-        break;
-      case 3:
-        other.unit = "kg";
-        break;
-      case 4:
-        other.price = dec("400.051");
-        break;
-      case 5:
-        other.taxRate = dec("3");
-        break;
-      case 6:
-        other.ownerSupplied = true;
-        break;
-      case 7:
-        other.provisional = true;
-        break;
-      case 8:
-        other.priceAdjustable = true;
-        break;
-      case 9:
-        other.category = exchange::ResourceCategory::Equipment;
-        break;
-      default:
-        other.accountId = "a2";
-        break;
-    }
+    const auto [change] = tests::fetch<Change>();
+    Resource other = resource("r2", "0.3", "400.05");
+    change(other);
     records::Project project;
     QVERIFY(store::fillFromSource(project, document({resource("r1", "0.3", "400.05")}, {other})));
     QCOMPARE(project.itemCount(), 2);
@@ -161,7 +141,7 @@ class FromSourceTest : public QObject {
   }
 
   void canBeCancelled() {
-    const std::vector<exchange::Resource> many(1500, resource("r", "0.3", "400.05"));
+    const std::vector<Resource> many(1500, resource("r", "0.3", "400.05"));
     records::Project project;
     std::size_t heard = 0;
     QVERIFY(!store::fillFromSource(project, document(many, many), [&](std::size_t done) {

@@ -12,6 +12,7 @@
 #include <cstdio>
 
 #include "host/app/scoped_undo.h"
+#include "tests/support/files.h"
 #include "tests/support/rows.h"
 #include "tests/workbench/project_fixture.h"
 #include "workbench/records/project_templates.h"
@@ -40,17 +41,6 @@ void tamper(const QString& path, const QStringList& statements) {
     database.close();
   }
   QSqlDatabase::removeDatabase("tamper");
-}
-
-void write(const QString& path, const QByteArray& content) {
-  QFile file(path);
-  QVERIFY(file.open(QIODevice::WriteOnly));
-  file.write(content);
-}
-
-QByteArray contentOf(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 /// Pools a part of the first budget item into an item of its unit work other than its home.
@@ -225,7 +215,7 @@ class ProjectFileTest : public QObject {
   }
 
   void refusesWithItsOwnMessage_data() {
-    const tests::Rows<QString, FailureKind, QString> row{"fault", "kind", "words"};
+    const tests::Rows<QString, FailureKind, QString> row;
     row("missing", "missing", FailureKind::Missing, "不存在");
     row("text", "text", FailureKind::NotAProject, "不是成本测算工程文件");
     row("empty", "empty", FailureKind::NotAProject, "不是成本测算工程文件");
@@ -258,17 +248,15 @@ class ProjectFileTest : public QObject {
         "取值不正确");
   }
   void refusesWithItsOwnMessage() {
-    QFETCH(QString, fault);
-    QFETCH(FailureKind, kind);
-    QFETCH(QString, words);
+    const auto [fault, kind, words] = tests::fetch<QString, FailureKind, QString>();
     tests::ProjectFixture fixture;
     QString path = fixture.path();
     if (fault == "missing") {
       QVERIFY(QFile::remove(path));
     } else if (fault == "text") {
-      write(path, "这是一个文本文件");
+      tests::writeFile(path, "这是一个文本文件");
     } else if (fault == "empty") {
-      write(path, {});
+      tests::writeFile(path, {});
     } else if (fault == "directory") {
       path = fixture.directory();
     } else if (fault == "cut") {
@@ -276,13 +264,13 @@ class ProjectFileTest : public QObject {
     } else if (fault == "header") {
       QVERIFY(QFile::resize(path, 50));
     } else if (fault == "scribble") {
-      QByteArray content = contentOf(path);
+      QByteArray content = tests::contentOf(path);
       for (int i = 4096; i < content.size() / 2; ++i) content[i] = char(i * 7);
-      write(path, content);
+      tests::writeFile(path, content);
     } else {
       tamper(path, fault.split("; "));
     }
-    const QByteArray before = fault == "directory" ? QByteArray() : contentOf(path);
+    const QByteArray before = fault == "directory" ? QByteArray() : tests::contentOf(path);
 
     store::Failure failure;
     QVERIFY(!store::ProjectFile::open(path, failure));
@@ -291,7 +279,7 @@ class ProjectFileTest : public QObject {
     QString plain = failure.message;
     plain.remove(path).remove(QRegularExpression("（技术信息：[^）]*）"));
     QVERIFY2(!plain.contains(QRegularExpression("[A-Za-z]+ [A-Za-z]+")), qPrintable(plain));
-    if (fault != "directory") QVERIFY(contentOf(path) == before);
+    if (fault != "directory") QVERIFY(tests::contentOf(path) == before);
     QVERIFY(!store::check(path).ok());
   }
 
@@ -348,13 +336,13 @@ class ProjectFileTest : public QObject {
 
   void replacesOnlyWhenTold() {
     tests::ProjectFixture fixture;
-    const QByteArray before = contentOf(fixture.path());
+    const QByteArray before = tests::contentOf(fixture.path());
     store::Failure failure;
     QVERIFY(!store::ProjectFile::create(fixture.path(), nullptr, {"新", {}, {}}, failure));
     QVERIFY(failure.kind == FailureKind::Exists);
     QVERIFY(!store::ProjectFile::create(
         fixture.path(), nullptr, {"新", {}, {}}, failure, [](int) { return false; }, true));
-    QVERIFY(contentOf(fixture.path()) == before);
+    QVERIFY(tests::contentOf(fixture.path()) == before);
     QVERIFY(store::ProjectFile::create(fixture.path(), nullptr, {"新", {}, {}}, failure, {}, true));
     QCOMPARE(fixture.open()->facts().name, std::string("新"));
   }
@@ -389,10 +377,7 @@ class ProjectFileTest : public QObject {
     tests::ProjectFixture fixture;
     controllers::OpenProject* opened = fixture.open();
     records::ResourceItem& item = fixture.item(0, Category::Material, 0);
-    const auto edit = [&](int price) {
-      const app::ScopedUndo undo("");
-      opened->project().set(item, ItemField::Price, PackedDecimal(Decimal(price)));
-    };
+    const auto edit = [&](int price) { fixture.setPrice(item, price); };
     edit(11);
     const std::string before = opened->project().dump();
 
@@ -417,7 +402,7 @@ class ProjectFileTest : public QObject {
   }
 
   void checkFindsWhatWasTamperedWith_data() {
-    const tests::Rows<QString, QString> row{"statement", "words"};
+    const tests::Rows<QString, QString> row;
     const QString one = QStringLiteral(" WHERE id = (SELECT min(id) FROM %1)");
     row("project total", "UPDATE cost_total SET excluded = '1' WHERE node_id = 0",
         "整个项目的不含税合计");
@@ -457,8 +442,7 @@ class ProjectFileTest : public QObject {
         "的自有数量");
   }
   void checkFindsWhatWasTamperedWith() {
-    QFETCH(QString, statement);
-    QFETCH(QString, words);
+    const auto [statement, words] = tests::fetch<QString, QString>();
     tests::ProjectFixture fixture;
     book(fixture);
     QVERIFY(store::check(fixture.path()).ok());
