@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "host/app/spreadsheet.h"
 #include "host/base/log.h"
 
 namespace app {
@@ -10,6 +11,7 @@ UndoService::~UndoService() = default;
 Channel::~Channel() = default;
 PathMgr::~PathMgr() = default;
 GlobalConfig::~GlobalConfig() = default;
+Spreadsheets::~Spreadsheets() = default;
 
 namespace {
 
@@ -34,6 +36,13 @@ class NoPaths : public PathMgr {
 class NoConfig : public GlobalConfig {
   std::optional<std::string> getValue(const std::string&) const override { return {}; }
   void setValue(const std::string&, const std::string&) override {}
+};
+
+class NoSpreadsheets : public Spreadsheets {
+  bool save(const std::string& name, const std::vector<Sheet>&) override {
+    base::Log(base::LogLevel::Warning, "No spreadsheet service is installed to save " + name);
+    return false;
+  }
 };
 
 Services& installed() {
@@ -64,6 +73,10 @@ PathMgr* GetPathMgr() {
 }
 GlobalConfig* GetGlobalConfig() {
   return orFallback<NoConfig>(installed().globalConfig);
+}
+
+Spreadsheets* GetSpreadsheets() {
+  return orFallback<NoSpreadsheets>(installed().spreadsheets);
 }
 
 namespace qce {

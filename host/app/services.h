@@ -2,12 +2,15 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "contract_export.h"
 
 // What a host application offers to every page. The host installs its services once at start-up,
 // before the first page is made, and keeps them alive until after the last one is gone.
 namespace app {
+
+struct Sheet;
 
 /// Undo steps. Scopes nest; what the outermost one contains is one step and one storage
 /// transaction.
@@ -47,6 +50,17 @@ class QCE_CONTRACT_EXPORT GlobalConfig {
   virtual void setValue(const std::string& key, const std::string& value) = 0;
 };
 
+/// Keeps tables as spreadsheet files.
+class QCE_CONTRACT_EXPORT Spreadsheets {
+ public:
+  virtual ~Spreadsheets();
+  /// Asks the user for a file, proposing `name` (UTF-8, without folder and suffix; what a file name
+  /// must not hold is the host's to replace), and writes the sheets into it in their order. False
+  /// when the user cancels, and when it cannot be written: the user then has been told why, and a
+  /// file that was there before is as it was.
+  virtual bool save(const std::string& name, const std::vector<Sheet>& sheets) = 0;
+};
+
 /// The services of a host; a null one makes what needs it do nothing.
 struct Services {
   UndoService* undo = nullptr;
@@ -54,6 +68,7 @@ struct Services {
   Channel* qceChannel = nullptr;  ///< the module's channel
   PathMgr* pathMgr = nullptr;
   GlobalConfig* globalConfig = nullptr;
+  Spreadsheets* spreadsheets = nullptr;
 };
 
 /// Installs the services and returns those that were installed before.
@@ -65,6 +80,7 @@ QCE_CONTRACT_EXPORT UndoService* GetUndoService();
 QCE_CONTRACT_EXPORT Channel* GetChannel();
 QCE_CONTRACT_EXPORT PathMgr* GetPathMgr();
 QCE_CONTRACT_EXPORT GlobalConfig* GetGlobalConfig();
+QCE_CONTRACT_EXPORT Spreadsheets* GetSpreadsheets();
 
 namespace qce {
 QCE_CONTRACT_EXPORT Channel* GetQCEChannel();

@@ -32,6 +32,9 @@ class QCE_HOST_WIDGETS_EXPORT GridHeader : public QHeaderView {
   bool hasGroups() const { return !captions_.isEmpty(); }
   /// The group captions as they lie, from the start of the first column.
   std::vector<HeaderSpan> spans() const;
+  /// The group of a column; -1 for none.
+  int groupOf(int logicalIndex) const;
+  QString groupCaption(int group) const { return captions_.value(group); }
 
   QSize sizeHint() const override;
 
@@ -47,7 +50,6 @@ class QCE_HOST_WIDGETS_EXPORT GridHeader : public QHeaderView {
  private:
   std::vector<HeaderColumn> columns() const;
   int effectiveFrozenCount() const;
-  int groupOf(int logicalIndex) const;
   int captionHeight() const;
   void paintCaptions(QPainter& painter, bool frozen) const;
   bool isOnCaption(const QPoint& at) const;

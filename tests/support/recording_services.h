@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "host/app/services.h"
+#include "host/app/spreadsheet.h"
 #include "workbench/services/channels.h"
 
 namespace tests {
@@ -29,7 +30,20 @@ class RecordingUndo : public app::UndoService {
   bool abandoned_ = false;
 };
 
-/// Both of them installed for as long as this lives; both channels are the same one.
+/// Keeps what it is told to save.
+class RecordingSpreadsheets : public app::Spreadsheets {
+ public:
+  bool save(const std::string& name, const std::vector<app::Sheet>& sheets) override {
+    names.push_back(name);
+    saved = sheets;
+    return succeeds;
+  }
+  std::vector<std::string> names;  ///< one a call
+  std::vector<app::Sheet> saved;   ///< by the last call
+  bool succeeds = true;
+};
+
+/// All of them installed for as long as this lives; both channels are the same one.
 class RecordingServices {
  public:
   RecordingServices() {
@@ -37,6 +51,7 @@ class RecordingServices {
     services.undo = &undo;
     services.channel = &channel;
     services.qceChannel = &channel;
+    services.spreadsheets = &spreadsheets;
     before_ = app::InstallServices(services);
   }
   ~RecordingServices() { app::InstallServices(before_); }
@@ -45,6 +60,7 @@ class RecordingServices {
 
   services::RecordingChannel channel;
   RecordingUndo undo;
+  RecordingSpreadsheets spreadsheets;
 
  private:
   app::Services before_;
