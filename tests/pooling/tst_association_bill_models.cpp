@@ -274,24 +274,17 @@ class AssociationBillModelsTest : public QObject {
 
   void doesNothingWithoutOperatorOrSource() {
     Filter orphan(nullptr);
-    Elements out;
-    orphan.setBaseResItem({});
-    orphan.setSubProject(nullptr);
-    orphan.resetModel();
-    orphan.clickedStat(at("a1"), true);
-    orphan.clearChecked();
-    orphan.getAllChoosedBills(out);
-    orphan.filterType(std::string("x"));
-    orphan.filterType(true);
-    QVERIFY(!orphan.associationBill(true) && !orphan.associationGroup());
-    QVERIFY(!orphan.isSelected(at("a1"), true) && orphan.getBranch(at("A")).empty());
-
     Model empty;
-    empty.resetModel();
-    empty.getAssociationBills(out);
-    empty.getCancelAssociationBills(out);
-    QVERIFY(!empty.associationBill(true) && !empty.associationGroup());
-    QVERIFY(out.empty());
+    Filter filter(&empty);
+    for (Filter* each : {&orphan, &filter}) {
+      Elements out;
+      each->resetModel();
+      each->clickedStat(at("a1"), true);
+      each->getAllChoosedBills(out);
+      each->getAssociationBills(out);
+      each->filterType(true);
+      QVERIFY(out.empty() && !each->associationBill(true) && !each->associationGroup());
+    }
   }
 
  private:

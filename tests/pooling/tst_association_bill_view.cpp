@@ -209,22 +209,21 @@ class AssociationBillViewTest : public QObject {
 
   void handsOverToPooling() {
     auto* collect = find<QCheckBox>("collect");
-    const auto confirm = [this] { driver_.click(button("确定")); };
     collect->setChecked(true);
-    QVERIFY(view_->needCollectToQCERes());
-    run(confirm);
-    QCOMPARE(controller_.calls, QStringList({"associate", "collect"}));
     run([this] { driver_.key(Qt::Key_Escape); });
+    QVERIFY(controller_.calls.isEmpty());
+    run([this] { driver_.click(button("确定")); });
+    QCOMPARE(controller_.calls, QStringList({"associate", "collect"}));
     view_->setCollectedHidden(true);
     QVERIFY(!view_->needCollectToQCERes() && collect->isHidden());
-    view_->setUnifyFBChecked(true);
-    view_->setUnifyFBEnable(false);
-    QVERIFY(view_->getUnifyFBChecked() && !find<QCheckBox>("unify")->isEnabled());
-    run(confirm);
-    QCOMPARE(controller_.calls, QStringList({"associate", "collect", "associate unify"}));
     view_->setCollectedHidden(false);
+    QVERIFY(!collect->isChecked() && !collect->isHidden());
+    auto* unify = find<QCheckBox>("unify");
+    view_->setUnifyFBEnable(false);
     view_->setUnifyFBVisible(false);
-    QVERIFY(!collect->isHidden() && !collect->isChecked() && find<QCheckBox>("unify")->isHidden());
+    QVERIFY(!view_->getUnifyFBChecked() && !unify->isEnabled() && unify->isHidden());
+    view_->setUnifyFBChecked(true);
+    QVERIFY(view_->getUnifyFBChecked());
   }
 
   void menuChecksTheSelectedRows() {

@@ -309,13 +309,17 @@ bool AssociationBillOperator::isExcluded(const proxy::Element* row, const std::s
   if (text != matched_) {
     matched_ = text;
     matcher_ = bwidgets::TextMatcher(QString::fromStdString(text));
+    matches_.clear();
   }
   if (matcher_.isEmpty()) return false;
+  // Initials take time, and a tree that filters by its branches asks for a bill on every floor.
   const records::Bill& bill = found->bill;
+  const auto known = matches_.find(&bill);
+  if (known != matches_.end()) return !known->second;
   const auto holds = [this](records::Text part) {
     return matcher_.matches(QString::fromStdString(part.str()));
   };
-  return !holds(bill.code) && !holds(bill.name) && !holds(bill.features);
+  return !(matches_[&bill] = holds(bill.code) || holds(bill.name) || holds(bill.features));
 }
 
 bool AssociationBillOperator::isInSection(const proxy::Element* row,

@@ -98,6 +98,7 @@ class AssociationBillOperator : public domain::qce::QCEAssociationBillRightOpera
   bool unified_ = false;
   mutable std::string matched_;
   mutable bwidgets::TextMatcher matcher_;
+  mutable std::unordered_map<const records::Bill*, bool> matches_;  // of the text above
 };
 
 }  // namespace operators
