@@ -48,7 +48,10 @@ class FakeController : public abst::qce::QCEResItemController {
     model_.endMoveDownItem();
     return true;
   }
+  bool canCollectToCost(proxy::Element* item) const override { return Fake::isItem(item); }
+  void collectToCost(proxy::Element* item) override { collected.push_back(item); }
   std::vector<std::pair<std::string, proxy::Element*>> subProjects;
+  std::vector<proxy::Element*> collected;
 
  private:
   Fake& op_;
@@ -294,6 +297,14 @@ class TestView : public QObject {
     QCOMPARE(s.shown(), QString("钢材(s3 s1 s2) 人工(l1)"));
   }
 
+  void collectsToTheCurrentItem() {
+    Setup s;
+    s.select({s.s2, s.l1});
+    s.click("归集到成本");
+    QTest::keyClick(s.grid, Qt::Key_G, Qt::ControlModifier);
+    QVERIFY(s.controller.collected == (std::vector<proxy::Element*>{s.l1, s.l1}));
+  }
+
   void enablesWhatCanBeDone() {
     Setup s;
     const auto enabled = [&s](const QString& text) {
@@ -305,7 +316,7 @@ class TestView : public QObject {
     s.select({});
     QVERIFY(!enabled("批量设置不含税单价") && !enabled("上移"));
     s.select({s.labour});
-    QVERIFY(!enabled("批量设置不含税单价") && !enabled("编辑批注"));
+    QVERIFY(!enabled("批量设置不含税单价") && !enabled("编辑批注") && !enabled("归集到成本"));
     s.select({s.s1});
     QVERIFY(enabled("批量设置不含税单价") && enabled("编辑批注") && enabled("下移"));
     QVERIFY(!enabled("上移"));
@@ -358,7 +369,7 @@ class TestView : public QObject {
       if (action->isEnabled() && !action->text().isEmpty()) enabled << action->text();
     }
     for (const char* text :
-         {"批量设置不含税单价", "编辑批注", "上移", "下移", "条件过滤", "刷新分组"}) {
+         {"归集到成本", "批量设置不含税单价", "编辑批注", "上移", "下移", "条件过滤", "刷新分组"}) {
       QVERIFY2(enabled.contains(text), text);
     }
     QVERIFY(!enabled.contains("删除批注"));  // there is none to delete
