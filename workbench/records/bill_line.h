@@ -17,6 +17,7 @@ class Refusal : public std::runtime_error {
 struct LineTerms {
   bool associated = false;
   bool summary = false;                     ///< 汇总统计: one summarised 专业分包 entry
+  Text summaryUnit;                         ///< that the entry is let in; empty: the bill's
   costing::Decimal coefficient{1};          ///< factor on the quantity, never 0
   std::optional<costing::Decimal> content;  ///< actual content (实际含量) per unit of the bill
   /// Subcontract cost price excluding tax (分包不含税成本单价), yuan per unit of the bill, not
@@ -26,8 +27,8 @@ struct LineTerms {
 
   friend bool operator==(const LineTerms& a, const LineTerms& b) {
     return a.associated == b.associated && a.summary == b.summary &&
-           a.coefficient == b.coefficient && a.content == b.content && a.price == b.price &&
-           a.priceExpression == b.priceExpression;
+           a.summaryUnit == b.summaryUnit && a.coefficient == b.coefficient &&
+           a.content == b.content && a.price == b.price && a.priceExpression == b.priceExpression;
   }
   friend bool operator!=(const LineTerms& a, const LineTerms& b) { return !(a == b); }
 };

@@ -433,7 +433,7 @@ std::string Project::dump() const {
         for (const Bill* bill : bookings_.billsWithTerms(*item)) {
           const LineTerms& terms = *bookings_.termsOf(*item, *bill);
           line({"bill", std::to_string(bill->id()), terms.associated ? "1" : "0",
-                terms.summary ? "1" : "0", terms.coefficient.toString(),
+                terms.summary ? "1" : "0", terms.summaryUnit.str(), terms.coefficient.toString(),
                 terms.content ? terms.content->toString() : "",
                 terms.price ? terms.price->toString() : "", terms.priceExpression.str()});
         }

@@ -104,8 +104,8 @@ constexpr char InsertItem[] =
 constexpr char InsertPooling[] =
     "INSERT INTO pooling (quantity, budget_item_id, resource_item_id) VALUES (?, ?, ?)";
 constexpr char InsertLine[] =
-    "INSERT INTO bill_line (associated, summary, coefficient, content, price, price_expression,"
-    " resource_item_id, bill_id) VALUES (?, ?, ?, ?, ?, ?, ?, ?)";
+    "INSERT INTO bill_line (associated, summary, summary_unit, coefficient, content, price,"
+    " price_expression, resource_item_id, bill_id) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)";
 
 std::vector<QVariant> poolingCells(const records::BudgetItem& budgetItem,
                                    const records::ResourceItem& into, const Decimal& quantity) {
@@ -114,9 +114,9 @@ std::vector<QVariant> poolingCells(const records::BudgetItem& budgetItem,
 
 std::vector<QVariant> lineCells(const records::ResourceItem& item, const records::Bill& bill,
                                 const records::LineTerms& terms) {
-  return {cell(terms.associated), cell(terms.summary), cell(terms.coefficient),
-          cell(terms.content),    cell(terms.price),   cell(terms.priceExpression),
-          cell(item.id()),        cell(bill.id())};
+  return {cell(terms.associated),      cell(terms.summary), cell(terms.summaryUnit),
+          cell(terms.coefficient),     cell(terms.content), cell(terms.price),
+          cell(terms.priceExpression), cell(item.id()),     cell(bill.id())};
 }
 
 constexpr char UpdateItem[] =
@@ -579,8 +579,8 @@ class Reader {
       if (!item.gathered()) builder_.setOwnQuantity(item, quantity);
     }
     Rows lines(database_, "bill_line",
-               "resource_item_id, bill_id, associated, summary, coefficient, content, price,"
-               " price_expression",
+               "resource_item_id, bill_id, associated, summary, summary_unit, coefficient, content,"
+               " price, price_expression",
                "resource_item_id, bill_id");
     while (lines.next()) {
       records::ResourceItem& item = lines.required(items_);
@@ -589,6 +589,7 @@ class Reader {
       records::LineTerms terms;
       terms.associated = lines.flag();
       terms.summary = lines.flag();
+      texts(lines, terms.summaryUnit);
       terms.coefficient = lines.decimal();
       terms.content = lines.optionalDecimal();
       terms.price = lines.optionalDecimal();

@@ -94,8 +94,8 @@ QStringList toVersion2() {
                      " resource_item_id integer NOT NULL REFERENCES resource_item (id),"
                      " bill_id integer NOT NULL REFERENCES bill (id),"
                      " associated integer NOT NULL, summary integer NOT NULL,"
-                     " coefficient text NOT NULL, content text, price text,"
-                     " price_expression text NOT NULL,"
+                     " summary_unit text NOT NULL, coefficient text NOT NULL,"
+                     " content text, price text, price_expression text NOT NULL,"
                      " PRIMARY KEY (resource_item_id, bill_id))"),
   };
 }

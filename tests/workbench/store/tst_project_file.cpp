@@ -241,7 +241,7 @@ class ProjectFileTest : public QObject {
         FailureKind::Damaged, "超出可计算的范围");
     row("bookings gone", "DROP TABLE pooling", FailureKind::Damaged, "已损坏");
     row("booked across unit works",
-        "INSERT INTO bill_line SELECT min(r.id), (SELECT max(id) FROM bill), 1, 0, '1', NULL,"
+        "INSERT INTO bill_line SELECT min(r.id), (SELECT max(id) FROM bill), 1, 0, '', '1', NULL,"
         " NULL, '' FROM resource_item r",
         FailureKind::Damaged, "不在同一单位工程");
     row("unknown category", "UPDATE resource_item SET category = 9", FailureKind::Damaged,
