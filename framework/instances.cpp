@@ -9,5 +9,7 @@ template class TFilterViewModel<abst::qce::QCENotionalPoolingFilterModel>;
 template class TViewModel<abst::qce::QCEAssociationBillLeftModel>;
 template class TViewModel<abst::qce::QCEAssociationBillRightModel>;
 template class TFilterViewModel<abst::qce::QCEAssociationBillRightFilterModel>;
+template class TViewModel<abst::qce::QCEResItemBillModel>;
+template class TFilterViewModel<abst::qce::QCEResItemBillFilterModel>;
 
 }  // namespace gui

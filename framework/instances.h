@@ -9,6 +9,8 @@
 #include "host/abst/qce/association_bill_right_filter_model.h"
 #include "host/abst/qce/notional_pooling_filter_model.h"
 #include "host/abst/qce/notional_pooling_model.h"
+#include "host/abst/qce/res_item_bill_filter_model.h"
+#include "host/abst/qce/res_item_bill_model.h"
 #include "host/abst/qce/res_item_filter_model.h"
 #include "host/abst/qce/res_item_model.h"
 
@@ -21,5 +23,7 @@ extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCENotionalPoolingF
 extern template class QCE_EXPORT TViewModel<abst::qce::QCEAssociationBillLeftModel>;
 extern template class QCE_EXPORT TViewModel<abst::qce::QCEAssociationBillRightModel>;
 extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCEAssociationBillRightFilterModel>;
+extern template class QCE_EXPORT TViewModel<abst::qce::QCEResItemBillModel>;
+extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCEResItemBillFilterModel>;
 
 }  // namespace gui

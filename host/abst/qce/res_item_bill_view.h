@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/abst/base_view.h"
+#include "contract_export.h"
 
 namespace proxy {
 class Element;
@@ -12,10 +12,11 @@ class Element;
 
 namespace abst::qce {
 
-/// The pane of a resource item's bills, as the page above it sees it.
-class QCE_CONTRACT_EXPORT QCEResItemBillView : public BaseView {
+/// The pane of a resource item's bills, as the page above it sees it: a sub-view (abst::BaseView)
+/// that follows the page's current item.
+class QCE_CONTRACT_EXPORT QCEResItemBillView {
  public:
-  ~QCEResItemBillView() override;
+  virtual ~QCEResItemBillView();
 
   /// The pane's item is another one; null for none. A hidden pane and one that is told of many
   /// items in a row asks for no rows before it is seen at rest.
