@@ -13,6 +13,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSplitter>
+#include <QStackedWidget>
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
@@ -20,6 +21,7 @@
 
 #include "framework/cell_value.h"
 #include "framework/des_filter_view.h"
+#include "host/abst/qce/res_item_bill_view.h"
 #include "host/app/services.h"
 #include "host/base/number_text.h"
 #include "host/domain/field_keys.h"
@@ -33,6 +35,11 @@
 
 namespace gui::qce {
 namespace {
+
+constexpr char PaneShownSetting[] = "QCE_ResItem_paneShown";
+constexpr char PaneHeightSetting[] = "QCE_ResItem_paneHeight";
+constexpr int PaneHeight = 240;  // pixels at first
+constexpr int MinPaneHeight = 110;
 
 enum AssociationChoice { ShowAll, ShowAssociated, ShowUnassociated };
 
@@ -102,6 +109,14 @@ void QCEResItemViewImpl::createActions() {
                               QKeySequence("Ctrl+G"), &Page::collectToCost);
   associationAction_ = addCommand("关联清单", "选择选中的成本工料机所关联的清单",
                                   QKeySequence("Ctrl+L"), &Page::associateBills);
+  paneAction_ = new QAction("清单明细", this);
+  paneAction_->setCheckable(true);
+  paneAction_->setVisible(false);  // until there is a pane
+  paneAction_->setShortcut(QKeySequence("Ctrl+D"));
+  paneAction_->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+  paneAction_->setToolTip("在下方显示或隐藏当前人材机的清单（Ctrl+D）");
+  connect(paneAction_, &QAction::toggled, this, &Page::showPane);
+  addAction(paneAction_);
   moveUpAction_ = addCommand("上移", "把选中的行上移一行", QKeySequence("Alt+Up"), &Page::moveUp);
   moveDownAction_ =
       addCommand("下移", "把选中的行下移一行", QKeySequence("Alt+Down"), &Page::moveDown);
@@ -165,8 +180,8 @@ void QCEResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
   toolBar->addWidget(createSeparator(this));
   // In a narrow window it keeps what does not fit behind an arrow.
   auto* commands = new QToolBar(this);
-  for (QAction* action : {conditionAction_, poolingAction_, associationAction_, batchPriceAction_,
-                          editCommentAction_, moveUpAction_, moveDownAction_}) {
+  for (QAction* action : {conditionAction_, poolingAction_, associationAction_, paneAction_,
+                          batchPriceAction_, editCommentAction_, moveUpAction_, moveDownAction_}) {
     commands->addAction(action);
   }
   conditionButton_ = qobject_cast<QToolButton*>(commands->widgetForAction(conditionAction_));
@@ -192,7 +207,20 @@ QWidget* QCEResItemViewImpl::createContent(gui::TreeGridView* grid) {
   splitter->addWidget(conditions_);
   splitter->setStretchFactor(0, 1);
   splitter->setStretchFactor(1, 0);
-  return splitter;
+
+  subViews_ = new QStackedWidget(this);
+  subViews_->setMinimumHeight(MinPaneHeight);
+  subViews_->hide();
+  setSubPages(subViews_);
+  panes_ = new QSplitter(Qt::Vertical, this);
+  panes_->setHandleWidth(8);
+  panes_->setChildrenCollapsible(false);
+  panes_->addWidget(splitter);
+  panes_->addWidget(subViews_);
+  subViews_->raise();  // last among the children, as it is in the page
+  panes_->setStretchFactor(0, 1);
+  panes_->setStretchFactor(1, 0);
+  return panes_;
 }
 
 QWidget* QCEResItemViewImpl::createFooter() {
@@ -213,6 +241,7 @@ void QCEResItemViewImpl::fillContextMenu(QMenu* menu) {
   menu->addSeparator();
   menu->addAction(poolingAction_);
   menu->addAction(associationAction_);
+  menu->addAction(paneAction_);
   menu->addSeparator();
   menu->addAction(batchPriceAction_);
   menu->addAction(editCommentAction_);
@@ -254,9 +283,29 @@ void QCEResItemViewImpl::setModel(abst::BaseModel* model) {
 void QCEResItemViewImpl::activate() {
   ResItemViewImpl::activate();
   refillSubProjects();
+  if (auto* pane = dynamic_cast<abst::BaseView*>(subViews_->currentWidget())) pane->activate();
   if (filter_ == nullptr) return;
   filter_->invalidate();
   updateView();
+}
+
+void QCEResItemViewImpl::deactivate() {
+  keepPaneHeight();
+  ResItemViewImpl::deactivate();
+}
+
+void QCEResItemViewImpl::addSubView(const std::string& key, abst::BaseView* view) {
+  const int before = subViews_->count();
+  ResItemViewImpl::addSubView(key, view);
+  if (subViews_->count() == before) return;
+  if (auto* bills = dynamic_cast<abst::qce::QCEResItemBillView*>(view)) {
+    connect(treeGrid(), &bwidgets::TreeGridView::currentElementChanged,
+            dynamic_cast<QWidget*>(view),
+            [bills](proxy::Element* item) { bills->setBaseResItem(item); });
+    bills->setBaseResItem(treeGrid()->currentElement());
+  }
+  paneAction_->setVisible(true);
+  paneAction_->setChecked(app::GetGlobalConfig()->getValue(PaneShownSetting) != "0");
 }
 
 void QCEResItemViewImpl::updateView() {
@@ -337,6 +386,22 @@ void QCEResItemViewImpl::applyFilters() {
 void QCEResItemViewImpl::showConditions(bool show) {
   conditions_->setVisible(show);
   (show ? static_cast<QWidget*>(conditions_) : treeGrid())->setFocus();
+}
+
+void QCEResItemViewImpl::showPane(bool show) {
+  if (!show) keepPaneHeight();
+  subViews_->setVisible(show);
+  app::GetGlobalConfig()->setValue(PaneShownSetting, show ? "1" : "0");
+  if (!show) return;
+  const std::string kept = app::GetGlobalConfig()->getValue(PaneHeightSetting).value_or("");
+  const int wanted = QString::fromStdString(kept).toInt();
+  const int height = wanted > 0 ? wanted : PaneHeight;
+  panes_->setSizes({std::max(panes_->height() - panes_->handleWidth() - height, 1), height});
+}
+
+void QCEResItemViewImpl::keepPaneHeight() const {
+  if (!subViews_->isVisible()) return;
+  app::GetGlobalConfig()->setValue(PaneHeightSetting, std::to_string(subViews_->height()));
 }
 
 // The condition filter stays on while its panel is hidden: the button and the status line tell.

@@ -14,6 +14,8 @@ class QAction;
 class QActionGroup;
 class QComboBox;
 class QLabel;
+class QSplitter;
+class QStackedWidget;
 class QTimer;
 class QToolButton;
 
@@ -47,7 +49,13 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   void setModel(abst::BaseModel* model) override;
   /// Reads the sub-projects again and filters again, since items may have changed elsewhere.
   void activate() override;
+  /// Keeps the height of the pane below the grid among the settings.
+  void deactivate() override;
   void updateView() override;
+  using ResItemViewImpl::addSubView;
+  /// Puts the sub-view into the pane below the grid, which the user can hide. One that is an
+  /// abst::qce::QCEResItemBillView follows the current item.
+  void addSubView(const std::string& key, abst::BaseView* view) override;
 
  public slots:
   void startFilter();
@@ -87,6 +95,8 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   void setAssociation(int choice);
   void applyFilters();
   void showConditions(bool show);
+  void showPane(bool show);
+  void keepPaneHeight() const;
   void setConditionMark(bool on);
 
   void move(bool up);
@@ -115,10 +125,13 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   QAction* deleteCommentAction_ = nullptr;
   QAction* poolingAction_ = nullptr;
   QAction* associationAction_ = nullptr;
+  QAction* paneAction_ = nullptr;
   QAction* moveUpAction_ = nullptr;
   QAction* moveDownAction_ = nullptr;
   QAction* regroupAction_ = nullptr;
   destructors::DesFilterView* conditions_ = nullptr;
+  QSplitter* panes_ = nullptr;  // the grid above, the sub-views below
+  QStackedWidget* subViews_ = nullptr;
   QLabel* status_ = nullptr;
   QTimer* refreshTimer_ = nullptr;
 };

@@ -24,7 +24,10 @@ OpenProject::OpenProject(std::unique_ptr<store::ProjectFile> file)
           file_->project(),
           [this](proxy::Element* item, const std::vector<proxy::Element*>& bills) {
             poolingController_->openPooling(item, bills, true);
-          })) {
+          })),
+      resItemBillOperator_(std::make_unique<operators::ResItemBillOperator>(file_->project())),
+      resItemBillController_(std::make_unique<ResItemBillController>(
+          file_->project(), *resItemBillOperator_, poolingController_.get())) {
   resItemController_->setPooling(poolingController_.get());
   resItemController_->setAssociation(associationController_.get());
 }

@@ -5,7 +5,9 @@
 #include "host/domain/display_table.h"
 #include "workbench/controllers/association_bill_controller.h"
 #include "workbench/controllers/notional_pooling_controller.h"
+#include "workbench/controllers/res_item_bill_controller.h"
 #include "workbench/controllers/res_item_controller.h"
+#include "workbench/operators/res_item_bill_operator.h"
 #include "workbench/operators/res_item_operator.h"
 #include "workbench/services/undo_history.h"
 #include "workbench/store/project_file.h"
@@ -36,6 +38,8 @@ class OpenProject {
   ResItemController& resItemController() { return *resItemController_; }
   NotionalPoolingController& poolingController() { return *poolingController_; }
   AssociationBillController& associationController() { return *associationController_; }
+  operators::ResItemBillOperator& resItemBillOperator() { return *resItemBillOperator_; }
+  ResItemBillController& resItemBillController() { return *resItemBillController_; }
 
  private:
   explicit OpenProject(std::unique_ptr<store::ProjectFile> file);
@@ -47,6 +51,8 @@ class OpenProject {
   std::unique_ptr<ResItemController> resItemController_;
   std::unique_ptr<NotionalPoolingController> poolingController_;
   std::unique_ptr<AssociationBillController> associationController_;
+  std::unique_ptr<operators::ResItemBillOperator> resItemBillOperator_;
+  std::unique_ptr<ResItemBillController> resItemBillController_;
 };
 
 }  // namespace controllers

@@ -1,8 +1,14 @@
+#include <QApplication>
 #include <QHeaderView>
+#include <QPointer>
 #include <algorithm>
+#include <utility>
 
 #include "host/bwidgets/tree_grid_view.h"
 #include "host/domain/qce/res_item_operator.h"
+#include "pooling/res_item_bill_filter_model.h"
+#include "pooling/res_item_bill_model.h"
+#include "pooling/res_item_bill_view.h"
 #include "resitem/filter_model.h"
 #include "resitem/model.h"
 #include "resitem/view.h"
@@ -48,6 +54,45 @@ class ResItemModels {
   gui::qce::QCEResItemFilterModelImpl filter_;
 };
 
+/// The models of the bills' pane below it. The pane goes before they do.
+class ResItemBillModels {
+ public:
+  ResItemBillModels(controllers::OpenProject& project, gui::qce::QCEResItemBillViewImpl& pane)
+      : controller_(project.resItemBillController()),
+        operator_(project.resItemBillOperator()),
+        pane_(&pane),
+        filter_(&bills_) {
+    bills_.setOperator(&operator_);
+    bills_.setTableName(operators::ResItemBillOperator::OrdinaryTable);
+    controller_.setRowsChanged([this] { refresh(); });
+  }
+  ~ResItemBillModels() {
+    controller_.setRowsChanged({});
+    bills_.cleanUpResources();
+  }
+  ResItemBillModels(const ResItemBillModels&) = delete;
+  ResItemBillModels& operator=(const ResItemBillModels&) = delete;
+
+  gui::qce::QCEResItemBillFilterModelImpl& filter() { return filter_; }
+
+ private:
+  void refresh() {
+    if (pane_.isNull()) return;
+    const int rows = bills_.rowCount();
+    if (!pane_->isVisible() || !operator_.refresh()) {
+      pane_->reload();
+    } else if (rows > 0) {
+      emit bills_.dataChanged(bills_.index(0, 0), bills_.index(rows - 1, bills_.columnCount() - 1));
+    }
+  }
+
+  controllers::ResItemBillController& controller_;
+  operators::ResItemBillOperator& operator_;
+  QPointer<gui::qce::QCEResItemBillViewImpl> pane_;
+  gui::qce::QCEResItemBillModelImpl bills_;
+  gui::qce::QCEResItemBillFilterModelImpl filter_;
+};
+
 /// Scales the grids of a page: the font, and with it row heights and column widths.
 class GridZoom {
  public:
@@ -88,15 +133,24 @@ Page makeResItemPage(Session& session) {
     view->updateView();
   });
 
+  auto* pane = new gui::qce::QCEResItemBillViewImpl;
+  auto bills = std::make_shared<ResItemBillModels>(session.project(), *pane);
+  pane->setController(&session.project().resItemBillController());
+  pane->setModel(&bills->filter());
+  view->addSubView("bills", pane);
+
   Page page;
   page.key = QStringLiteral("resources");
   page.title = QStringLiteral("人材机");
   page.icon = QIcon(QStringLiteral(":/qce/icons/resources.svg"));
   page.widget = view;
   page.view = view;
-  page.find = [view] { view->find(); };
+  page.find = [view, pane] {
+    const bool below = pane->isAncestorOf(QApplication::focusWidget());
+    below ? pane->getTableView()->openSearchBox() : view->find();
+  };
   page.setZoom = [zoom = GridZoom(*view)](int percent) mutable { zoom.set(percent); };
-  page.behind = models;
+  page.behind = std::make_shared<std::pair<decltype(models), decltype(bills)>>(models, bills);
   return page;
 }
 

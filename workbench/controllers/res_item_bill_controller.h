@@ -1,0 +1,45 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/abst/qce/res_item_bill_view.h"
+#include "workbench/operators/res_item_bill_operator.h"
+#include "workbench/records/project.h"
+
+namespace controllers {
+
+class NotionalPoolingController;
+
+/// The host side of the bills' pane: names its item, opens pooling, and tells when the rows that
+/// its operator shows have other figures.
+class ResItemBillController : public abst::qce::QCEResItemBillController,
+                              private records::Observer {
+ public:
+  /// Both must outlive the controller; so must `pooling`, which may be null.
+  ResItemBillController(records::Project& project, operators::ResItemBillOperator& rows,
+                        NotionalPoolingController* pooling);
+  ~ResItemBillController() override;
+
+  /// Called at the end of an edit, undo or redo that concerns the item shown.
+  void setRowsChanged(std::function<void()> callback) { rowsChanged_ = std::move(callback); }
+
+  std::string getTableName(const proxy::Element* item) const override;
+  std::string getItemName(const proxy::Element* item) const override;
+  void collect(proxy::Element* item, const std::vector<proxy::Element*>& bills) override;
+  bool canCollect() const override { return pooling_ != nullptr; }
+
+ private:
+  void itemChanged(records::ResourceItem& item) override;
+  void bookingChanged(records::ResourceItem& item) override;
+  void stepFinished() override;
+
+  records::Project& project_;
+  operators::ResItemBillOperator& rows_;
+  NotionalPoolingController* pooling_;
+  std::function<void()> rowsChanged_;
+  bool concerned_ = false;  // the step that is under way touches the item shown
+};
+
+}  // namespace controllers
