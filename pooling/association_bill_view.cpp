@@ -268,7 +268,7 @@ void QCEAssociationBillViewImpl::initFilterState() {
 }
 
 void QCEAssociationBillViewImpl::filter() {
-  if (rightModel_ != nullptr) rightModel_->filterType(filterEdit_->text().trimmed().toStdString());
+  if (rightModel_ != nullptr) rightModel_->filterType(filterEdit_->text().toStdString());
   rightTree_->expandAll();
 }
 
