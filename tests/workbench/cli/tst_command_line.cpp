@@ -155,7 +155,8 @@ class CommandLineTest : public QObject {
   }
 
   void tourTakesPicturesAndLeavesTheProjectAlone() {
-    const QString project = makeProject("走查", 400);
+    // Large enough that several bills of a unit work use the same resources.
+    const QString project = makeProject("走查", 1000);
     const QByteArray before = tests::contentOf(project);
     const Result result = run({"tour", project, "--out", path("pictures")});
     QVERIFY2(result.code == 0, qPrintable(result.error));
