@@ -1,12 +1,10 @@
 #include "framework/row_follower.h"
 
-#include <utility>
-
 #include "host/gui/view_model.h"
 
 namespace gui {
 
-RowFollower::RowFollower(QAbstractItemModel* model, const ViewModel* view, Update update) {
+RowFollower::RowFollower(QAbstractItemModel* model, const ViewModel* view, const Update& update) {
   const auto follow = [view, update] {
     update([view](const QModelIndex& index) {
       return view->makeIndex(view->getInternalData(index), index.column());

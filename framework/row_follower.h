@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <set>
+#include <utility>
 
 #include "qce_export.h"
 
@@ -24,7 +25,7 @@ class QCE_EXPORT RowFollower {
   using Update = std::function<void(const Place&)>;
 
   /// `model` is a gui::ViewModel too.
-  RowFollower(QAbstractItemModel* model, const ViewModel* view, Update update);
+  RowFollower(QAbstractItemModel* model, const ViewModel* view, const Update& update);
 
   static void follow(std::set<QModelIndex>& kept, const Place& place);
   template <class Value>
