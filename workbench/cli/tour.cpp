@@ -101,6 +101,7 @@ void Tour::walk() {
   step("撤销与恢复", &Tour::undoAndRedo);
   step("归集到成本", &Tour::poolResources);
   step("关联清单", &Tour::associateBills);
+  step("清单明细", &Tour::billTerms);
   step("范围", &Tour::subProject);
   step("缩放", &Tour::zoom);
   step("重新打开", &Tour::reopen);
@@ -700,6 +701,93 @@ void Tour::associateBills() {
   driver_.key(Qt::Key_Z, Qt::ControlModifier);
   driver_.key(Qt::Key_Z, Qt::ControlModifier);
   require(project.dump() == before, "关联和归集没有完全撤销");
+}
+
+void Tour::billTerms() {
+  using costing::Decimal;
+  records::Project& project = window_->session()->project().project();
+  QUndoStack& stack = window_->session()->undoStack();
+  const int steps = stack.index();
+  const std::string before = project.dump();
+  driver_.key(Qt::Key_Y, Qt::ControlModifier);  // the association of the step before
+  const QModelIndex cell = items(column(keys::BRIName)).value(0);
+  const auto* item = dynamic_cast<records::ResourceItem*>(element(cell));
+  driver_.clickCell(grid(), cell);
+  const QString shown = "清单明细：" + text(element(cell), keys::BRICode);
+  require(Driver::waitUntil(
+              [&] { return find<QLabel>("ResItemBill_title")->text().startsWith(shown); }),
+          "下方没有显示当前人材机的清单");
+
+  auto* pane = find<bwidgets::TreeGridView>("ResItemBill_grid");
+  const auto bills = [&] { return project.linesOf(*item); };
+  const auto at = [&](const records::Bill& bill, const std::string& key) {
+    const int wanted = pane->viewModel()->getColumnIndex(key);
+    for (int row = 0; row < pane->model()->rowCount(); ++row) {
+      const QModelIndex index = pane->model()->index(row, wanted);
+      if (pane->elementAt(index)->id() == bill.id()) return index;
+    }
+    return QModelIndex();
+  };
+  require(pane->model()->rowCount() == static_cast<int>(bills().size()), "清单的行数不对");
+  const auto used = bills();
+  const auto found = std::find_if(used.begin(), used.end(), [](const records::BillLine& line) {
+    return !line.budgetQuantity.isZero();
+  });
+  require(found != used.end(), "没有使用当前人材机的清单");
+  records::Bill& bill = *found->bill;
+  const auto line = [&] {
+    for (const records::BillLine& now : bills()) {
+      if (now.bill == &bill) return now;
+    }
+    return records::BillLine();
+  };
+
+  bool refused = false;
+  driver_.clickCell(pane, at(bill, keys::SEName));
+  Driver::wait(50);
+  const bool came =
+      driver_.withPopup([this] { driver_.key(Qt::Key_F6); },
+                        [&](QWidget* dialog) {
+                          driver_.type("0");
+                          driver_.key(Qt::Key_Return);
+                          refused = dialog->isVisible() && channel_->messages().size() == 1 &&
+                                    channel_->messages()[0].text == "系数不能设置为零";
+                          channel_->clear();
+                          driver_.type("1.05");
+                          picture("批量设置系数", dialog);
+                          driver_.key(Qt::Key_Return);
+                          if (dialog->isVisible()) static_cast<QDialog*>(dialog)->reject();
+                        });
+  require(came, "F6 没有打开对话框");
+  require(refused, "系数为零没有被拒绝");
+  const Decimal factor = *Decimal::parse("1.05");
+  require(line().costQuantity == found->budgetQuantity * factor, "系数没有进入成本数量");
+
+  driver_.clickCell(pane, at(bill, keys::SEContent));
+  driver_.key(Qt::Key_F2);
+  driver_.key(Qt::Key_A, Qt::ControlModifier);
+  driver_.type("0.5*3");
+  driver_.key(Qt::Key_Return);
+  require(line().costQuantity == bill.quantity.value() * *Decimal::parse("1.5") * factor,
+          "实际含量没有进入成本数量");
+  driver_.clickCell(pane, at(bill, keys::RIExcludedTaxFee));
+  driver_.key(Qt::Key_F2);
+  driver_.key(Qt::Key_A, Qt::ControlModifier);
+  driver_.type("100*1.03");
+  driver_.key(Qt::Key_Return);
+  require(line().excludedAmount == (bill.quantity.value() * 103).rounded(costing::MoneyPlaces),
+          "分包单价没有进入成本合价");
+  picture("清单明细");
+
+  const std::vector<records::Bill*> associated = project.associatedBills(*item);
+  require(associated.size() == 1, "没有已关联的清单");
+  driver_.clickCell(pane, at(*associated.front(), keys::SEName));
+  Driver::wait(50);
+  clickAction("取消关联");
+  require(project.associatedBills(*item).empty(), "没有取消关联");
+  require(stack.index() == steps + 5, "每次设置不是一个撤销步骤");
+  while (stack.index() > steps) driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  require(project.dump() == before, "清单的设置没有完全撤销");
 }
 
 void Tour::subProject() {

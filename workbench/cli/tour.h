@@ -60,6 +60,7 @@ class Tour {
   void undoAndRedo();
   void poolResources();
   void associateBills();
+  void billTerms();
   void subProject();
   void zoom();
   void reopen();
