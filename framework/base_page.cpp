@@ -38,7 +38,10 @@ QAbstractItemModel* showInGrid(bwidgets::TreeGridView* grid, abst::BaseModel* mo
 }
 
 BasePage::BasePage(QWidget* parent) : Widget(parent) {}
-BasePage::~BasePage() = default;
+// An editor that is open commits while the grid goes, when there is no page left to hear of it.
+BasePage::~BasePage() {
+  for (const QMetaObject::Connection& connection : connections_) disconnect(connection);
+}
 
 void BasePage::setModel(abst::BaseModel* model) {
   QAbstractItemModel* items = showInGrid(grid_, model, firstKey_, secondKey_);

@@ -11,5 +11,7 @@ template class TViewModel<abst::qce::QCEAssociationBillRightModel>;
 template class TFilterViewModel<abst::qce::QCEAssociationBillRightFilterModel>;
 template class TViewModel<abst::qce::QCEResItemBillModel>;
 template class TFilterViewModel<abst::qce::QCEResItemBillFilterModel>;
+template class TViewModel<abst::SubEngineeringModel>;
+template class TFilterViewModel<abst::SubEngineeringFilterModel>;
 
 }  // namespace gui

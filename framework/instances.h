@@ -13,6 +13,8 @@
 #include "host/abst/qce/res_item_bill_model.h"
 #include "host/abst/qce/res_item_filter_model.h"
 #include "host/abst/qce/res_item_model.h"
+#include "host/abst/sub_engineering_filter_model.h"
+#include "host/abst/sub_engineering_model.h"
 
 namespace gui {
 
@@ -25,5 +27,7 @@ extern template class QCE_EXPORT TViewModel<abst::qce::QCEAssociationBillRightMo
 extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCEAssociationBillRightFilterModel>;
 extern template class QCE_EXPORT TViewModel<abst::qce::QCEResItemBillModel>;
 extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCEResItemBillFilterModel>;
+extern template class QCE_EXPORT TViewModel<abst::SubEngineeringModel>;
+extern template class QCE_EXPORT TFilterViewModel<abst::SubEngineeringFilterModel>;
 
 }  // namespace gui

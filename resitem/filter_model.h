@@ -4,11 +4,11 @@
 #include <typeinfo>
 #include <vector>
 
+#include "framework/element_answers.h"
 #include "framework/instances.h"
 #include "host/domain/value.h"
 #include "host/presentation/res_item_filter_model.h"
 #include "qce_export.h"
-#include "resitem/condition_cache.h"
 
 namespace domain::qce {
 class QCEResItemOperator;
@@ -65,7 +65,7 @@ class QCE_EXPORT QCEResItemFilterModelImpl
   bool showAssociation_ = false;
   std::vector<std::string> filterFields_;
   bool isFilterByCondition_ = false;
-  mutable ConditionCache conditionCache_;
+  mutable gui::ElementAnswers conditionCache_;
   mutable domain::Value scratch_ = std::string();  // keeps the room of the last text
   mutable const std::type_info* knownOperator_ = nullptr;
 };

@@ -38,6 +38,14 @@ const std::string SEProjFeatures = "SEProjFeatures";  // an older key, without t
 const std::string SEUnit = "QCE_SEUnit";
 const std::string SEAmount = "QCE_SEAmount";
 
+const std::string SEQuantityBillTendering = "SEQuantityBillTendering";
+const std::string SECalcExpr = "SECalcExpr";
+const std::string SEQuantity = "SEQuantity";
+const std::string SEBudgetTotalCost = "QCE_SEBudgetTotalCost";
+const std::string SECostTotalCost = "QCE_SECostTotalCost";
+const std::string SEType = "SEType";
+const std::string SERemark = "SERemark";
+
 const std::string SEContent = "QCE_SEContent";
 const std::string SEBudgetContent = "QCE_SEBudgetContent";
 const std::string SECoefficient = "QCE_SECoefficient";

@@ -49,6 +49,15 @@ QCE_CONTRACT_EXPORT extern const std::string SEProjFeatures;  ///< 项目特征
 QCE_CONTRACT_EXPORT extern const std::string SEUnit;          ///< 单位
 QCE_CONTRACT_EXPORT extern const std::string SEAmount;        ///< quantity of the bill, in its unit
 
+// The tree of bills. Older keys are without the prefix.
+QCE_CONTRACT_EXPORT extern const std::string SEQuantityBillTendering;  ///< 招标工程量, as tendered
+QCE_CONTRACT_EXPORT extern const std::string SECalcExpr;  ///< expression of the cost quantity
+QCE_CONTRACT_EXPORT extern const std::string SEQuantity;  ///< 成本工程量, what the cost counts
+QCE_CONTRACT_EXPORT extern const std::string SEBudgetTotalCost;  ///< revenue excluding tax, yuan
+QCE_CONTRACT_EXPORT extern const std::string SECostTotalCost;    ///< cost excluding tax, yuan
+QCE_CONTRACT_EXPORT extern const std::string SEType;             ///< 类型
+QCE_CONTRACT_EXPORT extern const std::string SERemark;           ///< 备注
+
 // Bills of a resource item.
 QCE_CONTRACT_EXPORT extern const std::string SEContent;         ///< actual content per unit of bill
 QCE_CONTRACT_EXPORT extern const std::string SEBudgetContent;   ///< budget content per unit of bill

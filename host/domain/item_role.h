@@ -18,6 +18,9 @@ enum ItemRole : int {
   FieldTypeRole = 137,
   /// The column's field key, empty when there is no such column.
   FieldKeyRole = 200,
+  /// The texts that a cell takes, a vector of them, in the order in which they are offered; none
+  /// for a cell that takes any text.
+  ChoicesRole = 201,
 };
 
 }  // namespace domain

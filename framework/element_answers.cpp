@@ -1,13 +1,13 @@
-#include "resitem/condition_cache.h"
+#include "framework/element_answers.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <utility>
 
-namespace gui::qce {
+namespace gui {
 
 // The slot that holds the element, or the free one where it belongs.
-std::size_t ConditionCache::slotOf(const proxy::Element* element) const {
+std::size_t ElementAnswers::slotOf(const proxy::Element* element) const {
   const std::size_t mask = slots_.size() - 1;
   // Addresses of neighbours differ in few bits: spread them before they are cut to the mask.
   std::uint64_t hash = reinterpret_cast<std::uintptr_t>(element) * 0x9E3779B97F4A7C15ULL;
@@ -17,13 +17,13 @@ std::size_t ConditionCache::slotOf(const proxy::Element* element) const {
   return slot;
 }
 
-std::optional<bool> ConditionCache::find(const proxy::Element* element) const {
+std::optional<bool> ElementAnswers::find(const proxy::Element* element) const {
   if (slots_.empty()) return std::nullopt;
   const Slot& slot = slots_[slotOf(element)];
   return slot.element ? std::optional<bool>(slot.answer) : std::nullopt;
 }
 
-void ConditionCache::insert(proxy::Element* element, bool answer) {
+void ElementAnswers::insert(proxy::Element* element, bool answer) {
   if (2 * (size_ + 1) > slots_.size()) grow();
   Slot& slot = slots_[slotOf(element)];
   if (!slot.element) ++size_;
@@ -31,14 +31,14 @@ void ConditionCache::insert(proxy::Element* element, bool answer) {
   slot.answer = answer;
 }
 
-void ConditionCache::clear() {
+void ElementAnswers::clear() {
   if (size_ == 0) return;
   // The room stays: the next filter asks about as many elements.
   std::fill(slots_.begin(), slots_.end(), Slot());
   size_ = 0;
 }
 
-void ConditionCache::grow() {
+void ElementAnswers::grow() {
   std::vector<Slot> old(slots_.empty() ? 64 : 2 * slots_.size());
   old.swap(slots_);
   for (Slot& slot : old) {
@@ -46,4 +46,4 @@ void ConditionCache::grow() {
   }
 }
 
-}  // namespace gui::qce
+}  // namespace gui

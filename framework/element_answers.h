@@ -5,15 +5,16 @@
 #include <vector>
 
 #include "host/proxy/element.h"
+#include "qce_export.h"
 
-namespace gui::qce {
+namespace gui {
 
 /// Remembers one answer an element. The elements are held meanwhile, so that an element that was
 /// dropped by its host cannot lend its address, and with it its answer, to a new one.
-class ConditionCache {
+class QCE_EXPORT ElementAnswers {
  public:
   std::optional<bool> find(const proxy::Element* element) const;
-  /// Remembers `answer` for an element that has none yet.
+  /// Remembers `answer`, instead of an earlier one.
   void insert(proxy::Element* element, bool answer);
   void clear();
   std::size_t size() const { return size_; }
@@ -31,4 +32,4 @@ class ConditionCache {
   std::size_t size_ = 0;
 };
 
-}  // namespace gui::qce
+}  // namespace gui

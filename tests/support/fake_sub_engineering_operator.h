@@ -1,0 +1,150 @@
+#pragma once
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "host/app/services.h"
+#include "host/domain/field_keys.h"
+#include "host/domain/sub_engineering_operator.h"
+#include "tests/support/test_elements.h"
+
+namespace tests {
+
+/// The host side of the sub-engineering page in memory: nodes, bills and resource rows. An
+/// expression is a plain number, or one of these with "+" between them.
+class FakeSubEngineeringOperator : public domain::SubEngineeringOperator {
+ public:
+  FakeSubEngineeringOperator() {
+    using namespace domain;
+    DisplayRow& header = *table.getHeader();
+    header.addColumn(keys::SECode, text("编码"));
+    header.addColumn(keys::SEName, text("名称"));
+    header.addColumn(keys::SEProjFeatures, text("项目特征"));
+    header.addColumn(keys::SEUnit, text("单位"));
+    header.addColumn(keys::SECalcExpr, text("计算式"));
+    header.addColumn(keys::SEQuantity, number("成本工程量"));
+    header.addColumn(keys::SEType, text("类型"));
+    header.addColumn(keys::CostAccount, text("成本科目"));
+    header.addColumn(keys::SERemark, text("备注")).visible = false;
+  }
+
+  /// A row shows its code and has its name in column 0 of no table: the code names it in texts.
+  static Node* fill(Node* row, const std::string& name) {
+    return row->set(domain::keys::SECode, row->name())->set(domain::keys::SEName, name);
+  }
+  Node* node(const std::string& code, const std::string& name) {
+    return fill(tree.add(code), name);
+  }
+  static Node* bill(Node* above, const std::string& code, const std::string& name,
+                    double quantity = 1.0) {
+    return fill(above->add(code), name)
+        ->set("bill", true)
+        ->set(domain::keys::SEUnit, std::string("m3"))
+        ->set(domain::keys::SEQuantity, quantity)
+        ->set(domain::keys::SECalcExpr, std::string())
+        ->set(domain::keys::SEType, std::string("实体"));
+  }
+  static Node* resource(Node* bill, const std::string& code, const std::string& name) {
+    return fill(bill->add(code), name)->set("resource", true);
+  }
+  static bool has(const proxy::Element* element, const char* mark) {
+    return static_cast<const Node*>(element)->find(mark, domain::EditRole) != nullptr;
+  }
+
+  proxy::ElementGroup* getRoot() override { return &tree; }
+  bool getValue(const proxy::Element* element, const std::string& key, int role,
+                domain::Value& out) const override {
+    if (role == domain::ChoicesRole && key == domain::keys::SEType && has(element, "bill")) {
+      out = getTypes();
+      return true;
+    }
+    const domain::Value* found = static_cast<const Node*>(element)->find(key, role);
+    if (found == nullptr) return false;
+    ++reads;
+    out = *found;
+    return true;
+  }
+  bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
+                int /*role*/) override {
+    if (!has(element, "bill") || element == refused) return false;
+    auto* node = static_cast<Node*>(element);
+    if (key == domain::keys::SECalcExpr) {
+      const std::string expression = std::get<std::string>(value);
+      double quantity = 1.0;
+      std::string error;
+      if (!expression.empty() && !evaluate(element, expression, quantity, error)) {
+        app::qce::GetQCEChannel()->message(error, 0x400);
+        return false;
+      }
+      node->set(domain::keys::SEQuantity, quantity);
+    }
+    node->set(key, value);
+    return true;
+  }
+  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
+  bool isEditable(const proxy::Element* element, const std::string& key) const override {
+    return has(element, "bill") && key != domain::keys::SEQuantity;
+  }
+  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
+
+  bool isResourceRow(const proxy::Element* element) const override {
+    return has(element, "resource");
+  }
+  void getBills(proxy::Element* element, std::vector<proxy::Element*>& out) const override {
+    if (has(element, "bill")) {
+      out.push_back(element);
+    } else if (has(element, "resource")) {
+      out.push_back(element->parent());
+    } else {
+      for (int i = 0; i < element->childCount(); ++i) getBills(element->child(i), out);
+    }
+  }
+  std::vector<std::pair<std::string, proxy::Element*>> getSubProjects() const override {
+    return subProjects;
+  }
+  std::vector<std::string> getTypes() const override { return {"实体", "措施", "分包"}; }
+  bool getQuantityDetail(const proxy::Element* element, domain::QuantityLines& out) const override {
+    if (!has(element, "bill")) return false;
+    out = element == detailed ? detail : domain::QuantityLines();
+    return true;
+  }
+  bool setQuantityDetail(proxy::Element* element, const domain::QuantityLines& lines) override {
+    if (element == refused) return false;
+    detailed = element;
+    detail = lines;
+    return true;
+  }
+  bool evaluate(const proxy::Element* /*element*/, const std::string& expression, double& value,
+                std::string& error) const override {
+    value = 0.0;
+    for (const char* at = expression.c_str();;) {
+      char* end = nullptr;
+      value += std::strtod(at, &end);
+      if (end != at && *end == '\0') return true;
+      if (end == at || *end != '+') {
+        error = "第 " + std::to_string(end - expression.c_str() + 1) + " 个字符不能识别";
+        return false;
+      }
+      at = end + 1;
+    }
+  }
+
+  domain::DisplayTable table;
+  Tree tree;
+  proxy::Element* refused = nullptr;  ///< a bill that takes no writes
+  const proxy::Element* detailed = nullptr;
+  domain::QuantityLines detail;
+  std::vector<std::pair<std::string, proxy::Element*>> subProjects;
+  mutable int reads = 0;
+
+ private:
+  static domain::DataField text(const char* name) {
+    return {name, domain::StringField, {}, {}, {}, false};
+  }
+  static domain::DataField number(const char* name) {
+    return {name, domain::FloatingPointField, 2, {}, {}, false};
+  }
+};
+
+}  // namespace tests
