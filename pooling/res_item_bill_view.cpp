@@ -274,6 +274,7 @@ void QCEResItemBillViewImpl::hideBillViewColumn(std::string key) {
   hidden_.insert(std::move(key));
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the pair to the one above
 void QCEResItemBillViewImpl::showBillViewColumn(std::string key) {
   setColumnHidden(key, false);
   hidden_.erase(key);

@@ -27,7 +27,7 @@ const std::string ResItemBillOperator::SubcontractTable = "QCE_ResItemBillSubcon
 /// A bill line with what is shown of it.
 class ResItemBillOperator::Row final : public records::Record {
  public:
-  explicit Row(records::BillLine of) : Record(of.bill->id()), line(std::move(of)) {}
+  explicit Row(const records::BillLine& of) : Record(of.bill->id()), line(of) {}
 
   records::Bill& bill() const { return *line.bill; }
   /// Per unit of the bill; nothing for a bill without a quantity.
@@ -144,6 +144,11 @@ std::string nameOf(const records::Bill& bill) {
   return "清单“" + bill.code.str() + " " + bill.name.str() + "”";
 }
 
+/// "清单“…”的系数".
+std::string place(const records::Bill& bill, const std::string& what) {
+  return nameOf(bill) + "的" + what;
+}
+
 /// A content or a price: a number as it was typed, or the rounded value of an expression.
 Decimal readInput(const std::string& text) {
   if (text.size() > MaxExpressionBytes) {
@@ -252,13 +257,13 @@ bool ResItemBillOperator::isShown(const records::Bill& bill) const {
 void ResItemBillOperator::rebuild() {
   subcontracted_ = item_ && isSubcontracted(*item_);
   root_.reset(new records::Group);
-  for (records::BillLine& line : lines()) {
-    root_->rows().append(scoped_refptr<records::Record>(new Row(std::move(line))));
+  for (const records::BillLine& line : lines()) {
+    root_->rows().append(scoped_refptr<records::Record>(new Row(line)));
   }
 }
 
 bool ResItemBillOperator::refresh() {
-  std::vector<records::BillLine> now = lines();
+  const std::vector<records::BillLine> now = lines();
   if (static_cast<int>(now.size()) != root_->size()) return false;
   if (item_ && isSubcontracted(*item_) != subcontracted_) return false;
   // A view may have sorted the rows.
@@ -270,10 +275,7 @@ bool ResItemBillOperator::refresh() {
   for (const records::BillLine& line : now) {
     if (rows.count(line.bill) == 0) return false;
   }
-  for (records::BillLine& line : now) {
-    Row& row = *rows[line.bill];
-    row.line = std::move(line);
-  }
+  for (const records::BillLine& line : now) rows[line.bill]->line = line;
   return true;
 }
 
@@ -487,11 +489,11 @@ bool ResItemBillOperator::change(const Rows& rows, const std::string& what,
     try {
       to(terms);
     } catch (const records::Refusal& refused) {
-      return tell(nameOf(row->bill()) + "的" + what + refused.what() + cancelled);
+      return tell(place(row->bill(), what) + refused.what() + cancelled);
     } catch (const std::overflow_error&) {
-      return tell(nameOf(row->bill()) + "的" + what + "超出可计算的范围，请重新输入。" + cancelled);
+      return tell(place(row->bill(), what) + "超出可计算的范围，请重新输入。" + cancelled);
     }
-    changes.emplace_back(&row->bill(), std::move(terms));
+    changes.emplace_back(&row->bill(), terms);
   }
   std::string refusal;
   {
@@ -502,7 +504,7 @@ bool ResItemBillOperator::change(const Rows& rows, const std::string& what,
       } catch (const records::Refusal& refused) {
         refusal = refused.what();
       } catch (const std::overflow_error&) {
-        refusal = nameOf(*bill) + "的" + what + "过大，合价超出可计算的范围，请减小后重试。";
+        refusal = place(*bill, what) + "过大，合价超出可计算的范围，请减小后重试。";
       }
       if (!refusal.empty()) break;
     }
