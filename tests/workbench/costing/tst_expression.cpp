@@ -2,7 +2,6 @@
 
 #include <QtTest>
 
-using costing::Decimal;
 using costing::ExpressionError;
 
 class TestExpression : public QObject {
