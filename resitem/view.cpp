@@ -23,7 +23,9 @@
 #include "framework/des_filter_view.h"
 #include "host/abst/qce/res_item_bill_view.h"
 #include "host/app/services.h"
+#include "host/app/spreadsheet.h"
 #include "host/base/number_text.h"
+#include "host/bwidgets/grid_sheet.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/res_item_operator.h"
 #include "host/gui/tree_grid_view.h"
@@ -187,6 +189,8 @@ void QCEResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
   conditionButton_ = qobject_cast<QToolButton*>(commands->widgetForAction(conditionAction_));
   QAction* findAction = commands->addAction("查找", this, &QCEResItemViewImpl::find);
   findAction->setToolTip("在表格中查找，可输入拼音首字母（Ctrl+F）");
+  QAction* exportAction = commands->addAction("导出Excel", this, &QCEResItemViewImpl::exportExcel);
+  exportAction->setToolTip("把表格按现在的样子导出为 Excel 文件（Ctrl+E）");
   toolBar->addWidget(commands);
 }
 
@@ -506,6 +510,15 @@ void QCEResItemViewImpl::move(bool up) {
   if (controller_ == nullptr || !commands_.isValid() || !commands_.canMove(items, up)) return;
   report(commands_.move(items, up, *controller_));
   treeGrid()->scrollTo(treeGrid()->currentIndex());
+}
+
+void QCEResItemViewImpl::exportExcel() {
+  namespace keys = domain::keys;
+  app::Sheet sheet = bwidgets::makeSheet(*treeGrid(), tabTitle());
+  app::AddTotals(
+      sheet, "合计",
+      {keys::BRIBudgetTotalCost, keys::BRIExcludedTaxTotalCost, keys::BRIIncludedTaxTotalCost});
+  app::GetSpreadsheets()->save(tabTitle(), {sheet});
 }
 
 void QCEResItemViewImpl::regroup() {

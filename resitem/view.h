@@ -70,6 +70,8 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   void collectToCost();
   /// Lets the controller ask which bills to associate with the selected items.
   void associateBills();
+  /// As the generic page does, with a line for the amounts of the shown items.
+  void exportExcel() override;
   /// Builds the grouping rows again; selection and current row stay on their items.
   void regroup();
 

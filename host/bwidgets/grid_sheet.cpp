@@ -3,6 +3,7 @@
 #include <QBrush>
 #include <QColor>
 #include <QFont>
+#include <QGuiApplication>
 #include <algorithm>
 #include <cmath>
 
@@ -96,6 +97,14 @@ app::SheetCell readCell(const QModelIndex& index) {
   return cell;
 }
 
+/// Tells the user that it takes a moment.
+struct WaitCursor {
+  WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+  ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
+  WaitCursor(const WaitCursor&) = delete;
+  WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
 class SheetMaker {
  public:
   SheetMaker(const TreeGridView& grid, app::Sheet& sheet)
@@ -167,6 +176,7 @@ app::Sheet makeSheet(const TreeGridView& grid, const std::string& name) {
   app::Sheet sheet;
   sheet.name = name;
   if (grid.model() == nullptr) return sheet;
+  const WaitCursor wait;
   SheetMaker maker(grid, sheet);
   maker.readColumns();
   maker.readRows(grid.rootIndex(), 0);

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "host/abst/base_model.h"
+#include "host/bwidgets/grid_sheet.h"
 #include "host/bwidgets/search_box.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/styled_item_delegate.h"
@@ -106,6 +107,10 @@ void ResItemViewImpl::find() {
   treeGrid_->openSearchBox();
 }
 
+void ResItemViewImpl::exportExcel() {
+  bwidgets::exportSheet(*treeGrid_, tabTitle());
+}
+
 void ResItemViewImpl::expandAll() {
   treeGrid_->expandAll();
 }
@@ -116,6 +121,7 @@ void ResItemViewImpl::collapseAll() {
 
 void ResItemViewImpl::fillContextMenu(QMenu* menu) {
   menu->addAction("查找\tCtrl+F", this, &ResItemViewImpl::find);
+  menu->addAction("导出Excel\tCtrl+E", this, &ResItemViewImpl::exportExcel);
   menu->addAction("全部展开", this, &ResItemViewImpl::expandAll);
   menu->addAction("全部折叠", this, &ResItemViewImpl::collapseAll);
 }
@@ -128,10 +134,14 @@ void ResItemViewImpl::showContextMenu(const QPoint& position) {
   menu->popup(treeGrid_->viewport()->mapToGlobal(position));
 }
 
-// A key and not a shortcut: a main window may have a find command of its own under the same keys.
+// Keys and not shortcuts: a main window may have commands of its own under the same keys.
 void ResItemViewImpl::keyPressEvent(QKeyEvent* event) {
   if (event->matches(QKeySequence::Find)) {
     find();
+    return;
+  }
+  if (event->key() == Qt::Key_E && event->modifiers() == Qt::ControlModifier) {
+    exportExcel();
     return;
   }
   BasePage::keyPressEvent(event);

@@ -34,6 +34,8 @@ class QCE_EXPORT ResItemViewImpl : public BasePage {
   virtual void searchRCJ() {}
   /// Opens the search box over the grid.
   void find();
+  /// Lets the host save the grid as a spreadsheet under the page's title.
+  virtual void exportExcel();
   void expandAll();
   void collapseAll();
 

@@ -357,6 +357,28 @@ class TestView : public QObject {
     QVERIFY(s.grid->searchBox()->isVisible());
   }
 
+  void exportsTheGridWithTheTotalsOfTheShownItems() {
+    Setup s;
+    s.s1->set(keys::BRIExcludedTaxTotalCost, 35000.124);
+    s.s2->set(keys::BRIExcludedTaxTotalCost, 12.754);
+    s.s3->set(keys::BRIExcludedTaxTotalCost, 4000.0);
+    s.l1->set(keys::BRIExcludedTaxTotalCost, 15000.0);
+    s.click("导出Excel");
+    s.grid->setFocus();
+    QTest::keyClick(s.grid, Qt::Key_E, Qt::ControlModifier);
+    QCOMPARE(s.services.spreadsheets.names, (std::vector<std::string>{"人材机", "人材机"}));
+    const app::Sheet& sheet = s.services.spreadsheets.saved.at(0);
+    QCOMPARE(sheet.rows.size(), std::size_t(6));  // two groups, four items
+    QVERIFY(sheet.frozenColumns > 0);
+    QVERIFY(sheet.totals.has_value());
+    double total = 0;
+    for (std::size_t column = 0; column < sheet.columns.size(); ++column) {
+      if (sheet.columns[column].key != keys::BRIExcludedTaxTotalCost) continue;
+      total = std::get<double>(sheet.totals->cells[column].value);
+    }
+    QCOMPARE(total, 54012.87);  // 0.12 + 0.75, as the lines show
+  }
+
   void offersItsCommandsInTheContextMenu() {
     Setup s;
     s.select({s.s2});

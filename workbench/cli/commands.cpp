@@ -107,7 +107,7 @@ int tour(const Arguments& arguments) {
   } catch (const Tour::StepFailed& stepFailed) {
     return refuse(QStringLiteral("走查未通过：") + QString::fromUtf8(stepFailed.what()));
   }
-  print(walk.pictures().join(QLatin1Char('\n')));
+  print((walk.pictures() + walk.spreadsheets()).join(QLatin1Char('\n')));
   return Success;
 }
 

@@ -24,6 +24,7 @@
 #include "host/bwidgets/tree_grid_view.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/view_model.h"
+#include "workbench/cli/sheet_check.h"
 #include "workbench/controllers/open_project.h"
 #include "workbench/exchange/sample_generator.h"
 #include "workbench/services/install.h"
@@ -46,6 +47,7 @@ class GivenFile : public shell::FileChooser {
   explicit GivenFile(QString path) : path_(std::move(path)) {}
   QString projectToOpen(QWidget*, const QString&) override { return path_; }
   QString projectToWrite(QWidget*, const QString&) override { return path_; }
+  QString spreadsheetToWrite(QWidget*, const QString&) override { return path_; }
 
  private:
   QString path_;
@@ -103,6 +105,7 @@ void Tour::walk() {
   step("关联清单", &Tour::associateBills);
   step("清单明细", &Tour::billTerms);
   step("范围", &Tour::subProject);
+  step("导出", &Tour::exportGrid);
   step("缩放", &Tour::zoom);
   step("重新打开", &Tour::reopen);
 }
@@ -809,6 +812,31 @@ void Tour::subProject() {
                       driver_.key(Qt::Key_Return);
                     });
   require(items(0).size() == all, "没有回到整个项目");
+}
+
+void Tour::exportGrid() {
+  const QString path = out_.filePath("人材机.xlsx");
+  window_->setFileChooser(std::make_unique<GivenFile>(path));
+  driver_.key(Qt::Key_E, Qt::ControlModifier);
+  const exchange::ReadWorkbook book = exchange::readSpreadsheet(path);
+  require(book.problem.isEmpty(), book.problem);
+  require(book.sheets.size() == 1 && book.sheets.front().name == "人材机", "工作表不对");
+  const exchange::ReadSheet& sheet = book.sheets.front();
+  const auto& grid = dynamic_cast<const bwidgets::TreeGridView&>(*this->grid());
+  const QString difference = sheetDifference(sheet, grid);
+  require(difference.isEmpty(), difference);
+  require(sheet.frozenColumns == grid.frozenColumnCount(), "冻结的列不对");
+  // All items are shown, so their total is that of the project.
+  QStringList totals;
+  for (int i = 0; i < static_cast<int>(grid.visibleColumns().size()); ++i) {
+    totals << shownText(sheet.cell(sheet.rowCount() - 1, i));
+  }
+  const shell::Session::Totals sums = window_->session()->totals();
+  require(totals.contains("合计") && totals.contains(sums.excludingTax) &&
+              totals.contains(sums.includingTax),
+          "合计行不对：" + totals.join(' '));
+  spreadsheets_ << path;
+  picture("导出之后");
 }
 
 void Tour::zoom() {

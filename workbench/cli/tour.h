@@ -35,6 +35,8 @@ class Tour {
 
   /// The paths of the pictures.
   const QStringList& pictures() const { return paths_; }
+  /// The paths of the spreadsheets.
+  const QStringList& spreadsheets() const { return spreadsheets_; }
   /// Throws StepFailed.
   void walk();
 
@@ -62,6 +64,7 @@ class Tour {
   void associateBills();
   void billTerms();
   void subProject();
+  void exportGrid();
   void zoom();
   void reopen();
 
@@ -90,6 +93,7 @@ class Tour {
   QString scratch_;
   QDir out_;
   QStringList paths_;
+  QStringList spreadsheets_;
   QString current_;  ///< name of the step
   Driver driver_;
   services::RecordingChannel* channel_ = nullptr;

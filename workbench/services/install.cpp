@@ -25,6 +25,11 @@ void Installed::setUndo(app::UndoService* undo) {
   app::InstallServices(current());
 }
 
+void Installed::setSpreadsheets(app::Spreadsheets* spreadsheets) {
+  spreadsheets_ = spreadsheets;
+  app::InstallServices(current());
+}
+
 app::Services Installed::current() {
   app::Services services;
   services.undo = undo_;
@@ -32,6 +37,7 @@ app::Services Installed::current() {
   services.qceChannel = channel_.get();
   services.pathMgr = paths_.get();
   services.globalConfig = &configuration_;
+  services.spreadsheets = spreadsheets_;
   return services;
 }
 

@@ -25,6 +25,8 @@ class Installed {
 
   /// The undo service of the open project; null when none is open. Not owned.
   void setUndo(app::UndoService* undo);
+  /// What saves spreadsheets: the window, while there is one; null for none. Not owned.
+  void setSpreadsheets(app::Spreadsheets* spreadsheets);
 
  private:
   app::Services current();
@@ -33,6 +35,7 @@ class Installed {
   std::unique_ptr<app::Channel> channel_;
   Configuration configuration_;
   app::UndoService* undo_ = nullptr;
+  app::Spreadsheets* spreadsheets_ = nullptr;
   app::Services before_;
   proxy::qce::FieldAccessors accessorsBefore_;
 };

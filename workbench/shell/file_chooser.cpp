@@ -12,6 +12,18 @@ const QString& filter() {
   return text;
 }
 
+QString fileToWrite(QWidget* parent, const QString& title, const QString& suggestion,
+                    const QString& kind) {
+  const QFileInfo proposed(suggestion);
+  QDir().mkpath(proposed.path());
+  QFileDialog dialog(parent, title, proposed.path(), kind);
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setDefaultSuffix(proposed.suffix());
+  dialog.selectFile(proposed.fileName());
+  if (dialog.exec() != QDialog::Accepted) return {};
+  return dialog.selectedFiles().value(0);
+}
+
 }  // namespace
 
 FileChooser::~FileChooser() = default;
@@ -21,13 +33,12 @@ QString FileChooser::projectToOpen(QWidget* parent, const QString& directory) {
 }
 
 QString FileChooser::projectToWrite(QWidget* parent, const QString& suggestion) {
-  QDir().mkpath(QFileInfo(suggestion).path());
-  QFileDialog dialog(parent, QStringLiteral("保存工程"), QFileInfo(suggestion).path(), filter());
-  dialog.setAcceptMode(QFileDialog::AcceptSave);
-  dialog.setDefaultSuffix(QStringLiteral("qcp"));
-  dialog.selectFile(QFileInfo(suggestion).fileName());
-  if (dialog.exec() != QDialog::Accepted) return {};
-  return dialog.selectedFiles().value(0);
+  return fileToWrite(parent, QStringLiteral("保存工程"), suggestion, filter());
+}
+
+QString FileChooser::spreadsheetToWrite(QWidget* parent, const QString& suggestion) {
+  return fileToWrite(parent, QStringLiteral("导出Excel"), suggestion,
+                     QStringLiteral("Excel 工作簿(*.xlsx)"));
 }
 
 }  // namespace shell

@@ -14,6 +14,8 @@ class FileChooser {
   virtual QString projectToOpen(QWidget* parent, const QString& directory);
   /// Where a project is to be written; empty when cancelled. Overwriting has been confirmed.
   virtual QString projectToWrite(QWidget* parent, const QString& suggestion);
+  /// Where a spreadsheet is to be written; empty when cancelled. Overwriting has been confirmed.
+  virtual QString spreadsheetToWrite(QWidget* parent, const QString& suggestion);
 };
 
 }  // namespace shell

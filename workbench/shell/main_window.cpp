@@ -21,6 +21,7 @@
 #include "workbench/shell/page_stack.h"
 #include "workbench/shell/progress.h"
 #include "workbench/shell/session.h"
+#include "workbench/shell/spreadsheet_saver.h"
 #include "workbench/shell/welcome_view.h"
 #include "workbench/store/project_file.h"
 
@@ -57,6 +58,15 @@ MainWindow::MainWindow(services::Installed& services)
     : services_(services),
       chooser_(std::make_unique<FileChooser>()),
       recent_(services.paths().data()),
+      spreadsheets_(std::make_unique<SpreadsheetSaver>(
+          services,
+          [this](const QString& suggestion) {
+            return chooser_->spreadsheetToWrite(this, suggestion);
+          },
+          [this](const QString& path) {
+            statusBar()->showMessage(
+                QStringLiteral("已导出 %1").arg(QDir::toNativeSeparators(path)), 8000);
+          })),
       centre_(new QStackedWidget),
       welcome_(new WelcomeView),
       pages_(new PageStack),
@@ -80,11 +90,13 @@ MainWindow::MainWindow(services::Installed& services)
   });
   connect(pages_, &PageStack::currentPageChanged, this, [this](const QString& key) {
     if (!key.isEmpty()) services_.configuration().setValue(kPageKey, key.toStdString());
+    refreshExport();
   });
 
   if (auto* boxes = dynamic_cast<services::MessageBoxChannel*>(&services_.channel())) {
     boxes->setWindow(this);
   }
+  services_.setSpreadsheets(spreadsheets_.get());
   restoreWindowState();
   refreshRecent();
   refreshState();
@@ -92,6 +104,7 @@ MainWindow::MainWindow(services::Installed& services)
 
 MainWindow::~MainWindow() {
   closeProject();
+  services_.setSpreadsheets(nullptr);
 }
 
 void MainWindow::setFileChooser(std::unique_ptr<FileChooser> chooser) {
@@ -132,6 +145,9 @@ void MainWindow::createActions() {
       addAction(file, QStringLiteral("actionSaveAs"), QStringLiteral("另存为(&A)…"),
                 QStringLiteral("save-as"), {QKeySequence(QStringLiteral("Ctrl+Shift+S"))},
                 &MainWindow::saveCopyAs);
+  export_ = addAction(file, QStringLiteral("actionExport"), QStringLiteral("导出Excel(&E)…"),
+                      QStringLiteral("export"), {QKeySequence(QStringLiteral("Ctrl+E"))},
+                      &MainWindow::exportPage);
   QAction* close = addAction(file, QStringLiteral("actionClose"), QStringLiteral("关闭工程(&C)"),
                              QStringLiteral("close"), {QKeySequence(QStringLiteral("Ctrl+W"))},
                              &MainWindow::closeProject);
@@ -181,7 +197,7 @@ void MainWindow::createActions() {
   bar->addSeparator();
   bar->addActions({undo_, redo_});
   bar->addSeparator();
-  bar->addAction(find);
+  bar->addActions({find, export_});
   bar->addSeparator();
   bar->addActions({in, out, whole});
   needProject_ = {save, saveAs, close, find, in, out, whole};
@@ -319,9 +335,22 @@ void MainWindow::saveCopyAs() {
   openProject(path);
 }
 
+const Page* MainWindow::currentPage() const {
+  return session_ ? session_->page(pages_->currentPage()) : nullptr;
+}
+
+void MainWindow::exportPage() {
+  const Page* page = currentPage();
+  if (page != nullptr && page->exportGrid) page->exportGrid();
+}
+
+void MainWindow::refreshExport() {
+  const Page* page = currentPage();
+  export_->setEnabled(page != nullptr && page->exportGrid);
+}
+
 void MainWindow::showFind() {
-  if (!session_) return;
-  if (const Page* page = session_->page(pages_->currentPage())) page->find();
+  if (const Page* page = currentPage()) page->find();
 }
 
 void MainWindow::zoomIn() {
@@ -373,6 +402,7 @@ void MainWindow::showHelp() {
       "<tr><td>Ctrl+B</td><td>把同一个单价写入选中的人材机</td></tr>"
       "<tr><td>Shift+F2</td><td>编辑批注</td></tr>"
       "<tr><td>Alt+↑ / Alt+↓</td><td>上移 / 下移选中的行</td></tr>"
+      "<tr><td>Ctrl+E</td><td>把当前页面的表格导出为 Excel 文件</td></tr>"
       "<tr><td>Ctrl+F</td><td>在表格中查找，可用拼音首字母（lwg 找到螺纹钢）</td></tr>"
       "<tr><td>Ctrl+Shift+F</td><td>按成本科目、编码、名称等条件过滤</td></tr>"
       "<tr><td>单击表头 / F5</td><td>按该列排序 / 恢复原来的顺序</td></tr>"
@@ -400,6 +430,7 @@ void MainWindow::refreshState() {
   const bool open = session_ != nullptr;
   centre_->setCurrentWidget(open ? static_cast<QWidget*>(pages_) : welcome_);
   for (QAction* action : needProject_) action->setEnabled(open);
+  refreshExport();
   if (open) {
     setWindowTitle(QStringLiteral("%1（%2）").arg(session_->name(), session_->type()));
     setWindowFilePath(session_->path());

@@ -21,7 +21,9 @@ namespace shell {
 class ElidedLabel;
 class PageStack;
 class Session;
+class SpreadsheetSaver;
 class WelcomeView;
+struct Page;
 
 /// The window of the program: the pages of the open project, or the welcome view.
 class MainWindow : public QMainWindow {
@@ -46,6 +48,8 @@ class MainWindow : public QMainWindow {
   void openWithChooser();
   void tellSaved();
   void saveCopyAs();
+  /// Saves the grid of the current page as a spreadsheet.
+  void exportPage();
   void showFind();
   void zoomIn();
   void zoomOut();
@@ -65,6 +69,8 @@ class MainWindow : public QMainWindow {
   void connectUndo();
   void refreshRecent();
   void refreshState();
+  const Page* currentPage() const;  ///< null when there is none
+  void refreshExport();
   void refreshTotals();
   void setZoom(int percent);
   void applyZoom();
@@ -75,6 +81,7 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<FileChooser> chooser_;
   RecentFiles recent_;
   std::unique_ptr<Session> session_;
+  std::unique_ptr<SpreadsheetSaver> spreadsheets_;
   int zoom_ = 100;  ///< per cent
 
   QStackedWidget* centre_;
@@ -83,6 +90,7 @@ class MainWindow : public QMainWindow {
   QMenu* recentMenu_ = nullptr;
   QAction* undo_ = nullptr;
   QAction* redo_ = nullptr;
+  QAction* export_ = nullptr;
   QList<QAction*> needProject_;
   QTimer* totalsTimer_;
   ElidedLabel* sourceMoney_ = nullptr;  ///< of the source file, after a project was made of it

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/bwidgets/grid_sheet.h"
 #include "host/bwidgets/tree_grid_view.h"
 #include "host/domain/qce/res_item_operator.h"
 #include "pooling/res_item_bill_filter_model.h"
@@ -148,6 +149,14 @@ Page makeResItemPage(Session& session) {
   page.find = [view, pane] {
     const bool below = pane->isAncestorOf(QApplication::focusWidget());
     below ? pane->getTableView()->openSearchBox() : view->find();
+  };
+  page.exportGrid = [view, pane] {
+    const bool below = pane->isAncestorOf(QApplication::focusWidget());
+    if (below) {
+      bwidgets::exportSheet(*pane->getTableView(), "人材机所属清单");
+    } else {
+      view->exportExcel();
+    }
   };
   page.setZoom = [zoom = GridZoom(*view)](int percent) mutable { zoom.set(percent); };
   page.behind = std::make_shared<std::pair<decltype(models), decltype(bills)>>(models, bills);

@@ -35,6 +35,7 @@ struct Page {
   QWidget* widget = nullptr;  ///< handed over to the window
   abst::BaseView* view = nullptr;
   std::function<void()> find;        ///< opens the search over the page's grid
+  std::function<void()> exportGrid;  ///< saves its grid as a spreadsheet; empty when it has none
   std::function<void(int)> setZoom;  ///< per cent
   std::shared_ptr<void> behind;      ///< models and controllers, kept as long as the widget
 };

@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QToolButton>
@@ -19,9 +20,11 @@
 #include "tests/support/files.h"
 #include "tests/support/rows.h"
 #include "workbench/cli/driver.h"
+#include "workbench/cli/sheet_check.h"
 #include "workbench/controllers/open_project.h"
 #include "workbench/exchange/sample_generator.h"
 #include "workbench/exchange/source_reader.h"
+#include "workbench/exchange/spreadsheet_reader.h"
 #include "workbench/services/install.h"
 #include "workbench/shell/application.h"
 #include "workbench/shell/main_window.h"
@@ -39,7 +42,13 @@ class GivenFile : public shell::FileChooser {
     suggested = suggestion;
     return path_;
   }
+  QString spreadsheetToWrite(QWidget*, const QString& suggestion) override {
+    ++asked;
+    suggested = suggestion;
+    return path_;
+  }
   QString suggested;
+  int asked = 0;
 
  private:
   QString path_;
@@ -225,6 +234,37 @@ class MainWindowTest : public QObject {
     QCOMPARE(grid()->fontMetrics().height(), height);
   }
 
+  void exportsTheCurrentPage() {
+    QAction* exporting = action("actionExport");
+    QVERIFY(!exporting->isEnabled());
+    QVERIFY(window_->openProject(path("甲.qcp")));
+    QVERIFY(exporting->isEnabled());
+    auto* chooser = new GivenFile(path("甲-人材机.xlsx"));
+    window_->setFileChooser(std::unique_ptr<GivenFile>(chooser));
+    grid()->setFocus();
+    driver_.key(Qt::Key_E, Qt::ControlModifier);
+    QCOMPARE(chooser->asked, 1);  // by one of the two that know the key
+    QCOMPARE(chooser->suggested, services_->paths().documents() + "/人材机.xlsx");
+    QCOMPARE(channel_->messages().size(), std::size_t(0));
+    QVERIFY(window_->statusBar()->currentMessage().contains("甲-人材机.xlsx"));
+    const exchange::ReadWorkbook book = exchange::readSpreadsheet(path("甲-人材机.xlsx"));
+    QCOMPARE(book.problem, QString());
+    QCOMPARE(cli::sheetDifference(book.sheets.at(0), *grid()), QString());
+
+    // The next one starts where the last one went; what cannot be written is told.
+    chooser = new GivenFile(path("甲.qcp/人材机.xlsx"));
+    window_->setFileChooser(std::unique_ptr<GivenFile>(chooser));
+    exporting->trigger();
+    QCOMPARE(chooser->suggested, path("人材机.xlsx"));
+    QCOMPARE(channel_->messages().size(), std::size_t(1));
+    QVERIFY(channel_->messages()[0].text.find("甲.qcp") != std::string::npos);
+    window_->setFileChooser(std::make_unique<GivenFile>(QString()));  // cancelled
+    exporting->trigger();
+    QCOMPARE(channel_->messages().size(), std::size_t(1));
+    window_->closeProject();
+    QVERIFY(!exporting->isEnabled());
+  }
+
   void readingALargeSourceCanBeCancelled() {
     const QString source = path("大.ZBQD");
     QCOMPARE(exchange::SampleGenerator::generate(100000, 5, source), QString());
@@ -301,7 +341,7 @@ class MainWindowTest : public QObject {
 
   QString path(const QString& name) const { return dir_->filePath(name); }
   QAction* action(const char* name) const { return window_->findChild<QAction*>(name); }
-  QTreeView* grid() const {
+  bwidgets::TreeGridView* grid() const {
     return window_->pages()->currentWidget()->findChild<bwidgets::TreeGridView*>();
   }
   QModelIndex priceCell() const {
