@@ -6,6 +6,7 @@
 
 #include "tests/support/files.h"
 #include "tests/support/rows.h"
+#include "workbench/exchange/spreadsheet_reader.h"
 
 namespace {
 
@@ -160,7 +161,9 @@ class CommandLineTest : public QObject {
     const QByteArray before = tests::contentOf(project);
     const Result result = run({"tour", project, "--out", path("pictures")});
     QVERIFY2(result.code == 0, qPrintable(result.error));
-    const QStringList pictures = result.out.split('\n', Qt::SkipEmptyParts);
+    QStringList pictures = result.out.split('\n', Qt::SkipEmptyParts);
+    const exchange::ReadWorkbook book = exchange::readSpreadsheet(pictures.takeLast());
+    QVERIFY2(book.problem.isEmpty() && book.sheets.at(0).rowCount() > 10, qPrintable(book.problem));
     QVERIFY(pictures.size() >= 15);
     for (const QString& picture : pictures) {
       const QImage image(picture);
