@@ -112,7 +112,7 @@ class SheetMaker {
 
   void readColumns() {
     const GridHeader& header = *grid_.gridHeader();
-    const auto* abstract = dynamic_cast<const abst::BaseModel*>(&model_);
+    const auto* abstract = dynamic_cast<const abst::BaseModel*>(grid_.viewModel());
     const domain::DisplayTable* table = abstract != nullptr ? abstract->getDisplayTable() : nullptr;
     std::vector<HeaderColumn> visible;
     for (const int column : columns_) {

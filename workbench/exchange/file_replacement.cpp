@@ -81,7 +81,7 @@ QString replacementProblem(const QString& path) {
 }
 
 QString replaceFile(QIODevice& content, const QString& path) {
-  const QString problem = replacementProblem(path);
+  QString problem = replacementProblem(path);
   if (!problem.isEmpty()) return problem;
   QSaveFile file(path);
   if (!file.open(QIODevice::WriteOnly)) return failed(file, path);

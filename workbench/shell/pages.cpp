@@ -1,7 +1,5 @@
 #include <QApplication>
-#include <QHeaderView>
 #include <QPointer>
-#include <algorithm>
 #include <utility>
 
 #include "host/bwidgets/grid_sheet.h"
@@ -94,33 +92,6 @@ class ResItemBillModels {
   gui::qce::QCEResItemBillFilterModelImpl filter_;
 };
 
-/// Scales the grids of a page: the font, and with it row heights and column widths.
-class GridZoom {
- public:
-  explicit GridZoom(QWidget& page) : page_(page), pixels_(page.font().pixelSize()) {}
-
-  void set(int percent) {
-    for (auto* grid : page_.findChildren<bwidgets::TreeGridView*>()) {
-      QFont font = grid->font();
-      font.setPixelSize(std::max(1, pixels_ * percent / 100));
-      grid->setFont(font);
-      QHeaderView* header = grid->header();
-      header->setFont(font);
-      for (int column = 0; column < header->count(); ++column) {
-        if (header->isSectionHidden(column)) continue;
-        header->resizeSection(
-            column, qRound(header->sectionSize(column) * percent / static_cast<double>(percent_)));
-      }
-    }
-    percent_ = percent;
-  }
-
- private:
-  QWidget& page_;
-  int pixels_;
-  int percent_ = 100;
-};
-
 Page makeResItemPage(Session& session) {
   auto models = std::make_shared<ResItemModels>(session.project());
   auto* view = new gui::qce::QCEResItemViewImpl;
@@ -158,7 +129,9 @@ Page makeResItemPage(Session& session) {
       view->exportExcel();
     }
   };
-  page.setZoom = [zoom = GridZoom(*view)](int percent) mutable { zoom.set(percent); };
+  page.setZoom = [view](int percent) {
+    for (auto* grid : view->findChildren<bwidgets::TreeGridView*>()) grid->setZoom(percent);
+  };
   page.behind = std::make_shared<std::pair<decltype(models), decltype(bills)>>(models, bills);
   return page;
 }
