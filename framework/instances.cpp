@@ -6,6 +6,8 @@ template class TViewModel<abst::qce::QCEResItemModel>;
 template class TFilterViewModel<abst::qce::QCEResItemFilterModel>;
 template class TViewModel<abst::qce::QCENotionalPoolingModel>;
 template class TFilterViewModel<abst::qce::QCENotionalPoolingFilterModel>;
+template class TViewModel<abst::qce::QCEIndirectFeeLeftModel>;
+template class TViewModel<abst::qce::QCEIndirectFeeRightModel>;
 template class TViewModel<abst::qce::QCEAssociationBillLeftModel>;
 template class TViewModel<abst::qce::QCEAssociationBillRightModel>;
 template class TFilterViewModel<abst::qce::QCEAssociationBillRightFilterModel>;

@@ -7,6 +7,8 @@
 #include "framework/view_model.h"
 #include "host/abst/qce/association_bill_left_model.h"
 #include "host/abst/qce/association_bill_right_filter_model.h"
+#include "host/abst/qce/indirect_fee_left_model.h"
+#include "host/abst/qce/indirect_fee_right_model.h"
 #include "host/abst/qce/notional_pooling_filter_model.h"
 #include "host/abst/qce/notional_pooling_model.h"
 #include "host/abst/qce/res_item_bill_filter_model.h"
@@ -22,6 +24,8 @@ extern template class QCE_EXPORT TViewModel<abst::qce::QCEResItemModel>;
 extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCEResItemFilterModel>;
 extern template class QCE_EXPORT TViewModel<abst::qce::QCENotionalPoolingModel>;
 extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCENotionalPoolingFilterModel>;
+extern template class QCE_EXPORT TViewModel<abst::qce::QCEIndirectFeeLeftModel>;
+extern template class QCE_EXPORT TViewModel<abst::qce::QCEIndirectFeeRightModel>;
 extern template class QCE_EXPORT TViewModel<abst::qce::QCEAssociationBillLeftModel>;
 extern template class QCE_EXPORT TViewModel<abst::qce::QCEAssociationBillRightModel>;
 extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCEAssociationBillRightFilterModel>;

@@ -32,6 +32,19 @@ const std::string NPExcludeTaxUnitPrice = "QCE_NPExcludeTaxUnitPrice";
 const std::string NPExcludeTaxTotalCost = "QCE_NPExcludeTaxTotalCost";
 const std::string NPQuantutyCoefficient = "QCE_NPQuantutyCoefficient";
 
+const std::string IFNumber = "QCE_IFNumber";
+const std::string IFCode = "QCE_IFCode";
+const std::string IFName = "QCE_IFName";
+const std::string IFBasis = "QCE_IFBasis";
+const std::string IFBudgetBase = "QCE_IFBudgetBase";
+const std::string IFBudgetRate = "QCE_IFBudgetRate";
+const std::string IFBudgetAmount = "QCE_IFBudgetAmount";
+const std::string IFCostExpression = "QCE_IFCostExpression";
+const std::string IFCostBase = "QCE_IFCostBase";
+const std::string IFCostRate = "QCE_IFCostRate";
+const std::string IFCostAmount = "QCE_IFCostAmount";
+const std::string IFDifference = "QCE_IFDifference";
+
 const std::string SECode = "QCE_SECode";
 const std::string SEName = "QCE_SEName";
 const std::string SEProjFeatures = "SEProjFeatures";  // an older key, without the prefix

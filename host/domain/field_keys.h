@@ -42,6 +42,20 @@ QCE_CONTRACT_EXPORT extern const std::string NPExcludeTaxUnitPrice;  ///< yuan
 QCE_CONTRACT_EXPORT extern const std::string NPExcludeTaxTotalCost;  ///< of what is left, yuan
 QCE_CONTRACT_EXPORT extern const std::string NPQuantutyCoefficient;
 
+// Items of indirect fees. What begins with Budget is as the source file had it.
+QCE_CONTRACT_EXPORT extern const std::string IFNumber;  ///< running number in the group, from 1
+QCE_CONTRACT_EXPORT extern const std::string IFCode;
+QCE_CONTRACT_EXPORT extern const std::string IFName;
+QCE_CONTRACT_EXPORT extern const std::string IFBasis;         ///< what the fee is reckoned on, text
+QCE_CONTRACT_EXPORT extern const std::string IFBudgetBase;    ///< yuan
+QCE_CONTRACT_EXPORT extern const std::string IFBudgetRate;    ///< per cent
+QCE_CONTRACT_EXPORT extern const std::string IFBudgetAmount;  ///< yuan
+QCE_CONTRACT_EXPORT extern const std::string IFCostExpression;  ///< of the cost base, text
+QCE_CONTRACT_EXPORT extern const std::string IFCostBase;        ///< its value, yuan
+QCE_CONTRACT_EXPORT extern const std::string IFCostRate;        ///< per cent
+QCE_CONTRACT_EXPORT extern const std::string IFCostAmount;      ///< yuan
+QCE_CONTRACT_EXPORT extern const std::string IFDifference;      ///< budget less cost, yuan
+
 // Bills.
 QCE_CONTRACT_EXPORT extern const std::string SECode;          ///< 清单编码
 QCE_CONTRACT_EXPORT extern const std::string SEName;          ///< 清单名称
