@@ -103,6 +103,9 @@ QLineEdit* DesFilterView::addBox(QFormLayout* form, const QString& label, const 
 std::string DesFilterView::getCbkm() const {
   return cbkmEdit_->text().toStdString();
 }
+void DesFilterView::setCbkm(const std::string& text) {
+  cbkmEdit_->setText(QString::fromStdString(text));
+}
 std::string DesFilterView::getCode() const {
   return codeEdit_->text().toStdString();
 }

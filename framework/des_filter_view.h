@@ -40,6 +40,9 @@ class QCE_EXPORT DesFilterView : public bwidgets::Widget {
   std::string getFeature() const;  ///< the fourth box, whatever its label
   std::string getUnit() const;
 
+  /// Puts a text into the box of the cost account. A filter that is on stays as it is.
+  void setCbkm(const std::string& text);
+
   /// Empties the five boxes. A filter that is on stays on.
   void resetConditions();
 

@@ -15,5 +15,6 @@ template class TViewModel<abst::qce::QCEResItemBillModel>;
 template class TFilterViewModel<abst::qce::QCEResItemBillFilterModel>;
 template class TViewModel<abst::SubEngineeringModel>;
 template class TFilterViewModel<abst::SubEngineeringFilterModel>;
+template class TViewModel<abst::qce::QCEFeeSummaryNavigationModel>;
 
 }  // namespace gui

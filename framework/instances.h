@@ -7,6 +7,7 @@
 #include "framework/view_model.h"
 #include "host/abst/qce/association_bill_left_model.h"
 #include "host/abst/qce/association_bill_right_filter_model.h"
+#include "host/abst/qce/fee_summary_navigation_model.h"
 #include "host/abst/qce/indirect_fee_left_model.h"
 #include "host/abst/qce/indirect_fee_right_model.h"
 #include "host/abst/qce/notional_pooling_filter_model.h"
@@ -33,5 +34,6 @@ extern template class QCE_EXPORT TViewModel<abst::qce::QCEResItemBillModel>;
 extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCEResItemBillFilterModel>;
 extern template class QCE_EXPORT TViewModel<abst::SubEngineeringModel>;
 extern template class QCE_EXPORT TFilterViewModel<abst::SubEngineeringFilterModel>;
+extern template class QCE_EXPORT TViewModel<abst::qce::QCEFeeSummaryNavigationModel>;
 
 }  // namespace gui

@@ -367,6 +367,27 @@ void QCEResItemViewImpl::chooseSubProject(int entry) {
   expandAll();
 }
 
+void QCEResItemViewImpl::showItems(proxy::Element* subProject, const std::string& account,
+                                   const std::vector<proxy::Element*>& selected) {
+  if (filter_ == nullptr) return;
+  for (QActionGroup* group : {flags_, associations_}) {
+    if (!group->actions().first()->isChecked()) group->actions().first()->trigger();
+  }
+  conditions_->resetConditions();
+  conditions_->setCbkm(account);
+  account.empty() ? cancelFilter() : startFilter();
+  conditionAction_->setChecked(!account.empty());
+  int entry = 0;
+  for (std::size_t i = 1; subProject != nullptr && i < subProjects_.size(); ++i) {
+    if (subProjects_[i].get() == subProject) entry = static_cast<int>(i);
+  }
+  subProjectBox_->setCurrentIndex(entry);
+  chooseSubProject(entry);
+  treeGrid()->selectElements(selected);
+  treeGrid()->setFocus();
+  refreshLater();
+}
+
 void QCEResItemViewImpl::setFlag(int filterType) {
   if (auto* op = resItemOperator()) op->setFilterType(filterType);
   applyFilters();

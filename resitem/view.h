@@ -57,6 +57,11 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   /// abst::qce::QCEResItemBillView follows the current item.
   void addSubView(const std::string& key, abst::BaseView* view) override;
 
+  /// Shows the items of `subProject` (null: of the whole project) whose cost account contains
+  /// `account`, with all other filters off, and selects the rows of these elements.
+  void showItems(proxy::Element* subProject, const std::string& account,
+                 const std::vector<proxy::Element*>& selected);
+
  public slots:
   void startFilter();
   void cancelFilter();

@@ -23,6 +23,7 @@
 #include "host/base/pinyin.h"
 #include "host/bwidgets/tree_grid_view.h"
 #include "host/domain/field_keys.h"
+#include "host/gui/tree_grid_view.h"
 #include "host/gui/view_model.h"
 #include "workbench/cli/sheet_check.h"
 #include "workbench/controllers/open_project.h"
@@ -31,6 +32,7 @@
 #include "workbench/shell/main_window.h"
 #include "workbench/shell/page_stack.h"
 #include "workbench/shell/session.h"
+#include "workbench/shell/summary_view.h"
 
 namespace cli {
 
@@ -106,6 +108,7 @@ void Tour::walk() {
   step("清单明细", &Tour::billTerms);
   step("范围", &Tour::subProject);
   step("导出", &Tour::exportGrid);
+  step("费用汇总", &Tour::feeSummaries);
   step("缩放", &Tour::zoom);
   step("重新打开", &Tour::reopen);
 }
@@ -837,6 +840,84 @@ void Tour::exportGrid() {
           "合计行不对：" + totals.join(' '));
   spreadsheets_ << path;
   picture("导出之后");
+}
+
+void Tour::feeSummaries() {
+  using Kind = records::SummaryLine::Kind;
+  auto* list = find<QListWidget>("pageList");
+  const auto goTo = [&](const QString& title) {
+    const auto found = list->findItems(title, Qt::MatchExactly);
+    require(!found.isEmpty(), "没有页面 " + title);
+    driver_.click(list->viewport(), list->visualItemRect(found.front()).center());
+  };
+  const auto shown = [this] {
+    shell::SummaryView* view = nullptr;
+    for (auto* each : window_->findChildren<shell::SummaryView*>()) {
+      if (each->isVisible()) view = each;
+    }
+    require(view != nullptr, "没有显示汇总");
+    return view;
+  };
+  goTo("费用汇总");
+  auto* kinds = find<QTreeView>("QCEFeeSummaryTreeView");
+  const costing::Totals& totals = window_->session()->project().totals();
+  QStringList sums;
+  for (int i = 0; i < kinds->model()->rowCount(); ++i) {
+    driver_.clickCell(kinds, kinds->model()->index(i, 0));
+    shell::SummaryView* view = shown();
+    const auto& model = view->model();
+    costing::Decimal income;
+    costing::Decimal cost;
+    for (int row = 0; row + 1 < model.rowCount(); ++row) {
+      income += model.row(model.index(row, 0))->line().income;
+      cost += model.row(model.index(row, 0))->line().cost;
+    }
+    const auto& total = model.row(model.index(model.rowCount() - 1, 0))->line();
+    require(total.kind == Kind::Total && total.income == income && total.cost == cost,
+            "合计不等于各行之和");
+    sums << QString::fromStdString(total.income.toString(2) + " " + total.cost.toString(2));
+    require(sums.front() == sums.back(), "各汇总的合计不同：" + sums.join("、"));
+    picture(kinds->model()->index(i, 0).data().toString());
+
+    const QString path = out_.filePath(view->windowTitle() + ".xlsx");
+    window_->setFileChooser(std::make_unique<GivenFile>(path));
+    view->grid()->setFocus();
+    driver_.key(Qt::Key_E, Qt::ControlModifier);
+    const exchange::ReadWorkbook book = exchange::readSpreadsheet(path);
+    require(book.problem.isEmpty() && book.sheets.size() == 1, "导出不对：" + book.problem);
+    const QString difference = sheetDifference(book.sheets.front(), *view->grid());
+    require(difference.isEmpty(), difference);
+    spreadsheets_ << path;
+  }
+
+  driver_.clickCell(kinds, kinds->model()->index(0, 0));
+  shell::SummaryView* view = shown();
+  const auto& model = view->model();
+  const QModelIndex works = model.index(0, 0);
+  costing::Totals elements;
+  QModelIndex labour;
+  for (int row = 0; row < model.rowCount(works); ++row) {
+    const QModelIndex index = model.index(row, 0, works);
+    const auto& line = model.row(index)->line();
+    if (line.kind != Kind::Element) continue;
+    if (!labour.isValid()) labour = index;
+    elements.budget += line.income;
+    elements.excluded += line.cost;
+  }
+  require(elements.budget == totals.budget && elements.excluded == totals.excluded,
+          "人材机与状态栏的合计不同");
+  const costing::Decimal cost = model.row(labour)->line().cost;
+  driver_.doubleClickCell(view->grid(), labour);
+  require(window_->pages()->currentPage() == "resources", "双击没有转到来源");
+  costing::Decimal source;
+  auto& resources = dynamic_cast<bwidgets::TreeGridView&>(*grid());
+  for (const proxy::Element* element : resources.selectedElements()) {
+    if (const auto* group = dynamic_cast<const records::ResourceGroup*>(element)) {
+      source += group->totals().excluded;
+    }
+  }
+  require(source == cost, "来源的金额与汇总不同");
+  picture("由汇总查看来源");
 }
 
 void Tour::zoom() {

@@ -65,6 +65,7 @@ class Tour {
   void billTerms();
   void subProject();
   void exportGrid();
+  void feeSummaries();
   void zoom();
   void reopen();
 

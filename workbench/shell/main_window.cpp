@@ -293,6 +293,7 @@ void MainWindow::connectUndo() {
   };
   connect(&stack, &QUndoStack::indexChanged, this, refresh);
   connect(session_.get(), &Session::changed, totalsTimer_, qOverload<>(&QTimer::start));
+  connect(session_.get(), &Session::pageWanted, pages_, &PageStack::setCurrentPage);
   refresh();
 }
 

@@ -1,7 +1,11 @@
 #include <QApplication>
+#include <QMessageBox>
 #include <QPointer>
 #include <utility>
 
+#include "engineering/fee_summary_navigation_model.h"
+#include "engineering/fee_summary_view.h"
+#include "host/app/services.h"
 #include "host/bwidgets/grid_sheet.h"
 #include "host/bwidgets/tree_grid_view.h"
 #include "host/domain/qce/res_item_operator.h"
@@ -12,7 +16,11 @@
 #include "resitem/model.h"
 #include "resitem/view.h"
 #include "workbench/controllers/open_project.h"
+#include "workbench/records/summary.h"
+#include "workbench/services/fee_template.h"
 #include "workbench/shell/session.h"
+#include "workbench/shell/summary_sources.h"
+#include "workbench/shell/summary_view.h"
 
 namespace shell {
 
@@ -136,10 +144,65 @@ Page makeResItemPage(Session& session) {
   return page;
 }
 
+/// What the three summaries of a project share.
+struct Summaries {
+  gui::qce::QCEFeeSummaryNavigationModelImpl names;
+  records::FeeTemplate feeTemplate;
+};
+
+Page makeFeeSummaryPage(Session& session) {
+  auto behind = std::make_shared<Summaries>();
+  QString problem;
+  behind->feeTemplate = services::loadFeeTemplate(
+      QString::fromStdString(app::GetPathMgr()->getTemplatePath()), &problem);
+  auto* view = new gui::qce::QCEFeeSummaryViewImpl;
+  view->setModel(&behind->names);
+  for (int i = 0; i < behind->names.rowCount(); ++i) {
+    const auto kind = static_cast<records::SummaryKind>(i);
+    auto* summary = new SummaryView(
+        kind,
+        [&session, kind, behind] {
+          return records::summarize(session.project().project(), kind, behind->feeTemplate);
+        },
+        [&session](const records::SummaryLine& line, bool onlyAsking) {
+          return followSummaryLine(session, line, onlyAsking);
+        });
+    QObject::connect(&session, &Session::changed, summary, &SummaryView::invalidate);
+    view->addSubView(behind->names.index(i, 0).data().toString().toStdString(), summary);
+  }
+  if (!problem.isEmpty()) {
+    app::qce::GetQCEChannel()->message(problem.toStdString(), QMessageBox::Ok);
+  }
+
+  const auto shown = [view]() -> SummaryView* {
+    for (auto* each : view->findChildren<SummaryView*>()) {
+      if (each->isVisible()) return each;
+    }
+    return nullptr;
+  };
+  Page page;
+  page.key = QStringLiteral("summary");
+  page.title = QStringLiteral("费用汇总");
+  page.icon = QIcon(QStringLiteral(":/qce/icons/summary.svg"));
+  page.widget = view;
+  page.view = view;
+  page.find = [shown] {
+    if (SummaryView* summary = shown()) summary->find();
+  };
+  page.exportGrid = [shown] {
+    if (SummaryView* summary = shown()) summary->exportExcel();
+  };
+  page.setZoom = [view](int percent) {
+    for (auto* summary : view->findChildren<SummaryView*>()) summary->setZoom(percent);
+  };
+  page.behind = behind;
+  return page;
+}
+
 }  // namespace
 
 const std::vector<PageMaker>& pageMakers() {
-  static const std::vector<PageMaker> makers{makeResItemPage};
+  static const std::vector<PageMaker> makers{makeResItemPage, makeFeeSummaryPage};
   return makers;
 }
 

@@ -73,6 +73,12 @@ const Page* Session::page(const QString& key) const {
   return found != pages_.end() ? &*found : nullptr;
 }
 
+const Page* Session::pageTitled(const QString& title) const {
+  const auto found = std::find_if(pages_.begin(), pages_.end(),
+                                  [&title](const Page& page) { return page.title == title; });
+  return found != pages_.end() ? &*found : nullptr;
+}
+
 void Session::dropPages() {
   pages_.clear();
 }

@@ -79,12 +79,15 @@ class Session : public QObject {
   const std::vector<Page>& makePages();
   /// Null when there is no such page.
   const Page* page(const QString& key) const;
+  const Page* pageTitled(const QString& title) const;
   /// Lets go of what stands behind the pages, after their widgets are gone.
   void dropPages();
 
  signals:
   /// An edit, an undo or a redo is complete.
   void changed();
+  /// A page leads to another one, which is to be shown.
+  void pageWanted(const QString& key);
 
  private:
   explicit Session(std::unique_ptr<controllers::OpenProject> project);

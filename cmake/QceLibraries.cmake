@@ -1,4 +1,4 @@
-# The libraries behind spreadsheets; neither comes with a CMake package of its own.
+# Libraries that come without a CMake package of their own: spreadsheets, plots.
 function(qce_find_library target header library)
   string(TOUPPER ${library} prefix)
   find_path(${prefix}_INCLUDE_DIR ${header} REQUIRED)
@@ -10,3 +10,4 @@ endfunction()
 
 qce_find_library(qce::xlsxwriter xlsxwriter.h xlsxwriter)
 qce_find_library(qce::minizip minizip/unzip.h minizip)
+qce_find_library(qce::qwt qwt/qwt_plot.h qwt-qt5)
