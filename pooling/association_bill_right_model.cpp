@@ -175,7 +175,8 @@ bool QCEAssociationBillRightModelImpl::associationGroup() {
   };
   const proxy::ElementGroup* root = getRoot();
   for (int row = 0; root != nullptr && row < root->size(); ++row) visit(root->member(row), false);
-  return op->associate(bills, {}, false);
+  // Only 汇总统计 as it stands leaves the bills alone that are associated already.
+  return op->associate(bills, {}, op->isUnified());
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -69,6 +69,13 @@ class QCE_EXPORT QCEAssociationBillViewImpl : public bwidgets::Dialog, public ab
   void setCollectedHidden(bool hidden);
   bool needCollectToQCERes() const;
 
+  /// No filter text, all rows shown, the first section current.
+  void initFilterState();
+  void initDefaultWidth();
+  /// The current row of either tree; null for none.
+  proxy::Element* getLeftCurrentElemment() const;
+  proxy::Element* getRightCurrentElemment() const;
+
  public slots:
   /// Tells the controller to associate and closes the dialog; it stays open when that was refused.
   void confirm();
@@ -76,22 +83,18 @@ class QCE_EXPORT QCEAssociationBillViewImpl : public bwidgets::Dialog, public ab
   void filter();
   /// True shows checked rows alone.
   void showSelection(bool on);
+  /// Shows the bills of the current section.
+  void onLeftCurrentRowChanged();
+  /// Shows the features of the current bill.
+  void onRightCurrentRowChanged();
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
-  /// No filter text, all rows shown, the first section current.
-  void initFilterState();
-  void initDefaultWidth();
-  proxy::Element* getLeftCurrentElemment() const;
-  proxy::Element* getRightCurrentElemment() const;
-
  private:
   QWidget* createLeftPane();
   QWidget* createRightPane();
-  void onLeftCurrentRowChanged();
-  void onRightCurrentRowChanged();
   void checkSelected(bool checked);
   void toggleSelected();
   void showContextMenu(const QPoint& position);

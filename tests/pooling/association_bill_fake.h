@@ -105,6 +105,7 @@ class FakeRightOperator : public AssociationOperator<domain::qce::QCEAssociation
   bool isAssociated(const proxy::Element* bill) const override {
     return associated.count(static_cast<const Node*>(bill)->name()) > 0;
   }
+  bool isUnified() const override { return unified; }
   bool isExcluded(const proxy::Element* row, const std::string& text) const override {
     return !text.empty() &&
            (!isBill(row) || static_cast<const Node*>(row)->name().find(text) == std::string::npos);
@@ -134,6 +135,7 @@ class FakeRightOperator : public AssociationOperator<domain::qce::QCEAssociation
 
   std::set<std::string> associated;  ///< names of bills
   Elements baseItems;
+  bool unified = false;
   bool accept = true;
   int calls = 0;
   std::string asked;

@@ -187,6 +187,9 @@ class AssociationBillModelsTest : public QObject {
     check("C");
     QVERIFY(!filter_->associationGroup());
     QCOMPARE(op_->asked, std::string("+c1,c2 -"));
+    op_->unified = true;  // stays so for the bills that are associated already
+    filter_->associationGroup();
+    QCOMPARE(op_->asked, std::string("+c1,c2 - unify"));
     QCOMPARE(checked(), QString("a3 B b1 C c1 c2"));  // a refusal leaves the marks
   }
 

@@ -33,12 +33,6 @@ struct Controller : abst::qce::QCEAssociationBillController {
   bool accept = true;
 };
 
-class View : public gui::qce::QCEAssociationBillViewImpl {
- public:
-  using QCEAssociationBillViewImpl::getLeftCurrentElemment;
-  using QCEAssociationBillViewImpl::getRightCurrentElemment;
-};
-
 }  // namespace
 
 class AssociationBillViewTest : public QObject {
@@ -60,7 +54,7 @@ class AssociationBillViewTest : public QObject {
     model_->setDisplayTable(&rightOperator_.table);
     model_->setOperator(&rightOperator_);
     model_->resetModel();
-    view_ = std::make_unique<View>();
+    view_ = std::make_unique<gui::qce::QCEAssociationBillViewImpl>();
     view_->setController(&controller_);
     view_->setModel(left_.get());
     view_->setRightModel(filter_.get());
@@ -311,7 +305,7 @@ class AssociationBillViewTest : public QObject {
   std::unique_ptr<gui::qce::QCEAssociationBillLeftModelImpl> left_;
   std::unique_ptr<gui::qce::QCEAssociationBillRightModelImpl> model_;
   std::unique_ptr<gui::qce::QCEAssociationBillRightFilterModelImpl> filter_;
-  std::unique_ptr<View> view_;
+  std::unique_ptr<gui::qce::QCEAssociationBillViewImpl> view_;
 };
 
 QCE_WIDGET_TEST_MAIN(AssociationBillViewTest)

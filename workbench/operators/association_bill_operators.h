@@ -79,7 +79,7 @@ class AssociationBillOperator : public domain::qce::QCEAssociationBillRightOpera
   bool associate(const Elements& bills, const Elements& cancelled, bool unify) override;
 
   /// Whether there are associated bills and all of them are summarised (汇总统计).
-  bool isUnified() const { return unified_; }
+  bool isUnified() const override { return unified_; }
   /// How many of these bills have something pooled into one of the items.
   int pooledCount(const Elements& bills) const;
 

@@ -46,7 +46,8 @@ class QCE_CONTRACT_EXPORT QCEAssociationBillRightModel : public BaseModel {
   /// step. `unify` (汇总统计) is what the associations are to have. False when the host refused;
   /// the user has been told and nothing has changed.
   virtual bool associationBill(bool unify) = 0;
-  /// As above for the bills of the checked sections alone, none of which is disassociated.
+  /// Associates the bills of the checked sections alone. None is disassociated, and 汇总统计 is
+  /// what the associated bills have.
   virtual bool associationGroup() = 0;
 };
 

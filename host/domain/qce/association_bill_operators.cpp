@@ -6,6 +6,10 @@ namespace domain::qce {
 QCEAssociationBillLeftOperator::~QCEAssociationBillLeftOperator() = default;
 QCEAssociationBillRightOperator::~QCEAssociationBillRightOperator() = default;
 
+bool QCEAssociationBillRightOperator::isUnified() const {
+  return false;
+}
+
 std::optional<int> QCEAssociationBillRightOperator::getPrecision(const proxy::Element* /*row*/,
                                                                  const std::string& /*key*/) const {
   return {};

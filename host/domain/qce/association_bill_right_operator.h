@@ -31,6 +31,8 @@ class QCE_CONTRACT_EXPORT QCEAssociationBillRightOperator : public Operator {
   virtual bool isBill(const proxy::Element* row) const = 0;
   /// Whether the bill is associated with all of the items; false without items.
   virtual bool isAssociated(const proxy::Element* bill) const = 0;
+  /// Whether the bills that are associated are summarised (汇总统计); false by default.
+  virtual bool isUnified() const;
   /// Whether the filter text (UTF-8) leaves the row out. An empty text leaves out none; any other
   /// leaves out sections, which are shown for the bills below them.
   virtual bool isExcluded(const proxy::Element* row, const std::string& text) const = 0;

@@ -70,6 +70,7 @@ class AssociationBillControllerTest : public QObject {
     QCOMPARE(steps().count(), 1);
     QVERIFY(fixture_->open() != nullptr);
     QCOMPARE(project().dump(), after);
+    QVERIFY(open({&item(0)}, [&] { QCOMPARE(mark(*bills().at(1)), QString("√")); }));
     QVERIFY(fixture_->channel.messages().empty());
   }
 
