@@ -144,8 +144,7 @@ std::unique_ptr<domain::DisplayTable> makeNotionalPoolingTable() {
     if (info.type == domain::FloatingPointField) {
       field.precision = info.money ? costing::MoneyPlaces : costing::MaxQuantityPlaces;
       field.stripTrailingZeros = !info.money;
-      // Not for quantities: what a row shows is read back as a number.
-      field.thousandsSeparators = info.money;
+      // Without separators: what a row shows is read back as a number, and sorted by.
       field.zeroShowsEmpty = false;
     }
     header.addColumn(info.key, std::move(field)).width = info.width;
