@@ -116,6 +116,9 @@ QWidget* QCEResItemBillViewImpl::createToolBar() {
                                    QKeySequence("Shift+Delete"), &Pane::disassociate);
   collectAction_ = addCommand("归集到成本", "从选中的清单中选择预算工料机，归集到当前人材机",
                               QKeySequence(), &Pane::collect);
+  withdrawAction_ =
+      addCommand("取消归集", "退回选中清单已归集到当前人材机的数量，清单仍保持关联和各项设置",
+                 QKeySequence(), &Pane::withdraw);
   resizeAction_ = new QAction("行高适应内容", this);
   resizeAction_->setCheckable(true);
   connect(resizeAction_, &QAction::toggled, this, &Pane::resizeRowsToContents);
@@ -137,8 +140,8 @@ QWidget* QCEResItemBillViewImpl::createToolBar() {
     refreshLater();
   });
   layout->addWidget(associatedOnly_);
-  for (QAction* action :
-       {coefficientAction_, contentAction_, priceAction_, disassociateAction_, collectAction_}) {
+  for (QAction* action : {coefficientAction_, contentAction_, priceAction_, disassociateAction_,
+                          collectAction_, withdrawAction_}) {
     auto* button = new QToolButton(bar);
     button->setDefaultAction(action);
     button->setAutoRaise(true);
@@ -160,6 +163,7 @@ void QCEResItemBillViewImpl::onCustomContextMenuRequested(const QPoint& position
   menu->addSeparator();
   menu->addAction(disassociateAction_);
   menu->addAction(collectAction_);
+  menu->addAction(withdrawAction_);
   menu->addSeparator();
   menu->addAction(resizeAction_);
   fillColumnMenu(menu->addMenu("显示列"));
@@ -434,6 +438,10 @@ void QCEResItemBillViewImpl::collect() {
   if (controller_ != nullptr && item_ && !bills.empty()) controller_->collect(item_.get(), bills);
 }
 
+void QCEResItemBillViewImpl::withdraw() {
+  if (controller_ != nullptr) controller_->withdraw(getSelectedElements());
+}
+
 void QCEResItemBillViewImpl::keyDeleteAction() {
   const QModelIndexList cells = grid()->selectedCells();
   const bool editable = std::any_of(cells.begin(), cells.end(), [](const QModelIndex& cell) {
@@ -466,6 +474,7 @@ void QCEResItemBillViewImpl::refresh() {
       bills.begin(), bills.end(),
       [this](const proxy::Element* bill) { return fieldText(bill, keys::BRIAssociation) == "√"; }));
   collectAction_->setEnabled(!bills.empty() && controller_ != nullptr && controller_->canCollect());
+  withdrawAction_->setEnabled(controller_ != nullptr && controller_->canWithdraw(bills));
   if (title_->text().isEmpty()) title_->setText(NoItem);
   if (filter_ == nullptr || !shouldShow_) {
     status_->clear();

@@ -87,14 +87,14 @@ class QCE_EXPORT QCEResItemBillViewImpl : public gui::BasePage,
   void batchSetPriceExpression();
   void disassociate();
   void collect();
+  /// Gives back what is pooled from the selected bills; they stay associated.
+  void withdraw();
+  void onCustomContextMenuRequested(const QPoint& position) const;
 
  protected:
   void onModelReset() override;
   void onDataChanged() override;
   void showEvent(QShowEvent* event) override;
-
- protected slots:
-  void onCustomContextMenuRequested(const QPoint& position) const;
 
  private:
   using Items = std::vector<proxy::Element*>;
@@ -127,6 +127,7 @@ class QCE_EXPORT QCEResItemBillViewImpl : public gui::BasePage,
   QAction* expressionAction_ = nullptr;
   QAction* disassociateAction_ = nullptr;
   QAction* collectAction_ = nullptr;
+  QAction* withdrawAction_ = nullptr;
   QAction* resizeAction_ = nullptr;
   QCheckBox* associatedOnly_ = nullptr;
   QLabel* title_ = nullptr;

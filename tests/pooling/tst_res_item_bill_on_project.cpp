@@ -325,6 +325,36 @@ class TestResItemBillOnProject : public QObject {
     QCOMPARE(text(0, keys::BRIAssociation), QString("√"));
   }
 
+  // Unlike 取消关联, the bill keeps its association and its terms.
+  void withdrawsPoolingsAlone() {
+    records::BudgetItem& budget = budgetIn(*line(0).bill);
+    const Decimal before = project().remaining(budget);
+    type(0, keys::SECoefficient, "2");
+    const Decimal cost = line(0).costQuantity;
+    records::BudgetItem* other = budgetElsewhere();
+    {
+      app::ScopedUndo scope("归集");
+      project().pool(budget, *item_, before);
+      project().pool(*other, *item_, project().remaining(*other));
+    }
+    auto* action = command("取消归集");
+    current(1, keys::SEName);
+    QTRY_VERIFY(!action->isEnabled());  // nothing is pooled from this one
+    current(0, keys::SEName);
+    QTRY_VERIFY(action->isEnabled());
+    click("取消归集");
+    QCOMPARE(project().remaining(budget), before);
+    QCOMPARE(line(0).costQuantity, cost);
+    QCOMPARE(text(0, keys::BRIAssociation), QString("√"));
+    QVERIFY(project().remaining(*other).isZero());  // of a bill that was not selected
+    QTRY_VERIFY(!action->isEnabled());
+    QCOMPARE(steps(), 3);
+    QCOMPARE(stack().undoText(), QString("取消归集"));
+    undo();
+    QVERIFY(project().remaining(budget).isZero());
+    QVERIFY(messages().empty());
+  }
+
   // A line that comes or goes is a row that comes or goes, also by undo and redo.
   void followsBookings() {
     auto* other = budgetElsewhere();
@@ -532,6 +562,12 @@ class TestResItemBillOnProject : public QObject {
     widget->setFocus();
     QTest::keyClick(widget, key, modifiers);
     QCoreApplication::processEvents();
+  }
+  QAction* command(const QString& text) {
+    for (auto* button : pane_->findChildren<QToolButton*>()) {
+      if (button->text() == text) return button->defaultAction();
+    }
+    qFatal("no such command");
   }
   void click(const QString& text) {
     for (auto* button : pane_->findChildren<QToolButton*>()) {

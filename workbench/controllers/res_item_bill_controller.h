@@ -29,6 +29,10 @@ class ResItemBillController : public abst::qce::QCEResItemBillController,
   std::string getItemName(const proxy::Element* item) const override;
   void collect(proxy::Element* item, const std::vector<proxy::Element*>& bills) override;
   bool canCollect() const override { return pooling_ != nullptr; }
+  void withdraw(const std::vector<proxy::Element*>& bills) override { rows_.withdraw(bills); }
+  bool canWithdraw(const std::vector<proxy::Element*>& bills) const override {
+    return rows_.pooledCount(rows_.billsOf(bills)) > 0;
+  }
 
  private:
   void itemChanged(records::ResourceItem& item) override;

@@ -536,20 +536,44 @@ bool ResItemBillOperator::setExcludeTaxPriceExpr(proxy::Element* row,
                 [&](LineTerms& terms) { setPriceText(project_, terms, expression); });
 }
 
+int ResItemBillOperator::pooledCount(const std::vector<records::Bill*>& bills) const {
+  if (!item_) return 0;
+  return static_cast<int>(std::count_if(bills.begin(), bills.end(), [this](records::Bill* bill) {
+    for (int i = 0; i < bill->childCount(); ++i) {
+      const auto& budget = static_cast<const records::BudgetItem&>(*bill->child(i));
+      if (!project_.pooled(budget, *item_).isZero()) return true;
+    }
+    return false;
+  }));
+}
+
+bool ResItemBillOperator::withdraw(const Rows& rows) {
+  if (!item_) return false;
+  std::string refusal;
+  {
+    app::ScopedUndo undo("取消归集");
+    for (records::Bill* bill : billsOf(rows)) {
+      try {
+        for (int i = 0; i < bill->childCount(); ++i) {
+          project_.withdraw(static_cast<records::BudgetItem&>(*bill->child(i)), *item_);
+        }
+      } catch (const std::overflow_error&) {
+        refusal = nameOf(*bill) + "取消归集后合价超出可计算的范围，未取消。请先修改数量或单价。";
+      }
+      if (!refusal.empty()) break;
+    }
+    if (!refusal.empty()) undo.abandon();
+  }
+  return refusal.empty() || tell(refusal);
+}
+
 bool ResItemBillOperator::disassociateBill(const Rows& rows) {
   if (!item_) return false;
   std::vector<records::Bill*> bills;
-  int pooled = 0;
   for (records::Bill* bill : billsOf(rows)) {
-    if (!project_.terms(*item_, *bill).associated) continue;
-    bills.push_back(bill);
-    bool any = false;
-    for (int i = 0; i < bill->childCount(); ++i) {
-      const auto& budget = static_cast<const records::BudgetItem&>(*bill->child(i));
-      any = any || !project_.pooled(budget, *item_).isZero();
-    }
-    pooled += any ? 1 : 0;
+    if (project_.terms(*item_, *bill).associated) bills.push_back(bill);
   }
+  const int pooled = pooledCount(bills);
   if (bills.empty()) return tell("选中的清单都没有关联到当前人材机，请选择已关联（√）的清单。");
   if (pooled > 0) {
     const std::string question = "有 " + std::to_string(pooled) +

@@ -30,6 +30,11 @@ class ResItemBillOperator : public domain::qce::QCEResItemBillOperator {
   bool refresh();
   /// The bills of rows, in the order of the rows.
   std::vector<records::Bill*> billsOf(const std::vector<proxy::Element*>& rows) const;
+  /// How many of these bills have something pooled into the item.
+  int pooledCount(const std::vector<records::Bill*>& bills) const;
+  /// Gives back what is pooled from the bills of the rows, as one undo step. They stay associated
+  /// and keep their terms. False when that was refused; the user has been told.
+  bool withdraw(const std::vector<proxy::Element*>& rows);
 
   proxy::ElementGroup* getRoot() override;
   bool getValue(const proxy::Element* element, const std::string& key, int role,

@@ -18,4 +18,10 @@ bool QCEResItemBillController::canCollect() const {
   return false;
 }
 
+void QCEResItemBillController::withdraw(const std::vector<proxy::Element*>& /*bills*/) {}
+
+bool QCEResItemBillController::canWithdraw(const std::vector<proxy::Element*>& /*bills*/) const {
+  return false;
+}
+
 }  // namespace abst::qce

@@ -35,6 +35,11 @@ class QCE_CONTRACT_EXPORT QCEResItemBillController {
   /// Opens pooling for the item and the bills of these rows. Nothing by default.
   virtual void collect(proxy::Element* item, const std::vector<proxy::Element*>& bills);
   virtual bool canCollect() const;
+  /// Gives back what is pooled from the bills of these rows into the pane's item, in one undo step;
+  /// the bills stay associated. Nothing by default.
+  virtual void withdraw(const std::vector<proxy::Element*>& bills);
+  /// Whether there is anything to give back. False by default.
+  virtual bool canWithdraw(const std::vector<proxy::Element*>& bills) const;
 };
 
 }  // namespace abst::qce
