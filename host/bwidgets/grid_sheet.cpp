@@ -107,8 +107,8 @@ struct WaitCursor {
 
 class SheetMaker {
  public:
-  SheetMaker(const TreeGridView& grid, app::Sheet& sheet)
-      : grid_(grid), model_(*grid.model()), columns_(grid.visibleColumns()), sheet_(sheet) {}
+  SheetMaker(const TreeGridView& grid, const QAbstractItemModel& model, app::Sheet& sheet)
+      : grid_(grid), model_(model), columns_(grid.visibleColumns()), sheet_(sheet) {}
 
   void readColumns() {
     const GridHeader& header = *grid_.gridHeader();
@@ -175,9 +175,10 @@ class SheetMaker {
 app::Sheet makeSheet(const TreeGridView& grid, const std::string& name) {
   app::Sheet sheet;
   sheet.name = name;
-  if (grid.model() == nullptr) return sheet;
+  const QAbstractItemModel* model = grid.model();
+  if (model == nullptr) return sheet;
   const WaitCursor wait;
-  SheetMaker maker(grid, sheet);
+  SheetMaker maker(grid, *model, sheet);
   maker.readColumns();
   maker.readRows(grid.rootIndex(), 0);
   return sheet;
