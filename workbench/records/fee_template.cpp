@@ -29,7 +29,10 @@ void requireKeys(const Json& object, const std::string& place,
     if (std::find(known.begin(), known.end(), key) != known.end()) continue;
     std::string list;
     for (const std::string& name : known) list += (list.empty() ? "" : "、") + name;
-    fail(place.empty() ? key : place + "." + key, "不是可用的键，请改为下列之一：" + list + "。");
+    std::string at = place;
+    if (!at.empty()) at += '.';
+    at += key;
+    fail(at, "不是可用的键，请改为下列之一：" + list + "。");
   }
 }
 
