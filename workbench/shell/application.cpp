@@ -28,10 +28,10 @@ QListWidget#pageList { border: none; border-right: 1px solid #d5dbe1; background
 QListWidget#pageList::item { padding-left: 8px; border-left: 3px solid transparent; color: #1c2733; }
 QListWidget#pageList::item:hover { background: #e6edf4; }
 QListWidget#pageList::item:selected { background: #dbe9f8; border-left-color: #1769aa; color: #0d3c66; }
-QTreeView#QCEFeeSummaryTreeView { border: none; border-right: 1px solid #d5dbe1; background: #f7f9fb; outline: none; }
-QTreeView#QCEFeeSummaryTreeView::item { padding: 7px 6px; border: none; border-left: 3px solid transparent; color: #1c2733; }
-QTreeView#QCEFeeSummaryTreeView::item:hover { background: #e6edf4; }
-QTreeView#QCEFeeSummaryTreeView::item:selected { background: #dbe9f8; border-left-color: #1769aa; color: #0d3c66; }
+QTreeView#QCEFeeSummaryTreeView, QTreeView#QCENavigationTreeView { border: none; border-right: 1px solid #d5dbe1; background: #f7f9fb; outline: none; }
+QTreeView#QCEFeeSummaryTreeView::item, QTreeView#QCENavigationTreeView::item { padding: 7px 6px; border: none; border-left: 3px solid transparent; color: #1c2733; }
+QTreeView#QCEFeeSummaryTreeView::item:hover, QTreeView#QCENavigationTreeView::item:hover { background: #e6edf4; }
+QTreeView#QCEFeeSummaryTreeView::item:selected, QTreeView#QCENavigationTreeView::item:selected { background: #dbe9f8; border-left-color: #1769aa; color: #0d3c66; }
 QListWidget#recentList { border: 1px solid #d5dbe1; border-radius: 6px; outline: none; }
 QListWidget#recentList::item { padding: 4px 8px; border-bottom: 1px solid #edf0f3; color: #1c2733; }
 QListWidget#recentList::item:hover { background: #f0f6fc; }

@@ -18,6 +18,7 @@
 #include "workbench/controllers/open_project.h"
 #include "workbench/records/summary.h"
 #include "workbench/services/fee_template.h"
+#include "workbench/shell/project_info.h"
 #include "workbench/shell/session.h"
 #include "workbench/shell/summary_sources.h"
 #include "workbench/shell/summary_view.h"
@@ -202,7 +203,8 @@ Page makeFeeSummaryPage(Session& session) {
 }  // namespace
 
 const std::vector<PageMaker>& pageMakers() {
-  static const std::vector<PageMaker> makers{makeResItemPage, makeFeeSummaryPage};
+  static const std::vector<PageMaker> makers{makeResItemPage, makeFeeSummaryPage,
+                                             makeProjectInfoPage};
   return makers;
 }
 

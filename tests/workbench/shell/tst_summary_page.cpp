@@ -258,6 +258,27 @@ class SummaryPageTest : public QObject {
     QCOMPARE(cli::sheetDifference(book.sheets.front(), *view.grid()), QString());
   }
 
+  void showsWhatIsKnownOfTheProject() {
+    openPage();
+    QVERIFY(window_->pages()->setCurrentPage("info"));
+    auto* tree = window_->findChild<QTreeView*>("QCENavigationTreeView");
+    const auto shown = [this] {
+      QStringList texts;
+      for (const auto* label : window_->pages()->currentWidget()->findChildren<QLabel*>()) {
+        if (label->isVisible()) texts << label->text();
+      }
+      return texts.join('\n');
+    };
+    QTRY_VERIFY(shown().contains("办公楼"));
+    driver_.clickCell(tree, tree->model()->index(1, 0));
+    QTRY_VERIFY(shown().contains(money(project().facts.readBills)));
+    driver_.clickCell(tree, tree->model()->index(2, 0));
+    QTRY_VERIFY(shown().contains("企业管理费和利润"));
+    if (const QByteArray pictures = qgetenv("QCE_TEST_PICTURES"); !pictures.isEmpty()) {
+      window_->grab().save(QString("%1/info.png").arg(QString(pictures)));
+    }
+  }
+
   void tellsOfATemplateThatCannotBeUsed() {
     QVERIFY(QDir(dir_->path()).mkpath("data/费用模板"));
     QFile file(dir_->filePath("data/费用模板/投标费用.json"));
