@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "host/app/services.h"
+#include "host/base/number_text.h"
 
 namespace gui::qce {
 namespace {
@@ -22,9 +23,9 @@ const char* const CoefficientPattern =
 CoefficientDialog::CoefficientDialog(QWidget* parent)
     : Dialog(parent),
       multiply_(new QRadioButton("乘以相同系数", this)),
+      divide_(new QRadioButton("除以相同系数", this)),
       edit_(new QLineEdit(this)) {
   setWindowTitle("批量设置系数");
-  auto* divide = new QRadioButton("除以相同系数", this);
   multiply_->setChecked(true);
   edit_->setObjectName("ResItemBill_coefficient");
   edit_->setAlignment(Qt::AlignRight);
@@ -37,11 +38,17 @@ CoefficientDialog::CoefficientDialog(QWidget* parent)
   line->addWidget(edit_, 1);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(multiply_);
-  layout->addWidget(divide);
+  layout->addWidget(divide_);
   layout->addLayout(line);
   layout->addWidget(createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel));
   setMinimumWidth(320);
   edit_->setFocus();
+}
+
+void CoefficientDialog::start(double coefficient, bool multiplies) {
+  (multiplies ? multiply_ : divide_)->setChecked(true);
+  edit_->setText(QString::fromStdString(base::ToPlainStringWithStripTrailingZeros(coefficient, 3)));
+  edit_->selectAll();
 }
 
 double CoefficientDialog::coefficient() const {

@@ -16,6 +16,9 @@ class CoefficientDialog : public bwidgets::Dialog {
  public:
   explicit CoefficientDialog(QWidget* parent = nullptr);
 
+  /// What the dialog starts with, all of the number selected.
+  void start(double coefficient, bool multiplies);
+
   double coefficient() const;
   /// True: multiply. False: divide.
   bool multiplies() const;
@@ -24,6 +27,7 @@ class CoefficientDialog : public bwidgets::Dialog {
 
  private:
   QRadioButton* multiply_;
+  QRadioButton* divide_;
   QLineEdit* edit_;
 };
 

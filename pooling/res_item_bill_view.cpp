@@ -316,6 +316,9 @@ void QCEResItemBillViewImpl::resizeRowsToContents(bool on) {
 
 bool QCEResItemBillViewImpl::getCoefficientToSet(double& coefficient, bool& multiply) {
   CoefficientDialog dialog(this);
+  if (const auto refused = std::exchange(refusedFactor_, {})) {
+    dialog.start(refused->first, refused->second);
+  }
   if (dialog.exec() != 1) return false;
   coefficient = dialog.coefficient();
   multiply = dialog.multiplies();
@@ -379,6 +382,7 @@ void QCEResItemBillViewImpl::batchSetCoefficient() {
       return filter_->setCoefficient(bills, coefficient, multiply);
     };
     if (runOnSelected("批量设置系数", write)) return;
+    refusedFactor_ = {coefficient, multiply};
   }
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "framework/base_page.h"
@@ -120,6 +122,7 @@ class QCE_EXPORT QCEResItemBillViewImpl : public gui::BasePage,
   bool stale_ = false;  // item_ is not what the model shows
   bool shouldShow_ = false;
   std::set<std::string> hidden_;
+  std::optional<std::pair<double, bool>> refusedFactor_;  // while the user is asked again
 
   QAction* coefficientAction_ = nullptr;
   QAction* contentAction_ = nullptr;

@@ -219,8 +219,15 @@ class TestResItemBillOnProject : public QObject {
     int asked = 0;
     inDialog([this] { click("批量系数"); },
              [&asked](QDialog* dialog) {
-               if (asked++ > 0) return dialog->reject();
-               QTest::keyClicks(dialog->findChild<QLineEdit*>(), "2");
+               auto* edit = dialog->findChild<QLineEdit*>();
+               auto* divides = dialog->findChildren<QRadioButton*>().last();
+               if (asked++ > 0) {
+                 QCOMPARE(edit->text(), QString("0.5"));
+                 QVERIFY(divides->isChecked());
+                 return dialog->reject();
+               }
+               divides->click();
+               QTest::keyClicks(edit, "0.5");
                press(dialog, "确定");
              },
              2);
