@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+#include "benchmarks/bill_tree.h"
 #include "benchmarks/figures.h"
 #include "benchmarks/ours.h"
 #include "benchmarks/pooling.h"
@@ -232,6 +233,17 @@ int main(int argc, char** argv) {
     benchmark::ClearRegisteredBenchmarks();
   }
 
+  for (const auto& [label, count] :
+       {std::pair<const char*, std::size_t>{"20k", 20000}, {"100k", 100000}}) {
+    auto tree = std::make_shared<BillTree>(count);
+    const std::string at = std::string("/") + label;
+    add("tree-condition/ours" + at, 9, [tree] { return tree->filter(); });
+    add("tree-condition/scan" + at, 9, [tree] { return tree->scan(); });
+    add("tree-expand/ours" + at, 5, [tree] { return tree->expand(); });
+    benchmark::RunSpecifiedBenchmarks(&collector, pattern);
+    benchmark::ClearRegisteredBenchmarks();
+  }
+
   std::vector<Figure> figures;
   const auto compare = [&](const std::string& name, const std::string& what,
                            const std::string& suffix, const std::string& unit, double bound) {
@@ -258,5 +270,9 @@ int main(int argc, char** argv) {
                        "pooling-open/" + billCounts[i].first,
                        "pooling-open/" + billCounts[i - 1].first, "ms", 15});
   }
+  figures.push_back({"tree filter, both boxes, against a plain scan, 100k",
+                     "tree-condition/ours/100k", "tree-condition/scan/100k", "ms", 3});
+  figures.push_back({"expanding the filtered tree, growth 20k to 100k", "tree-expand/ours/100k",
+                     "tree-expand/ours/20k", "ms", 7.5});
   return report(measured, figures) ? 0 : 1;
 }

@@ -16,11 +16,13 @@
 #include <QVBoxLayout>
 #include <QWidgetAction>
 #include <algorithm>
+#include <utility>
 
 #include "host/app/scoped_undo.h"
 #include "host/app/services.h"
 #include "host/bwidgets/dialog.h"
 #include "host/bwidgets/grid_header.h"
+#include "host/bwidgets/grid_sheet.h"
 #include "host/bwidgets/search_box.h"
 #include "host/domain/display_table.h"
 #include "host/domain/field_keys.h"
@@ -108,6 +110,11 @@ void SubEngineeringViewImpl::init() {
   findButton->setToolTip("在表格中查找，可输入拼音首字母（Ctrl+F）");
   findButton->setAutoRaise(true);
   connect(findButton, &QToolButton::clicked, this, &SubEngineeringViewImpl::find);
+  auto* exportButton = new QToolButton(this);
+  exportButton->setText("导出Excel");
+  exportButton->setToolTip("把表格按所见导出为电子表格（Ctrl+E）");
+  exportButton->setAutoRaise(true);
+  connect(exportButton, &QToolButton::clicked, this, [this] { exportExcel(); });
 
   // In a narrow window it keeps what does not fit behind an arrow.
   auto* toolBar = new QToolBar(this);
@@ -121,6 +128,7 @@ void SubEngineeringViewImpl::init() {
   fillToolBar(toolBar);
   toolBar->addWidget(columnButton);
   toolBar->addWidget(findButton);
+  toolBar->addWidget(exportButton);
 
   splitter_ = new QSplitter(this);
   splitter_->setHandleWidth(8);
@@ -188,6 +196,7 @@ void SubEngineeringViewImpl::fillContextMenu(QMenu* menu) {
   menu->addAction(showResAction_);
   menu->addSeparator();
   menu->addAction("查找\tCtrl+F", this, &SubEngineeringViewImpl::find);
+  menu->addAction("导出Excel\tCtrl+E", this, [this] { exportExcel(); });
   menu->addAction("全部展开", this, &SubEngineeringViewImpl::expandAll);
   menu->addAction("展开到清单", this, &SubEngineeringViewImpl::expandBills);
   menu->addAction("全部折叠", treeGrid_, &gui::TreeGridView::collapseAll);
@@ -342,6 +351,14 @@ void SubEngineeringViewImpl::showColumn(const std::string& key, bool show) {
 
 void SubEngineeringViewImpl::find() {
   treeGrid_->openSearchBox();
+}
+
+void SubEngineeringViewImpl::exportExcel() {
+  bwidgets::exportSheet(*treeGrid_, exportName_.empty() ? tabTitle() : exportName_);
+}
+
+void SubEngineeringViewImpl::setExportExcelName(std::string name) {
+  exportName_ = std::move(name);
 }
 
 void SubEngineeringViewImpl::expandAll() {
@@ -521,10 +538,14 @@ void SubEngineeringViewImpl::refreshStatus() {
                        .arg(treeGrid_->selectedElements().size()));
 }
 
-// A key and not a shortcut: a main window may have a find command of its own under the same keys.
+// Keys and not shortcuts: a main window may have commands of its own under the same keys.
 void SubEngineeringViewImpl::keyPressEvent(QKeyEvent* event) {
   if (event->matches(QKeySequence::Find)) {
     find();
+    return;
+  }
+  if (event->key() == Qt::Key_E && event->modifiers() == Qt::ControlModifier) {
+    exportExcel();
     return;
   }
   BasePage::keyPressEvent(event);

@@ -54,6 +54,11 @@ class QCE_EXPORT SubEngineeringViewImpl : public BasePage {
   /// Reads captions, widths and frozen columns again; false without a model.
   virtual bool updateTreeHeader();
 
+  /// Lets the host save the grid as a spreadsheet, under the name that was set, else under that of
+  /// the tab.
+  virtual void exportExcel();
+  virtual void setExportExcelName(std::string name);
+
   /// The Delete key on the grid: empties the editable selected cells, as one undo step.
   virtual void keyDeleteAction();
   /// Writes the clipboard's block from the selection on, as one undo step.
@@ -137,6 +142,7 @@ class QCE_EXPORT SubEngineeringViewImpl : public BasePage {
   QLabel* status_ = nullptr;
   QTimer* refreshTimer_ = nullptr;
   QPointer<QuantityDetailDialog> detailDialog_;
+  std::string exportName_;
   int shownRows_ = -1;  // -1: to be counted
   bool wasEmpty_ = true;
 };

@@ -372,6 +372,16 @@ class TestView : public QObject {
              (std::map<std::string, bool>{{keys::SEQuantity, true}, {keys::SEName, false}}));
   }
 
+  void exportsUnderTheNameThatWasSet() {
+    QTest::keyClick(s_->grid, Qt::Key_E, Qt::ControlModifier);
+    s_->page.setExportExcelName("清单表");
+    QTest::mouseClick(s_->button("导出Excel"), Qt::LeftButton);
+    const auto& saved = s_->services.spreadsheets;
+    QCOMPARE(saved.names, (std::vector<std::string>{"分部分项", "清单表"}));
+    QCOMPARE(saved.saved.front().rows.size(), std::size_t(6));
+    QCOMPARE(saved.saved.front().frozenColumns, 2);
+  }
+
   void goesToWhatWasFound() {
     s_->grid->collapseAll();
     QCOMPARE(s_->page.setCurrentIndexFromFind(s_->r1), s_->r1);

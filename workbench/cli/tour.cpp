@@ -106,6 +106,7 @@ void Tour::walk() {
   step("归集到成本", &Tour::poolResources);
   step("关联清单", &Tour::associateBills);
   step("清单明细", &Tour::billTerms);
+  step("分部分项", &Tour::bills);
   step("范围", &Tour::subProject);
   step("导出", &Tour::exportGrid);
   step("费用汇总", &Tour::feeSummaries);
@@ -344,7 +345,8 @@ void Tour::conditionFilter() {
       holding("钢") > 0 ? QString("钢") : text(element(before.last()), keys::BRIName).left(1);
   const auto wanted = holding(keyword);
   clickAction("条件过滤");
-  auto* panel = window_->findChild<gui::qce::destructors::DesFilterView*>();
+  auto* panel =
+      window_->pages()->currentWidget()->findChild<gui::qce::destructors::DesFilterView*>();
   require(panel != nullptr && panel->isVisible(), "没有条件面板");
   QLineEdit* name = nullptr;
   for (QLineEdit* box : panel->findChildren<QLineEdit*>()) {

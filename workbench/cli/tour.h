@@ -63,6 +63,7 @@ class Tour {
   void poolResources();
   void associateBills();
   void billTerms();
+  void bills();
   void subProject();
   void exportGrid();
   void feeSummaries();

@@ -27,7 +27,12 @@ OpenProject::OpenProject(std::unique_ptr<store::ProjectFile> file)
           })),
       resItemBillOperator_(std::make_unique<operators::ResItemBillOperator>(file_->project())),
       resItemBillController_(std::make_unique<ResItemBillController>(
-          file_->project(), *resItemBillOperator_, poolingController_.get())) {
+          file_->project(), *resItemBillOperator_, poolingController_.get())),
+      subEngineeringTable_(operators::makeSubEngineeringTable()),
+      subEngineeringOperator_(
+          std::make_unique<operators::SubEngineeringOperator>(file_->project())),
+      subEngineeringController_(
+          std::make_unique<SubEngineeringController>(file_->project(), *subEngineeringOperator_)) {
   resItemController_->setPooling(poolingController_.get());
   resItemController_->setAssociation(associationController_.get());
 }

@@ -7,8 +7,10 @@
 #include "workbench/controllers/notional_pooling_controller.h"
 #include "workbench/controllers/res_item_bill_controller.h"
 #include "workbench/controllers/res_item_controller.h"
+#include "workbench/controllers/sub_engineering_controller.h"
 #include "workbench/operators/res_item_bill_operator.h"
 #include "workbench/operators/res_item_operator.h"
+#include "workbench/operators/sub_engineering_operator.h"
 #include "workbench/services/undo_history.h"
 #include "workbench/store/project_file.h"
 
@@ -38,6 +40,9 @@ class OpenProject {
   ResItemController& resItemController() { return *resItemController_; }
   NotionalPoolingController& poolingController() { return *poolingController_; }
   AssociationBillController& associationController() { return *associationController_; }
+  operators::SubEngineeringOperator& subEngineeringOperator() { return *subEngineeringOperator_; }
+  domain::DisplayTable& subEngineeringTable() { return *subEngineeringTable_; }
+  SubEngineeringController& subEngineeringController() { return *subEngineeringController_; }
   operators::ResItemBillOperator& resItemBillOperator() { return *resItemBillOperator_; }
   ResItemBillController& resItemBillController() { return *resItemBillController_; }
 
@@ -53,6 +58,9 @@ class OpenProject {
   std::unique_ptr<AssociationBillController> associationController_;
   std::unique_ptr<operators::ResItemBillOperator> resItemBillOperator_;
   std::unique_ptr<ResItemBillController> resItemBillController_;
+  std::unique_ptr<domain::DisplayTable> subEngineeringTable_;
+  std::unique_ptr<operators::SubEngineeringOperator> subEngineeringOperator_;
+  std::unique_ptr<SubEngineeringController> subEngineeringController_;
 };
 
 }  // namespace controllers

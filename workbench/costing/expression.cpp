@@ -120,10 +120,20 @@ std::string place(int column) {
   return "第 " + std::to_string(column) + " 个字符";
 }
 
+// What a variable is called inside the parser: as short as the shortest name, and with a sign that
+// nobody can type.
+std::string standIn(std::size_t variable) {
+  return {'_', static_cast<char>('a' + static_cast<char>(variable))};
+}
+
 // What the parser complains of, in the user's words.
-std::string complaint(const mu::Parser::exception_type& error, int column, bool atEnd) {
+std::string complaint(const mu::Parser::exception_type& error, int column, bool atEnd,
+                      const Variables& variables) {
   std::string token = error.GetToken().substr(0, 20);
   token.resize(std::min(token.find(' '), token.size()));  // it reaches to the end
+  for (std::size_t i = 0; i < variables.size(); ++i) {
+    if (token == standIn(i)) token = variables[i].first;
+  }
   switch (error.GetCode()) {
     case mu::ecUNEXPECTED_EOF:
     case mu::ecEMPTY_EXPRESSION:
@@ -198,9 +208,31 @@ void checkBrackets(const std::string& text) {
 }  // namespace
 
 Decimal evaluate(std::string_view text) {
+  return evaluate(text, {});
+}
+
+Decimal evaluate(std::string_view text, const Variables& variables) {
   // One sign a character, so that the parser's positions are the user's.
   std::string plain;
-  for (const std::string_view character : charactersOf(text)) {
+  const std::vector<std::string_view> characters = charactersOf(text);
+  for (std::size_t at = 0; at < characters.size(); ++at) {
+    const std::string_view character = characters[at];
+    const std::string_view rest =
+        text.substr(static_cast<std::size_t>(character.data() - text.data()));
+    const auto named =
+        std::find_if(variables.begin(), variables.end(),
+                     [rest](const std::pair<std::string, Decimal>& variable) {
+                       return rest.substr(0, variable.first.size()) == variable.first;
+                     });
+    if (named != variables.end()) {
+      // Blanks behind it keep the places of what follows.
+      const std::size_t length = charactersOf(named->first).size();
+      std::string name = standIn(static_cast<std::size_t>(named - variables.begin()));
+      name.resize(std::max(name.size(), length), ' ');
+      plain += name;
+      at += length - 1;
+      continue;
+    }
     const char sign = plainSign(character);
     if (sign == '\0') {
       const int column = static_cast<int>(plain.size()) + 1;
@@ -215,8 +247,14 @@ Decimal evaluate(std::string_view text) {
   plain.resize(last + 1);
   checkBrackets(plain);
 
+  std::vector<double> values;  // the parser refers to them
+  values.reserve(variables.size());
   try {
     mu::Parser parser = makeParser();
+    for (std::size_t i = 0; i < variables.size(); ++i) {
+      values.push_back(variables[i].second.toDouble());
+      parser.DefineVar(standIn(i), &values.back());
+    }
     parser.SetExpr(plain);
     const double value = finite(parser.Eval());
     const std::optional<Decimal> result = Decimal::fromDouble(value);
@@ -227,7 +265,7 @@ Decimal evaluate(std::string_view text) {
   } catch (const mu::Parser::exception_type& error) {
     const int size = static_cast<int>(plain.size());
     const int column = std::min(std::max(error.GetPos() + 1, 1), size);
-    throw ExpressionError(complaint(error, column, error.GetPos() >= size), column);
+    throw ExpressionError(complaint(error, column, error.GetPos() >= size, variables), column);
   }
 }
 

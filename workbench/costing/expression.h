@@ -3,6 +3,8 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "workbench/costing/decimal.h"
 
@@ -29,5 +31,10 @@ class ExpressionError : public std::runtime_error {
 /// zero or has no finite result ends the calculation, whatever would follow.
 /// @throws ExpressionError
 Decimal evaluate(std::string_view text);
+
+/// Names (UTF-8, two characters or more, none the beginning of another) and what they stand for.
+using Variables = std::vector<std::pair<std::string, Decimal>>;
+/// As above; the names can be used like numbers.
+Decimal evaluate(std::string_view text, const Variables& variables);
 
 }  // namespace costing

@@ -31,6 +31,12 @@ Decimal consumption(const Decimal& billQuantity, const Decimal& content) {
   return billQuantity * content;
 }
 
+Decimal scaledQuantity(const Decimal& quantity, const Decimal& costQuantity,
+                       const Decimal& tenderQuantity) {
+  if (tenderQuantity.isZero() || costQuantity == tenderQuantity) return quantity;
+  return quantity * costQuantity / tenderQuantity;
+}
+
 Decimal adjustedQuantity(const Decimal& quantity, const Decimal& coefficient) {
   return quantity * coefficient;
 }

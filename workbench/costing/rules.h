@@ -24,6 +24,11 @@ Decimal storedQuantity(const Decimal& quantity, std::string_view unit);
 /// What one bill uses of a resource: bill quantity × content, unrounded.
 Decimal consumption(const Decimal& billQuantity, const Decimal& content);
 
+/// A quantity of a bill's budget as the bill's cost quantity scales it: quantity × cost quantity ÷
+/// tender quantity, unrounded; the quantity itself where the tender quantity is 0.
+Decimal scaledQuantity(const Decimal& quantity, const Decimal& costQuantity,
+                       const Decimal& tenderQuantity);
+
 /// What a bill line costs: its quantity × coefficient, unrounded.
 Decimal adjustedQuantity(const Decimal& quantity, const Decimal& coefficient);
 

@@ -22,7 +22,9 @@ bool staysHome(const Decimal& quantity, const Decimal& pooled) {
 
 Decimal costQuantity(const Bill& bill, const LineTerms& terms, const Decimal& budgetQuantity) {
   const Decimal base =
-      terms.content ? costing::consumption(bill.quantity.value(), *terms.content) : budgetQuantity;
+      terms.content
+          ? costing::consumption(bill.quantityForCost(), *terms.content)
+          : costing::scaledQuantity(budgetQuantity, bill.quantityForCost(), bill.quantity.value());
   return costing::adjustedQuantity(base, terms.coefficient);
 }
 
@@ -243,7 +245,7 @@ std::vector<BillLine> Bookings::linesOf(const ResourceItem& item) const {
         if (share.item == &item) out.budgetAmount += share.money;
       }
     }
-    const Decimal quantity = out.terms.price ? bill->quantity.value() : out.costQuantity;
+    const Decimal quantity = out.terms.price ? bill->quantityForCost() : out.costQuantity;
     const Decimal price = out.terms.price.value_or(item.price().value());
     out.excludedAmount = costing::excludedTaxAmount(quantity, price);
     out.includedAmount = costing::includedTaxAmount(quantity, price, item.taxRate().value());
@@ -306,7 +308,7 @@ struct Bookings::Edit {
     const Decimal quantity = costQuantity(bill, terms, line.budgetQuantity);
     add(sums.lines, quantity);
     if (!terms.price) return;
-    const Decimal billQuantity = bill.quantity.value();
+    const Decimal billQuantity = bill.quantityForCost();
     add(sums.priced, quantity);
     add(sums.pricedExcluded, costing::excludedTaxAmount(billQuantity, *terms.price));
     add(sums.pricedIncluded,
@@ -375,6 +377,47 @@ void Bookings::setTerms(ResourceItem& item, Bill& bill, const Terms& terms) {
   Edit(item, side(item), bill, target, std::move(next)).commit();
 }
 
+std::vector<ResourceItem*> Bookings::itemsOf(const Bill& bill) const {
+  std::vector<ResourceItem*> items;
+  for (int row = 0; row < bill.rows().size(); ++row) {
+    auto* home = static_cast<BudgetItem*>(bill.rows().at(row))->resourceItem;
+    if (home != nullptr) items.push_back(home);
+  }
+  for (const auto& [item, side] : sides_) {
+    if (side.lines.count(const_cast<Bill*>(&bill)) != 0) items.push_back(item);
+  }
+  std::sort(items.begin(), items.end(),
+            [](const ResourceItem* a, const ResourceItem* b) { return a->id() < b->id(); });
+  items.erase(std::unique(items.begin(), items.end()), items.end());
+  return items;
+}
+
+// From here on each of the items keeps a line for the bill: sums that are made anew know of no cost
+// quantity but the tender's.
+void Bookings::setCostQuantity(Bill& bill, const std::optional<costing::PackedDecimal>& quantity) {
+  struct Touched {
+    ResourceItem* item;
+    Side& side;
+    const Line& line;
+    Sums sums;
+  };
+  std::vector<Touched> touched;
+  for (ResourceItem* item : itemsOf(bill)) {
+    Side& owner = side(*item);
+    touched.push_back({item, owner, line(*item, bill), owner.sums});
+    Edit::count(touched.back().sums, *item, bill, touched.back().line, -1);
+  }
+  const std::optional<costing::PackedDecimal> before = bill.costQuantity;
+  bill.costQuantity = quantity;
+  try {
+    for (Touched& one : touched) Edit::count(one.sums, *one.item, bill, one.line, 1);
+  } catch (...) {
+    bill.costQuantity = before;
+    throw;
+  }
+  for (const Touched& one : touched) one.side.sums = one.sums;
+}
+
 void Bookings::reprice(ResourceItem& item) {
   const auto found = sides_.find(&item);
   if (found == sides_.end()) return;
@@ -382,7 +425,7 @@ void Bookings::reprice(ResourceItem& item) {
   Decimal included;
   for (const auto& [bill, line] : found->second.lines) {
     if (!line.exists() || !said(line.terms).price) continue;
-    included += costing::includedTaxAmount(bill->quantity.value(), *line.terms->price,
+    included += costing::includedTaxAmount(bill->quantityForCost(), *line.terms->price,
                                            item.taxRate().value());
   }
   sums.pricedIncluded = included;

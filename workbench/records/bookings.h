@@ -69,6 +69,11 @@ class Bookings {
   /// 0 takes the pooling away.
   void setPooling(BudgetItem& item, ResourceItem& into, const costing::Decimal& quantity);
   void setTerms(ResourceItem& item, Bill& bill, const Terms& terms);
+  /// Writes the bill's cost quantity and what follows from it in the sums of itemsOf(bill).
+  void setCostQuantity(Bill& bill, const std::optional<costing::PackedDecimal>& quantity);
+  /// The cost items that the bill has a line in or that have terms for it, in the order of their
+  /// ids.
+  std::vector<ResourceItem*> itemsOf(const Bill& bill) const;
   void setOwnQuantity(ResourceItem& item, const costing::Decimal& quantity);
   /// The item has another tax rate.
   void reprice(ResourceItem& item);

@@ -20,6 +20,19 @@ std::string describe(const SetTerms& change) {
   return before == after ? "修改清单设置" : after ? "关联清单" : "取消关联清单";
 }
 
+std::string describe(const SetBill& change) {
+  const BillData& before = change.before;
+  const BillData& after = change.after;
+  if (!(before.quantityLines == after.quantityLines)) return "修改工程量明细";
+  if (before.expression != after.expression) return "修改成本工程量";
+  if (before.code != after.code) return "修改清单编码";
+  if (before.name != after.name) return "修改清单名称";
+  if (before.features != after.features) return "修改项目特征";
+  if (before.unit != after.unit) return "修改清单单位";
+  if (before.type != after.type) return "修改清单类型";
+  return before.account != after.account ? "修改清单成本科目" : "修改清单备注";
+}
+
 }  // namespace
 
 std::string describe(const ChangeSet& changes) {
@@ -35,6 +48,8 @@ std::string describe(const ChangeSet& changes) {
       kinds.insert(pooling->before < pooling->after ? "归集到成本" : "取消归集");
     } else if (const auto* terms = std::get_if<SetTerms>(&change)) {
       kinds.insert(describe(*terms));
+    } else if (const auto* bill = std::get_if<SetBill>(&change)) {
+      kinds.insert(describe(*bill));
     } else {
       kinds.insert("移动工料机");
     }

@@ -69,7 +69,13 @@ struct SetTerms {
   std::shared_ptr<const LineTerms> before, after;
 };
 
-using Change = std::variant<SetField, AddItem, RemoveItem, Reposition, SetPooling, SetTerms>;
+struct SetBill {
+  Bill* bill;  ///< not owned: structure outlives every change
+  BillData before, after;
+};
+
+using Change =
+    std::variant<SetField, AddItem, RemoveItem, Reposition, SetPooling, SetTerms, SetBill>;
 using ChangeSet = std::vector<Change>;
 
 /// What an undo menu calls these changes: "修改不含税单价", "移动", ...

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "workbench/costing/packed_decimal.h"
 #include "workbench/costing/rules.h"
@@ -40,14 +41,48 @@ class StructureNode : public Branch {
   std::optional<costing::Decimal> declaredBills, declaredResources, declaredFees;
 };
 
-/// 清单. Its children are its budget items.
-class Bill : public Branch {
+/// One line of the calculation behind a cost quantity. Without an expression it is a comment.
+struct QuantityLine {
+  Text remark, expression;
+
+  friend bool operator==(const QuantityLine& a, const QuantityLine& b) {
+    return a.remark == b.remark && a.expression == b.expression;
+  }
+};
+
+/// What an estimator can edit of a bill.
+struct BillData {
+  Text code, name, features, unit, type, remark;
+  CostAccount* account = nullptr;
+  /// What the cost quantity (成本工程量) is made of: one expression, or lines that are added up, or
+  /// neither, and then it is the tender quantity.
+  Text expression;
+  std::vector<QuantityLine> quantityLines;
+  /// Follows from these; empty: the tender quantity.
+  std::optional<costing::PackedDecimal> costQuantity;
+
+  friend bool operator==(const BillData& a, const BillData& b) {
+    return a.code == b.code && a.name == b.name && a.features == b.features && a.unit == b.unit &&
+           a.type == b.type && a.remark == b.remark && a.account == b.account &&
+           a.expression == b.expression && a.quantityLines == b.quantityLines &&
+           a.costQuantity == b.costQuantity;
+  }
+};
+
+/// 清单. Its children are its budget items. Edited through records::Project alone.
+class Bill : public Branch, public BillData {
  public:
   using Branch::Branch;
 
-  Text sourceId, code, name, features, unit;
-  CostAccount* account = nullptr;
-  costing::PackedDecimal quantity;
+  BillData& data() { return *this; }
+  const BillData& data() const { return *this; }
+  /// What the cost counts: the cost quantity, else the tender quantity.
+  costing::Decimal quantityForCost() const {
+    return (costQuantity ? *costQuantity : quantity).value();
+  }
+
+  Text sourceId;
+  costing::PackedDecimal quantity;  ///< 招标工程量: as tendered, it never changes
   std::optional<costing::PackedDecimal> unitPrice, amount;  ///< of the kinds that price bills
 };
 

@@ -220,6 +220,8 @@ void Project::perform(const Change& change, Direction direction) {
     write(*pooling, forward ? pooling->after : pooling->before);
   } else if (const auto* terms = std::get_if<SetTerms>(&change)) {
     write(*terms, forward ? terms->after : terms->before);
+  } else if (const auto* bill = std::get_if<SetBill>(&change)) {
+    write(*bill->bill, forward ? bill->after : bill->before);
   } else {
     place(std::get<Reposition>(change), direction);
   }
@@ -440,6 +442,24 @@ std::string Project::dump() const {
       }
     }
   }
+  const std::function<void(const RowList&)> bills = [&](const RowList& rows) {
+    for (int row = 0; row < rows.size(); ++row) {
+      const auto* bill = dynamic_cast<Bill*>(rows.at(row));
+      if (bill == nullptr) {
+        bills(static_cast<Branch*>(rows.at(row))->rows());
+        continue;
+      }
+      line({"bill", std::to_string(bill->id()), bill->code.str(), bill->name.str(),
+            bill->features.str(), bill->unit.str(), bill->type.str(), bill->remark.str(),
+            bill->account != nullptr ? bill->account->label : "", bill->quantity.value().toString(),
+            bill->expression.str(),
+            bill->costQuantity ? bill->costQuantity->value().toString() : ""});
+      for (const QuantityLine& quantity : bill->quantityLines) {
+        line({"quantity", quantity.remark.str(), quantity.expression.str()});
+      }
+    }
+  };
+  bills(structure_->rows());
   for (const BudgetItem* budgetItem : bookings_.pooledItems()) {
     for (const Bookings::Pooling& pooling : bookings_.poolingsOf(*budgetItem)) {
       line({"pooling", std::to_string(budgetItem->id()), std::to_string(pooling.into->id()),
@@ -447,6 +467,81 @@ std::string Project::dump() const {
     }
   }
   return out;
+}
+
+// Bills
+
+namespace {
+
+const costing::Decimal MostQuantity(1000000000);
+
+// The value of one calculation; `place` says where it stands.
+costing::Decimal valueOf(Text expression, const costing::Variables& variables,
+                         const std::string& place) {
+  try {
+    return costing::evaluate(expression.str(), variables);
+  } catch (const costing::ExpressionError& error) {
+    throw Refusal(place + "“" + expression.str() + "”：" + error.what());
+  }
+}
+
+}  // namespace
+
+costing::Variables Project::variablesFor(const Bill& bill) const {
+  return {{"工程量", bill.quantity.value()}, {"建筑面积", facts.buildingArea}};
+}
+
+std::optional<costing::PackedDecimal> Project::costQuantityOf(const Bill& bill,
+                                                              const BillData& data) const {
+  const costing::Variables variables = variablesFor(bill);
+  const std::string place = label(bill) + "的成本工程量";
+  costing::Decimal sum;
+  bool any = false;
+  if (!data.expression.empty()) {
+    sum = valueOf(data.expression, variables, place + "计算式");
+    any = true;
+  }
+  for (std::size_t i = 0; i < data.quantityLines.size(); ++i) {
+    const Text expression = data.quantityLines[i].expression;
+    if (expression.empty()) continue;
+    const std::string line = place + "明细第 " + std::to_string(i + 1) + " 行";
+    sum += valueOf(expression, variables, line);
+    any = true;
+  }
+  if (!any) return {};
+  const costing::Decimal quantity = costing::storedQuantity(sum, data.unit.str());
+  if (quantity.isNegative() || quantity > MostQuantity) {
+    throw Refusal(place + "应在 0 到 1,000,000,000 之间，计算结果为 " + quantity.toString() +
+                  "；请修改计算式。");
+  }
+  return costing::PackedDecimal(quantity);
+}
+
+void Project::set(Bill& bill, BillData data) {
+  if (data.code.empty()) throw Refusal(label(bill) + "的编码不能为空，请重新输入。");
+  if (data.name.empty()) throw Refusal(label(bill) + "的名称不能为空，请重新输入。");
+  data.costQuantity = costQuantityOf(bill, data);
+  if (data == bill.data()) return;
+  record(SetBill{&bill, bill.data(), std::move(data)});
+}
+
+void Project::write(Bill& bill, const BillData& data) {
+  std::vector<std::pair<ResourceItem*, costing::Totals>> touched;
+  const std::optional<costing::PackedDecimal> before = bill.costQuantity;
+  if (before != data.costQuantity) {
+    for (ResourceItem* item : bookings_.itemsOf(bill)) touched.emplace_back(item, item->totals());
+    bookings_.setCostQuantity(bill, data.costQuantity);
+    try {
+      for (const auto& [item, totals] : touched) refresh(*item, totals.budget);
+    } catch (...) {
+      bookings_.setCostQuantity(bill, before);
+      for (const auto& [item, totals] : touched) refresh(*item, totals.budget);
+      throw;
+    }
+  }
+  bill.data() = data;
+  for (const auto& [item, totals] : touched) tell(*item, totals);
+  for (Observer* observer : observers_) observer->billChanged(bill);
 }
 
 // Booking

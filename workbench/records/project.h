@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "workbench/costing/expression.h"
 #include "workbench/records/bookings.h"
 #include "workbench/records/change.h"
 
@@ -46,6 +47,8 @@ class Observer {
   virtual void itemChanged(ResourceItem& /*item*/) {}
   /// The item's bill lines have changed: what is booked into it or remains in it, or their terms.
   virtual void bookingChanged(ResourceItem& /*item*/) {}
+  /// What can be edited of the bill is something else.
+  virtual void billChanged(Bill& /*bill*/) {}
   /// A row comes in below `parent` at `row`.
   virtual void aboutToInsert(ResourceGroup& /*parent*/, int /*row*/) {}
   virtual void inserted() {}
@@ -101,6 +104,12 @@ class Project {
 
   /// Throws Refusal for a quantity that follows from bill lines.
   void set(ResourceItem& item, ItemField field, const FieldValue& value);
+  /// Writes what can be edited of a bill, all of it or nothing. Its cost quantity is worked out
+  /// here and scales the cost of all that the bill uses; the budget stays. Throws Refusal for a
+  /// text that must not be empty, for a calculation that has no value, and for a quantity below 0.
+  void set(Bill& bill, BillData data);
+  /// The names that the calculation of a bill's cost quantity can use, with their values.
+  costing::Variables variablesFor(const Bill& bill) const;
   /// Appends an item to the group of its category.
   void add(StructureNode& unitWork, const ResourceItemData& data);
   /// False, and nothing removed, for an item that budget items were gathered to or that anything is
@@ -195,6 +204,9 @@ class Project {
   void tell(ResourceItem& item, const costing::Totals& before);
   void write(const SetPooling& change, const costing::Decimal& quantity);
   void write(const SetTerms& change, const Bookings::Terms& terms);
+  void write(Bill& bill, const BillData& data);
+  std::optional<costing::PackedDecimal> costQuantityOf(const Bill& bill,
+                                                       const BillData& data) const;
   void requireSameUnitWork(const ResourceItem& item, const Bill& bill) const;
   void count(ResourceGroup& group, const costing::Totals& before, const costing::Totals& after);
   bool swapWithNext(ResourceGroup& group, int upper);

@@ -89,6 +89,10 @@ void ProjectBuilder::setTerms(ResourceItem& item, Bill& bill, const LineTerms& t
   project_.bookings_.setTerms(item, bill, std::make_shared<const LineTerms>(terms));
 }
 
+void ProjectBuilder::setCostQuantity(Bill& bill, const costing::Decimal& quantity) {
+  project_.bookings_.setCostQuantity(bill, costing::PackedDecimal(quantity));
+}
+
 void ProjectBuilder::finishBookings() {
   for (ResourceItem* item : project_.bookings_.touchedItems()) {
     const costing::Totals before = item->totals();

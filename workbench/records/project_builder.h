@@ -22,6 +22,8 @@ class ProjectBuilder {
   void setOwnQuantity(ResourceItem& item, const costing::Decimal& quantity);
   void setPooling(BudgetItem& budgetItem, ResourceItem& into, const costing::Decimal& quantity);
   void setTerms(ResourceItem& item, Bill& bill, const LineTerms& terms);
+  /// After the items that the bill's budget items were gathered to, before what is booked.
+  void setCostQuantity(Bill& bill, const costing::Decimal& quantity);
   void finishBookings();
   IndirectFeeGroup& addFeeGroup(IndirectFeeGroup* parent, std::int64_t id);
   IndirectFeeItem& addFeeItem(IndirectFeeGroup& group, std::int64_t id);

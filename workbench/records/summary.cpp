@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <optional>
 #include <unordered_map>
 #include <utility>
+
+#include "workbench/records/bill_costs.h"
 
 namespace records {
 namespace {
@@ -89,7 +92,7 @@ class Summarizer {
   }
 
   SummaryLine structure() {
-    readBookedCosts();
+    costs_.emplace(project_);
     Decimal taxable, taxes;
     const auto addTax = [&](SummaryLine& parent, Record* source) {
       const Decimal tax = taxOn(parent.income);
@@ -270,39 +273,6 @@ class Summarizer {
   // --- by structure
 
   /// Cost that is booked on bills, from the items that any booking has touched.
-  void readBookedCosts() {
-    for (ResourceItem* item : project_.bookings().touchedItems()) {
-      for (const BillLine& line : project_.linesOf(*item)) {
-        booked_[line.bill] += line.excludedAmount;
-      }
-    }
-  }
-
-  Decimal costOf(const Bill& bill) const {
-    const auto found = booked_.find(&bill);
-    Decimal cost = found != booked_.end() ? found->second : Decimal();
-    const RowList& rows = bill.rows();
-    for (int row = 0; row < rows.size(); ++row) {
-      const auto& line = *static_cast<const BudgetItem*>(rows.at(row));
-      const ResourceItem* home = line.resourceItem;
-      if (home == nullptr || project_.bookings().sumsOf(*home) != nullptr) continue;
-      Decimal content = line.content.value();
-      bool first = true;
-      for (int other = 0; other < rows.size() && first; ++other) {
-        if (other == row) continue;
-        const auto& same = *static_cast<const BudgetItem*>(rows.at(other));
-        if (same.resourceItem != home) continue;
-        first = other > row;
-        content += same.content.value();
-      }
-      // A resource that a bill names twice is one line of it.
-      if (first) {
-        cost += costing::excludedTaxAmount(bill.quantity.value() * content, home->price().value());
-      }
-    }
-    return cost;
-  }
-
   SummaryLine unitWork(StructureNode& at) {
     SummaryLine line = makeLine(Kind::Structure, join(at.code, at.name), &at);
     Decimal resources;  // those of the bills
@@ -339,7 +309,7 @@ class Summarizer {
         const Decimal own = resourcesOf(*bill);
         resources += own;
         addLine(parent, makeLine(Kind::Bill, join(bill->code.str(), bill->name.str()), bill,
-                                 {incomeOf(*bill, own), costOf(*bill)}));
+                                 {incomeOf(*bill, own), costs_->of(*bill)}));
       } else {
         auto& section = *static_cast<StructureNode*>(rows.at(row));
         SummaryLine line = makeLine(Kind::Structure, join(section.code, section.name), &section);
@@ -413,7 +383,7 @@ class Summarizer {
   const FeeTemplate& template_;
   Decimal rate_;
   Decimal margin_;
-  std::unordered_map<const Bill*, Decimal> booked_;
+  std::optional<BillCosts> costs_;
   std::unordered_map<const CostAccount*, Money> byAccount_;
   SummaryLine total_;
 };

@@ -5,6 +5,9 @@
 
 #include "engineering/fee_summary_navigation_model.h"
 #include "engineering/fee_summary_view.h"
+#include "engineering/filter_model.h"
+#include "engineering/model.h"
+#include "engineering/view.h"
 #include "host/app/services.h"
 #include "host/bwidgets/grid_sheet.h"
 #include "host/bwidgets/tree_grid_view.h"
@@ -99,6 +102,43 @@ class ResItemBillModels {
   QPointer<gui::qce::QCEResItemBillViewImpl> pane_;
   gui::qce::QCEResItemBillModelImpl bills_;
   gui::qce::QCEResItemBillFilterModelImpl filter_;
+};
+
+/// The models of the page of bills, bound to the project as long as they live.
+class SubEngineeringModels {
+ public:
+  explicit SubEngineeringModels(controllers::OpenProject& project)
+      : controller_(project.subEngineeringController()), filter_(&rows_) {
+    rows_.setDisplayTable(&project.subEngineeringTable());
+    rows_.setOperator(&project.subEngineeringOperator());
+    controller_.setChanged([this](const std::vector<proxy::Element*>& bills) {
+      for (proxy::Element* bill : bills) announceBelow(rows_.makeIndex(bill, 0));
+      announceBelow({});
+    });
+  }
+  ~SubEngineeringModels() { controller_.setChanged({}); }
+  SubEngineeringModels(const SubEngineeringModels&) = delete;
+  SubEngineeringModels& operator=(const SubEngineeringModels&) = delete;
+
+  gui::qce::QCESubEngineeringFilterModelImpl& filter() { return filter_; }
+
+ private:
+  // Amounts may have changed in any node and bill; resource rows follow their own bill alone.
+  void announceBelow(const QModelIndex& parent) {
+    const int rows = rows_.rowCount(parent);
+    if (rows == 0) return;
+    emit rows_.dataChanged(rows_.index(0, 0, parent),
+                           rows_.index(rows - 1, rows_.columnCount() - 1, parent));
+    for (int row = 0; row < rows; ++row) {
+      const QModelIndex index = rows_.index(row, 0, parent);
+      const proxy::Element* first = rows_.getInternalData(rows_.index(0, 0, index));
+      if (first != nullptr && !rows_.isResourceRow(first)) announceBelow(index);
+    }
+  }
+
+  controllers::SubEngineeringController& controller_;
+  gui::qce::QCESubEngineeringModelImpl rows_;
+  gui::qce::QCESubEngineeringFilterModelImpl filter_;
 };
 
 Page makeResItemPage(Session& session) {
@@ -200,11 +240,31 @@ Page makeFeeSummaryPage(Session& session) {
   return page;
 }
 
+Page makeSubEngineeringPage(Session& session) {
+  auto models = std::make_shared<SubEngineeringModels>(session.project());
+  auto* view = new gui::qce::QCESubEngineeringViewImpl;
+  view->setModel(&models->filter());
+
+  Page page;
+  page.key = QStringLiteral("bills");
+  page.title = QStringLiteral("分部分项");
+  page.icon = QIcon(QStringLiteral(":/qce/icons/bills.svg"));
+  page.widget = view;
+  page.view = view;
+  page.find = [view] { view->find(); };
+  page.exportGrid = [view] { view->exportExcel(); };
+  page.setZoom = [view](int percent) {
+    for (auto* grid : view->findChildren<bwidgets::TreeGridView*>()) grid->setZoom(percent);
+  };
+  page.behind = models;
+  return page;
+}
+
 }  // namespace
 
 const std::vector<PageMaker>& pageMakers() {
-  static const std::vector<PageMaker> makers{makeResItemPage, makeFeeSummaryPage,
-                                             makeProjectInfoPage};
+  static const std::vector<PageMaker> makers{makeResItemPage, makeSubEngineeringPage,
+                                             makeFeeSummaryPage, makeProjectInfoPage};
   return makers;
 }
 

@@ -9,6 +9,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "workbench/costing/expression.h"
 #include "workbench/store/database.h"
 #include "workbench/store/project_file.h"
 
@@ -26,6 +27,7 @@ class Checker {
 
   void run() {
     integrity();
+    costQuantities();
     terms();
     poolings();
     budgetItems();
@@ -70,10 +72,53 @@ class Checker {
     }
   }
 
+  // A cost quantity is the sum of its calculations.
+  void costQuantities() {
+    Decimal area;
+    for (QSqlQuery query =
+             rows(QStringLiteral("SELECT value FROM project_fact WHERE name = 'building_area'"));
+         query.next();) {
+      area = number(query.value(0), QStringLiteral("建筑面积"));
+    }
+    QHash<qint64, QStringList> calculations;
+    for (QSqlQuery query = rows(QStringLiteral(
+             "SELECT id, expression FROM bill WHERE expression <> '' UNION ALL"
+             " SELECT bill_id, expression FROM quantity_line WHERE expression <> ''"));
+         query.next();) {
+      calculations[query.value(0).toLongLong()].append(query.value(1).toString());
+    }
+    QSqlQuery query =
+        rows(QStringLiteral("SELECT id, code, name, unit, quantity, cost_quantity FROM bill"));
+    while (query.next()) {
+      const QStringList terms = calculations.value(query.value(0).toLongLong());
+      if (terms.isEmpty() && query.isNull(5)) continue;
+      const QString where = QStringLiteral("清单 %1 %2 的成本工程量")
+                                .arg(query.value(1).toString(), query.value(2).toString());
+      if (terms.isEmpty() || query.isNull(5)) {
+        find(where + QStringLiteral("与其计算式不符"));
+        continue;
+      }
+      const costing::Variables variables = {{"工程量", number(query.value(4), where)},
+                                            {"建筑面积", area}};
+      Decimal sum;
+      try {
+        for (const QString& term : terms) sum += costing::evaluate(term.toStdString(), variables);
+      } catch (const costing::ExpressionError& error) {
+        find(where + QStringLiteral("的计算式有误：") + QString::fromUtf8(error.what()));
+        continue;
+      }
+      scaled_[query.value(0).toLongLong()] = {number(query.value(5), where),
+                                              number(query.value(4), where)};
+      compare(where, number(query.value(5), where),
+              costing::storedQuantity(sum, query.value(3).toString().toStdString()));
+    }
+  }
+
   void terms() {
     QSqlQuery query =
         rows(QStringLiteral("SELECT l.resource_item_id, l.bill_id, l.associated, l.coefficient,"
-                            " l.content, l.price, b.quantity, b.code, b.name FROM bill_line l"
+                            " l.content, l.price, b.quantity, b.code, b.name, b.cost_quantity"
+                            " FROM bill_line l"
                             " JOIN bill b ON b.id = l.bill_id"));
     while (query.next()) {
       const QString where =
@@ -85,7 +130,8 @@ class Checker {
       line.coefficient = number(query.value(3), where + QStringLiteral("系数"));
       if (!query.isNull(4)) line.content = number(query.value(4), where + QStringLiteral("含量"));
       if (!query.isNull(5)) line.price = number(query.value(5), where + QStringLiteral("单价"));
-      line.billQuantity = number(query.value(6), where + QStringLiteral("工程量"));
+      line.billQuantity =
+          number(query.value(query.isNull(9) ? 6 : 9), where + QStringLiteral("工程量"));
       if (line.coefficient.isZero()) find(where + QStringLiteral("系数为零"));
       if (line.price && line.price->isNegative()) find(where + QStringLiteral("分包单价为负数"));
       if (line.associated) booked_[item].associated = true;
@@ -113,9 +159,14 @@ class Checker {
   void bring(qint64 item, qint64 bill, const Decimal& quantity, const Decimal& money) {
     Booked& booked = booked_[item];
     booked.budget += money;
-    const auto line = lines_.find({item, bill});
+    auto line = lines_.find({item, bill});
+    const auto scaled = scaled_.constFind(bill);
+    if (line == lines_.end() && scaled != scaled_.constEnd()) {
+      line = lines_.insert({item, bill}, BillLine());
+      line->coefficient = Decimal(1);
+    }
     if (line == lines_.end()) {
-      booked.quantity += quantity;  // as it is, without terms
+      booked.quantity += quantity;  // without terms
     } else {
       line->budgetQuantity += quantity;
       line->used = true;
@@ -162,8 +213,12 @@ class Checker {
     for (auto line = lines_.constBegin(); line != lines_.constEnd(); ++line) {
       if (!line->used && !line->associated) continue;  // not there for the time being
       Booked& booked = booked_[line.key().first];
-      const Decimal base = line->content ? costing::consumption(line->billQuantity, *line->content)
-                                         : line->budgetQuantity;
+      Decimal base = line->content ? costing::consumption(line->billQuantity, *line->content)
+                                   : line->budgetQuantity;
+      const auto scaled = scaled_.constFind(line.key().second);
+      if (!line->content && scaled != scaled_.constEnd()) {
+        base = costing::scaledQuantity(base, scaled->cost, scaled->tender);
+      }
       const Decimal quantity = costing::adjustedQuantity(base, line->coefficient);
       booked.quantity += quantity;
       if (!line->price) continue;
@@ -324,6 +379,9 @@ class Checker {
     Decimal coefficient, billQuantity, budgetQuantity;
     std::optional<Decimal> content, price;
   };
+  struct Scaled {
+    Decimal cost, tender;
+  };
   /// What bookings and gathering give a cost item.
   struct Booked {
     Decimal quantity, budget;
@@ -337,6 +395,7 @@ class Checker {
   QHash<QPair<qint64, qint64>, BillLine> lines_;             // by cost item and bill
   QHash<qint64, QVector<QPair<qint64, Decimal>>> poolings_;  // of a budget item
   QHash<qint64, Booked> booked_;
+  QHash<qint64, Scaled> scaled_;  // bills with a cost quantity of their own
   QSet<qint64> gathered_;
   QHash<QPair<qint64, int>, Totals> computed_;  // unit work (0: the project), category (-1: all)
   Decimal fees_;

@@ -119,6 +119,26 @@ std::vector<QVariant> lineCells(const records::ResourceItem& item, const records
           cell(terms.priceExpression), cell(item.id()),     cell(bill.id())};
 }
 
+constexpr char UpdateBill[] =
+    "UPDATE bill SET code = ?, name = ?, features = ?, unit = ?, type = ?, remark = ?,"
+    " account_id = ?, expression = ?, cost_quantity = ? WHERE id = ?";
+constexpr char InsertQuantityLine[] =
+    "INSERT INTO quantity_line (bill_id, position, remark, expression) VALUES (?, ?, ?, ?)";
+
+// What can be edited of a bill.
+std::vector<QVariant> billCells(const records::Bill& bill) {
+  return {cell(bill.code),         cell(bill.name),   cell(bill.features), cell(bill.unit),
+          cell(bill.type),         cell(bill.remark), idOf(bill.account),  cell(bill.expression),
+          cell(bill.costQuantity), cell(bill.id())};
+}
+
+void insertQuantityLines(Statement& insert, const records::Bill& bill) {
+  int position = 0;
+  for (const records::QuantityLine& line : bill.quantityLines) {
+    insert.run({cell(bill.id()), cell(position++), cell(line.remark), cell(line.expression)});
+  }
+}
+
 constexpr char UpdateItem[] =
     "UPDATE resource_item SET unit_work_id = ?, category = ?, position = ?, account_id = ?,"
     " code = ?, name = ?, spec = ?, unit = ?, quantity = ?, own_quantity = ?, price = ?,"
@@ -225,16 +245,22 @@ class Writer {
 
   bool bills(const records::RowList& rows) {
     Statement insert(database_,
-                     "INSERT INTO bill (id, section_id, position, source_id, code, name, features,"
-                     " unit, account_id, quantity, unit_price, amount)"
-                     " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+                     "INSERT INTO bill (code, name, features, unit, type, remark, account_id,"
+                     " expression, cost_quantity, id, section_id, position, source_id, quantity,"
+                     " unit_price, amount)"
+                     " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    Statement insertLine(database_, InsertQuantityLine);
     const std::function<bool(const records::RowList&)> write = [&](const records::RowList& list) {
       for (int row = 0; row < list.size(); ++row) {
         if (const auto* bill = dynamic_cast<records::Bill*>(list.at(row))) {
-          insert.run({cell(bill->id()), idOf(bill->parent()), cell(row), cell(bill->sourceId),
-                      cell(bill->code), cell(bill->name), cell(bill->features), cell(bill->unit),
-                      idOf(bill->account), cell(bill->quantity), cell(bill->unitPrice),
-                      cell(bill->amount)});
+          std::vector<QVariant> cells = billCells(*bill);
+          for (const QVariant& given :
+               {idOf(bill->parent()), cell(row), cell(bill->sourceId), cell(bill->quantity),
+                cell(bill->unitPrice), cell(bill->amount)}) {
+            cells.push_back(given);
+          }
+          insert.run(cells);
+          insertQuantityLines(insertLine, *bill);
           allBills_.push_back(bill);
           if (!counted()) return false;
         } else if (!write(static_cast<records::Branch*>(list.at(row))->rows())) {
@@ -436,6 +462,7 @@ class Reader {
     pooledIds();
     if (!bills() || !items() || !budgetItems()) return false;
     fees();
+    quantityLines();
     bookings();
     return true;
   }
@@ -518,7 +545,7 @@ class Reader {
   bool bills() {
     Rows rows(database_, "bill",
               "id, section_id, source_id, code, name, features, unit, account_id, quantity,"
-              " unit_price, amount",
+              " unit_price, amount, type, remark, expression, cost_quantity",
               "section_id, position");
     while (rows.next()) {
       const std::int64_t id = rows.id();
@@ -528,6 +555,10 @@ class Reader {
       bill.quantity = rows.decimal();
       if (const auto price = rows.optionalDecimal()) bill.unitPrice = *price;
       if (const auto amount = rows.optionalDecimal()) bill.amount = *amount;
+      texts(rows, bill.type, bill.remark, bill.expression);
+      // It scales items that are still to be read.
+      if (const auto quantity = rows.optionalDecimal())
+        costQuantities_.emplace_back(&bill, *quantity);
       bills_[id] = &bill;
       if (!counted()) return false;
     }
@@ -563,6 +594,16 @@ class Reader {
     return true;
   }
 
+  void quantityLines() {
+    Rows rows(database_, "quantity_line", "bill_id, remark, expression", "bill_id, position");
+    while (rows.next()) {
+      records::Bill& bill = rows.required(bills_);
+      records::QuantityLine line;
+      texts(rows, line.remark, line.expression);
+      bill.quantityLines.push_back(line);
+    }
+  }
+
   // A project has many budget items; those of which anything is pooled are looked up later.
   void pooledIds() {
     Rows rows(database_, "pooling", "budget_item_id", "budget_item_id");
@@ -578,6 +619,7 @@ class Reader {
       const Decimal quantity = own.decimal();
       if (!item.gathered()) builder_.setOwnQuantity(item, quantity);
     }
+    for (const auto& [bill, quantity] : costQuantities_) builder_.setCostQuantity(*bill, quantity);
     Rows lines(database_, "bill_line",
                "resource_item_id, bill_id, associated, summary, summary_unit, coefficient, content,"
                " price, price_expression",
@@ -680,6 +722,7 @@ class Reader {
   std::unordered_map<std::int64_t, records::CostAccount*> accounts_;
   std::unordered_map<std::int64_t, records::StructureNode*> nodes_;
   std::unordered_map<std::int64_t, records::Bill*> bills_;
+  std::vector<std::pair<records::Bill*, Decimal>> costQuantities_;
   std::unordered_map<std::int64_t, records::ResourceItem*> items_;
   std::unordered_map<std::int64_t, records::BudgetItem*> budgetItems_;  // those that are pooled
   qint64 rows_ = 0;
@@ -703,6 +746,7 @@ void writeChanges(Database& database, records::Project& project,
   std::unordered_set<records::StructureNode*> unitWorks;
   std::set<std::pair<const records::BudgetItem*, records::ResourceItem*>> poolings;
   std::set<std::pair<records::ResourceItem*, const records::Bill*>> lines;
+  std::set<const records::Bill*> bills;
   const records::Bookings& bookings = project.bookings();
   const auto touch = [&](records::ResourceItem* item) {
     if (known.insert(item).second) items.push_back(item);
@@ -724,6 +768,10 @@ void writeChanges(Database& database, records::Project& project,
     } else if (const auto* terms = std::get_if<records::SetTerms>(&change)) {
       touch(terms->item.get());
       lines.emplace(terms->item.get(), terms->bill);
+    } else if (const auto* edit = std::get_if<records::SetBill>(&change)) {
+      bills.insert(edit->bill);
+      if (edit->before.costQuantity == edit->after.costQuantity) continue;
+      for (records::ResourceItem* item : bookings.itemsOf(*edit->bill)) touch(item);
     } else {
       for (const auto& place : std::get<records::Reposition>(change).places) {
         touch(place.item.get());
@@ -739,6 +787,14 @@ void writeChanges(Database& database, records::Project& project,
     if (isGone(item)) continue;
     const std::vector<QVariant> cells = itemCells(project, *item, item->group()->unitWork());
     if (update.run(cells) == 0) insert.run(cells);
+  }
+  Statement updateBill(database, UpdateBill);
+  Statement removeQuantityLines(database, "DELETE FROM quantity_line WHERE bill_id = ?");
+  Statement insertQuantityLine(database, InsertQuantityLine);
+  for (const records::Bill* bill : bills) {
+    updateBill.run(billCells(*bill));
+    removeQuantityLines.run({cell(bill->id())});
+    insertQuantityLines(insertQuantityLine, *bill);
   }
   Statement removePooling(database,
                           "DELETE FROM pooling WHERE budget_item_id = ? AND resource_item_id = ?");

@@ -100,11 +100,25 @@ QStringList toVersion2() {
   };
 }
 
+// What an estimator says about a bill. Without it the cost counts the tender quantity, as before.
+QStringList toVersion3() {
+  return {
+      QStringLiteral("ALTER TABLE bill ADD COLUMN type text NOT NULL DEFAULT ''"),
+      QStringLiteral("ALTER TABLE bill ADD COLUMN remark text NOT NULL DEFAULT ''"),
+      QStringLiteral("ALTER TABLE bill ADD COLUMN expression text NOT NULL DEFAULT ''"),
+      QStringLiteral("ALTER TABLE bill ADD COLUMN cost_quantity text"),
+      QStringLiteral("CREATE TABLE quantity_line ("
+                     " bill_id integer NOT NULL REFERENCES bill (id), position integer NOT NULL,"
+                     " remark text NOT NULL, expression text NOT NULL,"
+                     " PRIMARY KEY (bill_id, position))"),
+  };
+}
+
 }  // namespace
 
 void migrate(Database& database, int version) {
-  const std::vector<QStringList> steps = {toVersion1(), toVersion2()};
-  static_assert(SchemaVersion == 2, "each version has its step above");
+  const std::vector<QStringList> steps = {toVersion1(), toVersion2(), toVersion3()};
+  static_assert(SchemaVersion == 3, "each version has its step above");
   for (std::size_t step = static_cast<std::size_t>(version); step < steps.size(); ++step) {
     for (const QString& statement : steps[step]) database.run(statement);
   }

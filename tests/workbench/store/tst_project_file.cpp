@@ -162,7 +162,20 @@ class ProjectFileTest : public QObject {
     QCOMPARE(QDir(fixture.directory()).entryList(QDir::Files), QStringList{"办公楼.qcp"});
   }
 
-  void opensFilesOfTheFirstVersion() {
+  void opensFilesOfEarlierVersions_data() {
+    const tests::Rows<QStringList> row{"statements"};
+    const QStringList third{"DROP TABLE quantity_line", "ALTER TABLE bill DROP COLUMN type",
+                            "ALTER TABLE bill DROP COLUMN remark",
+                            "ALTER TABLE bill DROP COLUMN expression",
+                            "ALTER TABLE bill DROP COLUMN cost_quantity"};
+    const QStringList second{"DROP TABLE pooling", "DROP TABLE bill_line",
+                             "ALTER TABLE resource_item DROP COLUMN own_quantity",
+                             "UPDATE resource_item SET associated = 1 WHERE id % 2 = 0"};
+    row("1", third + second + QStringList{"PRAGMA user_version = 1"});
+    row("2", third + QStringList{"PRAGMA user_version = 2"});
+  }
+  void opensFilesOfEarlierVersions() {
+    QFETCH(QStringList, statements);
     tests::ProjectFixture fixture;
     {
       // The one kind of item that has a quantity of its own.
@@ -175,10 +188,7 @@ class ProjectFileTest : public QObject {
     }
     const std::string before = fixture.open()->project().dump();
     fixture.close();
-    tamper(fixture.path(),
-           {"DROP TABLE pooling", "DROP TABLE bill_line",
-            "ALTER TABLE resource_item DROP COLUMN own_quantity",
-            "UPDATE resource_item SET associated = 1 WHERE id % 2 = 0", "PRAGMA user_version = 1"});
+    tamper(fixture.path(), statements);
     controllers::OpenProject* opened = fixture.open();
     QVERIFY2(opened != nullptr, qPrintable(fixture.failure.message));
     QVERIFY(opened->project().dump() == before);
@@ -222,7 +232,7 @@ class ProjectFileTest : public QObject {
     row("directory", "directory", FailureKind::NotAProject, "不是成本测算工程文件");
     row("another database", "PRAGMA application_id = 7", FailureKind::NotAProject,
         "不是成本测算工程文件");
-    row("newer", "PRAGMA user_version = 3", FailureKind::Newer, "升级本程序");
+    row("newer", "PRAGMA user_version = 99", FailureKind::Newer, "升级本程序");
     row("no version", "PRAGMA user_version = 0", FailureKind::Damaged, "已损坏");
     row("cut short", "cut", FailureKind::Damaged, "已损坏");
     row("cut in the header", "header", FailureKind::Damaged, "文件不完整");
