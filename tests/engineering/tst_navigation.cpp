@@ -36,7 +36,7 @@ void click(QTreeView* tree, int row) {
 
 /// The calls since the last time.
 QString taken(QStringList& calls) {
-  const QString text = calls.join(' ');
+  QString text = calls.join(' ');
   calls.clear();
   return text;
 }
