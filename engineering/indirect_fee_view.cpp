@@ -49,7 +49,7 @@ QCEIndirectFeeViewImpl::QCEIndirectFeeViewImpl(QWidget* parent) : BasePage(paren
   leftTree_->setObjectName("QCEIndirectFeeTreeView");
   leftTree_->setItemDelegate(new gui::StyledItemDelegate(leftTree_));
   leftTree_->setSelectionBehavior(QAbstractItemView::SelectRows);
-  leftTree_->setMinimumWidth(240);
+  leftTree_->setMinimumWidth(320);
   leftTree_->viewport()->installEventFilter(this);
   leftTree_->setEmptyText("工程没有间接费");
   rightTable_ = new bwidgets::TableView(splitter_);
@@ -88,8 +88,8 @@ void QCEIndirectFeeViewImpl::createActions() {
   addAction_ = add("新增费用项", QKeySequence(Qt::Key_Insert), &QCEIndirectFeeViewImpl::addItem);
   removeAction_ = add("删除费用项", QKeySequence(Qt::CTRL | Qt::Key_Delete),
                       &QCEIndirectFeeViewImpl::removeItems);
-  exportAction_ =
-      add("导出到表格", QKeySequence(Qt::CTRL | Qt::Key_E), &QCEIndirectFeeViewImpl::exportExcel);
+  // Hosts export the current page with a key of their own.
+  exportAction_ = add("导出到表格", {}, &QCEIndirectFeeViewImpl::exportExcel);
   refreshActions();
 }
 

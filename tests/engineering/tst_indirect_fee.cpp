@@ -253,7 +253,7 @@ class IndirectFeeTest : public QObject {
   void exportsUnderTheNameOfTheGroup() {
     view_->exportExcel();
     click("管理费");
-    QTest::keyClick(view_->leftTree(), Qt::Key_E, Qt::ControlModifier);
+    view_->actions().at(2)->trigger();
     QCOMPARE(services_->spreadsheets.names, (std::vector<std::string>{"间接费用", "管理费"}));
     const app::Sheet& sheet = services_->spreadsheets.saved.at(0);
     QCOMPARE(sheet.rows.size(), std::size_t(3));

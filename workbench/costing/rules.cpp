@@ -77,6 +77,10 @@ Decimal includedTaxAmount(const Decimal& quantity, const Decimal& price, const D
   return (quantity * price * withTax(taxRate)).rounded(MoneyPlaces);
 }
 
+Decimal feeByRate(const Decimal& base, const Decimal& rate) {
+  return (base * rate / 100).rounded(MoneyPlaces);
+}
+
 Totals& Totals::operator+=(const Totals& other) {
   budget += other.budget;
   excluded += other.excluded;

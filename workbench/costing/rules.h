@@ -51,6 +51,9 @@ Decimal excludedTaxAmount(const Decimal& quantity, const Decimal& price);
 /// quantity × price × (1 + rate / 100), rounded to 2 places; the unit price in it is not rounded.
 Decimal includedTaxAmount(const Decimal& quantity, const Decimal& price, const Decimal& taxRate);
 
+/// An indirect fee: base × rate / 100, rounded to 2 places.
+Decimal feeByRate(const Decimal& base, const Decimal& rate);
+
 /// Sums of lines that were rounded before they were added.
 struct Totals {
   Decimal budget;    ///< revenue, excluding tax

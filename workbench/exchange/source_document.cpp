@@ -109,7 +109,7 @@ Decimal resourceAmount(const Decimal& billQuantity, const Decimal& content, cons
 }
 
 Decimal feeAmount(const Decimal& base, const Decimal& ratePercent) {
-  return (base * ratePercent / 100).rounded(2);
+  return costing::feeByRate(base, ratePercent);
 }
 
 Money& Money::operator+=(const Money& other) {

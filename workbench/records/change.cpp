@@ -50,6 +50,12 @@ std::string describe(const ChangeSet& changes) {
       kinds.insert(describe(*terms));
     } else if (const auto* bill = std::get_if<SetBill>(&change)) {
       kinds.insert(describe(*bill));
+    } else if (std::holds_alternative<SetFee>(change)) {
+      kinds.insert("修改间接费");
+    } else if (std::holds_alternative<AddFee>(change)) {
+      kinds.insert("新增间接费");
+    } else if (std::holds_alternative<RemoveFee>(change)) {
+      kinds.insert("删除间接费");
     } else {
       kinds.insert("移动工料机");
     }

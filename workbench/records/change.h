@@ -74,8 +74,25 @@ struct SetBill {
   BillData before, after;
 };
 
-using Change =
-    std::variant<SetField, AddItem, RemoveItem, Reposition, SetPooling, SetTerms, SetBill>;
+struct SetFee {
+  scoped_refptr<IndirectFeeItem> item;
+  FeeData before, after;
+};
+
+/// An indirect fee that comes into or goes out of its group.
+struct AddFee {
+  scoped_refptr<IndirectFeeItem> item;
+  IndirectFeeGroup* group;  ///< not owned: groups outlive every change
+  int row;
+};
+struct RemoveFee {
+  scoped_refptr<IndirectFeeItem> item;
+  IndirectFeeGroup* group;
+  int row;
+};
+
+using Change = std::variant<SetField, AddItem, RemoveItem, Reposition, SetPooling, SetTerms,
+                            SetBill, SetFee, AddFee, RemoveFee>;
 using ChangeSet = std::vector<Change>;
 
 /// What an undo menu calls these changes: "修改不含税单价", "移动", ...

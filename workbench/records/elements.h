@@ -180,12 +180,42 @@ class IndirectFeeGroup : public Branch {
   StructureNode* unitWork = nullptr;  ///< top groups only; null: the whole project
 };
 
-class IndirectFeeItem : public Record {
+/// What an indirect fee costs. With a base and a rate the amount follows from them, otherwise it
+/// stands for itself.
+struct FeeCost {
+  std::string base;                      ///< a number or a calculation, yuan; empty: none
+  std::optional<costing::Decimal> rate;  ///< per cent
+  costing::Decimal amount;               ///< yuan, 2 places
+
+  bool follows() const { return !base.empty() && rate.has_value(); }
+  friend bool operator==(const FeeCost& a, const FeeCost& b) {
+    return a.base == b.base && a.rate == b.rate && a.amount == b.amount;
+  }
+};
+
+/// What an estimator can edit of an indirect fee.
+struct FeeData {
+  std::string code, name, basis;
+  CostAccount* account = nullptr;
+  std::optional<FeeCost> cost;  ///< empty: as budgeted
+
+  friend bool operator==(const FeeData& a, const FeeData& b) {
+    return a.code == b.code && a.name == b.name && a.basis == b.basis && a.account == b.account &&
+           a.cost == b.cost;
+  }
+};
+
+/// Edited through records::Project alone.
+class IndirectFeeItem : public Record, public FeeData {
  public:
   using Record::Record;
 
-  std::string sourceId, code, name, basis;
-  CostAccount* account = nullptr;
+  /// Entered by hand, as against read from a source file: it has no budget and can be removed.
+  bool isOwn() const { return sourceId.empty(); }
+  FeeCost budget() const { return {base ? base->toString() : std::string(), rate, amount}; }
+
+  std::string sourceId;
+  // The budget, which never changes.
   std::optional<costing::Decimal> base, rate;  ///< both or neither
   costing::Decimal amount;                     ///< 2 places
 };

@@ -69,21 +69,6 @@ ResourceGroup* Project::categoryGroup(const StructureNode& unitWork, Category ca
   return found->second.categories[static_cast<std::size_t>(category)].get();
 }
 
-costing::Decimal Project::feeTotal() const {
-  costing::Decimal total;
-  const std::function<void(const RowList&)> add = [&](const RowList& rows) {
-    for (int row = 0; row < rows.size(); ++row) {
-      if (const auto* group = dynamic_cast<IndirectFeeGroup*>(rows.at(row))) {
-        add(group->rows());
-      } else {
-        total += static_cast<IndirectFeeItem*>(rows.at(row))->amount;
-      }
-    }
-  };
-  add(feeGroups_->rows());
-  return total;
-}
-
 FieldValue Project::value(const ResourceItem& item, ItemField field) const {
   switch (field) {
     case ItemField::Account:
@@ -210,6 +195,7 @@ void Project::finishStep() {
 
 void Project::perform(const Change& change, Direction direction) {
   const bool forward = direction == Direction::Forward;
+  feeCache_.clear();
   if (const auto* set = std::get_if<SetField>(&change)) {
     write(*set->item, set->field, forward ? set->after : set->before);
   } else if (const auto* added = std::get_if<AddItem>(&change)) {
@@ -222,9 +208,17 @@ void Project::perform(const Change& change, Direction direction) {
     write(*terms, forward ? terms->after : terms->before);
   } else if (const auto* bill = std::get_if<SetBill>(&change)) {
     write(*bill->bill, forward ? bill->after : bill->before);
+  } else if (const auto* fee = std::get_if<SetFee>(&change)) {
+    write(*fee->item, forward ? fee->after : fee->before);
+  } else if (const auto* addedFee = std::get_if<AddFee>(&change)) {
+    forward ? link(*addedFee->group, addedFee->row, addedFee->item) : unlink(addedFee->item);
+  } else if (const auto* removedFee = std::get_if<RemoveFee>(&change)) {
+    forward ? unlink(removedFee->item)
+            : link(*removedFee->group, removedFee->row, removedFee->item);
   } else {
     place(std::get<Reposition>(change), direction);
   }
+  feeCache_.clear();  // observers may have asked meanwhile
 }
 
 void Project::write(ResourceItem& item, ItemField field, const FieldValue& value) {
@@ -466,6 +460,19 @@ std::string Project::dump() const {
             pooling.quantity.toString()});
     }
   }
+  forEachFee(feeGroups_->rows(), [&](const IndirectFeeItem& fee) {
+    const auto number = [](const std::optional<costing::Decimal>& value) {
+      return value ? value->toString() : std::string();
+    };
+    line({"fee", std::to_string(fee.id()), std::to_string(fee.parent()->id()),
+          std::to_string(fee.row()), fee.code, fee.name, fee.basis,
+          fee.account != nullptr ? fee.account->label : "", number(fee.base), number(fee.rate),
+          fee.amount.toString(2)});
+    if (fee.cost) {
+      line({"cost", fee.cost->base, number(fee.cost->rate), fee.cost->amount.toString(2),
+            figures(fee).amount.toString(2)});
+    }
+  });
   return out;
 }
 

@@ -10,6 +10,7 @@
 #include "workbench/costing/expression.h"
 #include "workbench/records/bookings.h"
 #include "workbench/records/change.h"
+#include "workbench/records/fees.h"
 
 namespace records {
 
@@ -60,6 +61,13 @@ class Observer {
   /// The stored places of the group's items have changed in a way that its rows do not show before
   /// the next Project::arrange.
   virtual void rearranged(ResourceGroup& /*group*/) {}
+  /// What an indirect fee says or costs has changed. Costs that are calculated may change with any
+  /// item, and do so in silence.
+  virtual void feeChanged(IndirectFeeItem& /*item*/) {}
+  virtual void aboutToInsertFee(IndirectFeeGroup& /*group*/, int /*row*/) {}
+  virtual void feeInserted() {}
+  virtual void aboutToRemoveFee(IndirectFeeGroup& /*group*/, int /*row*/) {}
+  virtual void feeRemoved() {}
   /// An edit, an undo or a redo is complete.
   virtual void stepFinished() {}
 };
@@ -95,7 +103,20 @@ class Project {
   ResourceGroup* categoryGroup(const StructureNode& unitWork, Category category) const;
   const costing::Totals& totals() const { return totals_; }
   std::int64_t itemCount() const { return itemCount_; }
-  costing::Decimal feeTotal() const;
+
+  // Indirect fees: what they cost now. docs/costing.md has the rules.
+
+  FeeFigures figures(const IndirectFeeItem& item) const;
+  /// Cost of all fees; of those in and below a group.
+  costing::Decimal feeTotal() const { return feeTotal(feeGroups_->rows()); }
+  costing::Decimal feeTotal(const IndirectFeeGroup& group) const { return feeTotal(group.rows()); }
+  /// The same as budgeted.
+  costing::Decimal feeBudget() const { return feeBudget(feeGroups_->rows()); }
+  costing::Decimal feeBudget(const IndirectFeeGroup& group) const {
+    return feeBudget(group.rows());
+  }
+  /// What calculations in this group can name.
+  costing::Variables feeVariables(const IndirectFeeGroup& group) const;
 
   FieldValue value(const ResourceItem& item, ItemField field) const;
 
@@ -165,6 +186,17 @@ class Project {
   std::vector<BillLine> linesOf(const ResourceItem& item) const { return bookings_.linesOf(item); }
   std::vector<Bill*> associatedBills(const ResourceItem& item) const;
 
+  // Editing indirect fees. All throw Refusal where the rules forbid it, and std::overflow_error
+  // where an amount would not fit. Nothing has changed then.
+
+  /// Refused: a calculation without a value, a rate outside 0 to 1000, more places than are kept;
+  /// other names than its own for a fee of the source file.
+  void setFee(IndirectFeeItem& item, const FeeData& data);
+  /// Appends a fee of one's own. Refused: a group with groups below it.
+  IndirectFeeItem& addFee(IndirectFeeGroup& group, const FeeData& data);
+  /// Refused: a fee of the source file.
+  void removeFee(IndirectFeeItem& item);
+
   bool hasRecorded() const { return !recorded_.empty(); }
   ChangeSet takeRecorded();
   enum class Direction { Forward, Backward };
@@ -207,6 +239,14 @@ class Project {
   void write(Bill& bill, const BillData& data);
   std::optional<costing::PackedDecimal> costQuantityOf(const Bill& bill,
                                                        const BillData& data) const;
+  void write(IndirectFeeItem& item, const FeeData& data);
+  void link(IndirectFeeGroup& group, int row, const scoped_refptr<IndirectFeeItem>& item);
+  void unlink(const scoped_refptr<IndirectFeeItem>& item);
+  costing::Decimal feeTotal(const RowList& rows) const;
+  costing::Decimal feeBudget(const RowList& rows) const;
+  void requireFee(const IndirectFeeItem& item, const IndirectFeeGroup& group,
+                  const FeeData& data) const;
+  costing::Decimal billIncome(const StructureNode& unitWork) const;
   void requireSameUnitWork(const ResourceItem& item, const Bill& bill) const;
   void count(ResourceGroup& group, const costing::Totals& before, const costing::Totals& after);
   bool swapWithNext(ResourceGroup& group, int upper);
@@ -221,6 +261,8 @@ class Project {
   std::int64_t itemCount_ = 0;
   std::int64_t lastId_ = 0;
   ChangeSet recorded_;
+  mutable std::unordered_map<const StructureNode*, costing::Decimal> billIncomes_;
+  mutable FeeCache feeCache_;
   std::vector<Observer*> observers_;
 };
 

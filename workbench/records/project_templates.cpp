@@ -111,6 +111,13 @@ void fillFromTemplate(Project& project, const std::string& key) {
     work.code = (number < 10 ? "0" : "") + std::to_string(number);
     work.name = name;
   }
+  // To be filled with fees of one's own.
+  number = 0;
+  for (const char* name : {"现场管理费", "措施费", "规费", "其他间接费"}) {
+    IndirectFeeGroup& group = builder.addFeeGroup(nullptr, 0);
+    group.code = "0" + std::to_string(++number);
+    group.name = name;
+  }
 }
 
 }  // namespace records

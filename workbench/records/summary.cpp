@@ -43,27 +43,12 @@ void addLine(SummaryLine& parent, SummaryLine line) {
   parent.lines.push_back(std::move(line));
 }
 
-Money moneyOf(const IndirectFeeItem& item) {
-  return {item.amount, item.amount};
-}
-
-Money moneyOf(const costing::Totals& totals) {
+Money totalsOf(const costing::Totals& totals) {
   return {totals.budget, totals.excluded};
 }
 
 std::string join(const std::string& code, const std::string& name) {
   return code.empty() ? name : code + " " + name;
-}
-
-template <class Visit>
-void forEachFee(const RowList& rows, const Visit& visit) {
-  for (int row = 0; row < rows.size(); ++row) {
-    if (auto* item = dynamic_cast<IndirectFeeItem*>(rows.at(row))) {
-      visit(*item);
-    } else {
-      forEachFee(static_cast<Branch*>(rows.at(row))->rows(), visit);
-    }
-  }
 }
 
 template <class Visit>
@@ -159,13 +144,10 @@ class Summarizer {
   }
 
   /// What is taxed: bills, resource items without a bill, fees.
-  Decimal taxable() const { return project_.totals().budget + margin_ + feesOfProject().income; }
+  Decimal taxable() const { return project_.totals().budget + margin_ + project_.feeBudget(); }
 
-  Money feesOfProject() const {
-    Money sum;
-    forEachFee(project_.feeGroups().rows(),
-               [&sum](const IndirectFeeItem& fee) { sum += moneyOf(fee); });
-    return sum;
+  Money moneyOf(const IndirectFeeItem& item) const {
+    return {item.amount, project_.figures(item).amount};
   }
 
   void addTaxOfProject(SummaryLine& parent, const std::string& name) const {
@@ -205,7 +187,7 @@ class Summarizer {
       case FeeTemplate::Source::Element: {
         Money money;
         for (const StructureNode* work : project_.unitWorks()) {
-          money += moneyOf(project_.categoryGroup(*work, from.category)->totals());
+          money += totalsOf(project_.categoryGroup(*work, from.category)->totals());
         }
         SummaryLine line = makeLine(Kind::Element, from.name, nullptr, money);
         line.category = from.category;

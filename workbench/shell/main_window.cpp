@@ -456,9 +456,10 @@ void MainWindow::refreshTotals() {
     return;
   }
   const Session::Totals totals = session_->totals();
-  totals_->setText(QStringLiteral("预算合价 %1　　不含税成本合计 %2　　含税合计 %3　　共 %4 项")
-                       .arg(totals.budget, totals.excludingTax, totals.includingTax)
-                       .arg(totals.items));
+  totals_->setText(
+      QStringLiteral("预算合价 %1　　不含税成本合计 %2　　含税合计 %3　　间接费成本 %4　　共 %5 项")
+          .arg(totals.budget, totals.excludingTax, totals.includingTax, totals.fees)
+          .arg(totals.items));
 }
 
 void MainWindow::saveWindowState() {

@@ -21,6 +21,7 @@
 #include "workbench/controllers/open_project.h"
 #include "workbench/records/summary.h"
 #include "workbench/services/fee_template.h"
+#include "workbench/shell/indirect_fee_page.h"
 #include "workbench/shell/project_info.h"
 #include "workbench/shell/session.h"
 #include "workbench/shell/summary_sources.h"
@@ -264,7 +265,8 @@ Page makeSubEngineeringPage(Session& session) {
 
 const std::vector<PageMaker>& pageMakers() {
   static const std::vector<PageMaker> makers{makeResItemPage, makeSubEngineeringPage,
-                                             makeFeeSummaryPage, makeProjectInfoPage};
+                                             makeIndirectFeePage, makeFeeSummaryPage,
+                                             makeProjectInfoPage};
   return makers;
 }
 

@@ -47,7 +47,7 @@ QString Session::type() const {
 Session::Totals Session::totals() const {
   const costing::Totals& sums = project_->totals();
   return {money(sums.budget), money(sums.excluded), money(sums.included),
-          project_->project().itemCount()};
+          money(project_->project().feeTotal()), project_->project().itemCount()};
 }
 
 bool Session::saveCopy(const QString& path, store::Failure& failure) {

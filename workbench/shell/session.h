@@ -54,6 +54,7 @@ class Session : public QObject {
     QString budget;
     QString excludingTax;
     QString includingTax;
+    QString fees;  ///< cost of the indirect fees
     qint64 items = 0;
   };
   /// Hears how far opening is, 0 to 100; false cancels it.

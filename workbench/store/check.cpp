@@ -312,16 +312,99 @@ class Checker {
   }
 
   void fees() {
-    QSqlQuery query = rows(QStringLiteral("SELECT code, name, base, rate, amount FROM fee_item"));
+    QHash<qint64, QPair<qint64, qint64>> groups;  // group: its parent and unit work, 0 for none
+    for (QSqlQuery query =
+             rows(QStringLiteral("SELECT id, parent_id, unit_work_id FROM fee_group"));
+         query.next();) {
+      groups[query.value(0).toLongLong()] = {query.value(1).toLongLong(),
+                                             query.value(2).toLongLong()};
+    }
+    QSqlQuery query =
+        rows(QStringLiteral("SELECT code, name, base, rate, amount, group_id, cost_base, cost_rate,"
+                            " cost_amount FROM fee_item"));
     while (query.next()) {
       const QString where =
           QStringLiteral("间接费 %1 %2").arg(query.value(0).toString(), query.value(1).toString());
       const Decimal amount = number(query.value(4), where);
       fees_ += amount;
-      if (query.isNull(2) || query.isNull(3)) continue;
-      compare(where + QStringLiteral("的金额"), amount,
-              (number(query.value(2), where) * number(query.value(3), where) / 100)
-                  .rounded(costing::MoneyPlaces));
+      if (!query.isNull(2) && !query.isNull(3)) {
+        compare(where + QStringLiteral("的金额"), amount,
+                costing::feeByRate(number(query.value(2), where), number(query.value(3), where)));
+      }
+      if (query.isNull(8)) {
+        feeCosts_ += amount;
+        continue;
+      }
+      qint64 group = query.value(5).toLongLong();
+      while (groups.value(group).first != 0) group = groups.value(group).first;
+      const Decimal entered = number(query.value(8), where + QStringLiteral("的成本金额"));
+      const QString base = query.value(6).toString();
+      try {
+        const Decimal value =
+            base.isEmpty() ? Decimal()
+                           : costing::evaluate(base.toStdString(), variables(groups[group].second));
+        const bool follows = !base.isEmpty() && !query.isNull(7);
+        feeCosts_ += follows ? costing::feeByRate(
+                                   value, number(query.value(7), where + QStringLiteral("的费率")))
+                             : entered;
+      } catch (const costing::ExpressionError& error) {
+        find(where + QStringLiteral("的成本基数计算式有误：") + QString::fromUtf8(error.what()));
+      }
+    }
+  }
+
+  /// What the calculations of fees can name: of one unit work, or of the project (0).
+  costing::Variables variables(qint64 unitWork) {
+    if (billIncomes_.isEmpty()) readBillIncomes();
+    QVector<Decimal> sums(records::CategoryCount);
+    Decimal direct;
+    for (auto total = computed_.constBegin(); total != computed_.constEnd(); ++total) {
+      const auto [work, category] = total.key();
+      if (work == 0 || category < 0 || (unitWork != 0 && work != unitWork)) continue;
+      sums[category] += total->excluded;
+      direct += total->excluded;
+    }
+    costing::Variables variables;
+    for (int i = 0; i < records::CategoryCount; ++i) {
+      variables.emplace_back(records::nameOf(static_cast<records::Category>(i)) + "费", sums[i]);
+    }
+    variables.emplace_back("直接费", direct);
+    variables.emplace_back("分部分项工程费", billIncomes_.value(unitWork));
+    variables.emplace_back("建筑面积", area_);
+    return variables;
+  }
+
+  void readBillIncomes() {
+    QHash<qint64, qint64> parents;
+    QSet<qint64> works;
+    for (QSqlQuery query = rows(QStringLiteral("SELECT id, parent_id, kind FROM structure_node"));
+         query.next();) {
+      parents[query.value(0).toLongLong()] = query.value(1).toLongLong();
+      if (query.value(2).toInt() == 1) works.insert(query.value(0).toLongLong());
+    }
+    for (QSqlQuery query = rows(QStringLiteral("SELECT value FROM project_fact"
+                                               " WHERE name = 'building_area'"));
+         query.next();) {
+      area_ = number(query.value(0), QStringLiteral("建筑面积"));
+    }
+    billIncomes_[0] = {};
+    const auto count = [&](const QVariant& section, const QVariant& amount) {
+      qint64 node = section.toLongLong();
+      while (node != 0 && !works.contains(node)) node = parents.value(node);
+      const Decimal money = number(amount, QStringLiteral("清单合价"));
+      billIncomes_[node] += money;
+      billIncomes_[0] += money;
+    };
+    for (QSqlQuery query =
+             rows(QStringLiteral("SELECT section_id, amount FROM bill WHERE amount IS NOT NULL"));
+         query.next();) {
+      count(query.value(0), query.value(1));
+    }
+    for (QSqlQuery query =
+             rows(QStringLiteral("SELECT b.section_id, i.amount FROM budget_item i"
+                                 " JOIN bill b ON b.id = i.bill_id WHERE b.amount IS NULL"));
+         query.next();) {
+      count(query.value(0), query.value(1));
     }
   }
 
@@ -371,6 +454,8 @@ class Checker {
                    QString::fromStdString(read.toString(2)),
                    QString::fromStdString(line.stored.toString(2)));
     }
+    report_.money +=
+        QStringLiteral("间接费成本：计算 %1\n").arg(QString::fromStdString(feeCosts_.toString(2)));
   }
 
   /// A bill in a cost item, where anything was said about it.
@@ -398,7 +483,9 @@ class Checker {
   QHash<qint64, Scaled> scaled_;  // bills with a cost quantity of their own
   QSet<qint64> gathered_;
   QHash<QPair<qint64, int>, Totals> computed_;  // unit work (0: the project), category (-1: all)
-  Decimal fees_;
+  QHash<qint64, Decimal> billIncomes_;          // of a unit work; 0: the project
+  Decimal area_;
+  Decimal fees_, feeCosts_;
 };
 
 }  // namespace

@@ -139,6 +139,34 @@ void insertQuantityLines(Statement& insert, const records::Bill& bill) {
   }
 }
 
+constexpr char InsertFee[] =
+    "INSERT INTO fee_item (group_id, position, source_id, code, name, basis, account_id, base, "
+    "rate,"
+    " amount, cost_base, cost_rate, cost_amount, id) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?,"
+    " ?)";
+constexpr char UpdateFee[] =
+    "UPDATE fee_item SET group_id = ?, position = ?, source_id = ?, code = ?, name = ?, basis = ?,"
+    " account_id = ?, base = ?, rate = ?, amount = ?, cost_base = ?, cost_rate = ?, cost_amount = ?"
+    " WHERE id = ?";
+
+std::vector<QVariant> feeCells(const records::IndirectFeeItem& fee) {
+  const QVariant none(QVariant::String);
+  return {idOf(fee.parent()),
+          cell(fee.row()),
+          cell(fee.sourceId),
+          cell(fee.code),
+          cell(fee.name),
+          cell(fee.basis),
+          idOf(fee.account),
+          cell(fee.base),
+          cell(fee.rate),
+          cell(fee.amount),
+          fee.cost ? cell(fee.cost->base) : none,
+          fee.cost ? cell(fee.cost->rate) : none,
+          fee.cost ? cell(fee.cost->amount) : none,
+          cell(fee.id())};
+}
+
 constexpr char UpdateItem[] =
     "UPDATE resource_item SET unit_work_id = ?, category = ?, position = ?, account_id = ?,"
     " code = ?, name = ?, spec = ?, unit = ?, quantity = ?, own_quantity = ?, price = ?,"
@@ -330,9 +358,7 @@ class Writer {
     Statement group(database_,
                     "INSERT INTO fee_group (id, parent_id, position, unit_work_id, source_id, code,"
                     " name) VALUES (?, ?, ?, ?, ?, ?, ?)");
-    Statement fee(database_,
-                  "INSERT INTO fee_item (id, group_id, position, source_id, code, name, basis,"
-                  " account_id, base, rate, amount) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    Statement fee(database_, InsertFee);
     const std::function<void(const records::RowList&, const proxy::Element*)> write =
         [&](const records::RowList& rows, const proxy::Element* parent) {
           for (int row = 0; row < rows.size(); ++row) {
@@ -341,10 +367,7 @@ class Writer {
                          cell(node->sourceId), cell(node->code), cell(node->name)});
               write(node->rows(), node);
             } else {
-              const auto& item = *static_cast<records::IndirectFeeItem*>(rows.at(row));
-              fee.run({cell(item.id()), idOf(parent), cell(row), cell(item.sourceId),
-                       cell(item.code), cell(item.name), cell(item.basis), idOf(item.account),
-                       cell(item.base), cell(item.rate), cell(item.amount)});
+              fee.run(feeCells(*static_cast<records::IndirectFeeItem*>(rows.at(row))));
             }
           }
         };
@@ -699,7 +722,8 @@ class Reader {
       groups[id] = &group;
     }
     Rows rows(database_, "fee_item",
-              "id, group_id, source_id, code, name, basis, account_id, base, rate, amount",
+              "id, group_id, source_id, code, name, basis, account_id, base, rate, amount,"
+              " cost_base, cost_rate, cost_amount",
               "group_id, position");
     while (rows.next()) {
       const std::int64_t id = rows.id();
@@ -712,6 +736,13 @@ class Reader {
       item.base = rows.optionalDecimal();
       item.rate = rows.optionalDecimal();
       item.amount = rows.decimal();
+      records::FeeCost cost;
+      cost.base = rows.text();
+      cost.rate = rows.optionalDecimal();
+      if (const auto amount = rows.optionalDecimal()) {
+        cost.amount = *amount;
+        item.cost = std::move(cost);
+      }
     }
   }
 
@@ -747,6 +778,8 @@ void writeChanges(Database& database, records::Project& project,
   std::set<std::pair<const records::BudgetItem*, records::ResourceItem*>> poolings;
   std::set<std::pair<records::ResourceItem*, const records::Bill*>> lines;
   std::set<const records::Bill*> bills;
+  std::set<const records::IndirectFeeItem*> fees;
+  std::set<const records::IndirectFeeGroup*> feeGroups;  // with other rows than before
   const records::Bookings& bookings = project.bookings();
   const auto touch = [&](records::ResourceItem* item) {
     if (known.insert(item).second) items.push_back(item);
@@ -772,6 +805,14 @@ void writeChanges(Database& database, records::Project& project,
       bills.insert(edit->bill);
       if (edit->before.costQuantity == edit->after.costQuantity) continue;
       for (records::ResourceItem* item : bookings.itemsOf(*edit->bill)) touch(item);
+    } else if (const auto* fee = std::get_if<records::SetFee>(&change)) {
+      fees.insert(fee->item.get());
+    } else if (const auto* addedFee = std::get_if<records::AddFee>(&change)) {
+      fees.insert(addedFee->item.get());
+      feeGroups.insert(addedFee->group);
+    } else if (const auto* removedFee = std::get_if<records::RemoveFee>(&change)) {
+      fees.insert(removedFee->item.get());
+      feeGroups.insert(removedFee->group);
     } else {
       for (const auto& place : std::get<records::Reposition>(change).places) {
         touch(place.item.get());
@@ -815,6 +856,23 @@ void writeChanges(Database& database, records::Project& project,
   Statement remove(database, "DELETE FROM resource_item WHERE id = ?");
   for (const records::ResourceItem* item : items) {
     if (isGone(item)) remove.run({cell(item->id())});
+  }
+
+  for (const records::IndirectFeeGroup* group : feeGroups) {
+    for (int row = 0; row < group->rows().size(); ++row) {
+      fees.insert(static_cast<records::IndirectFeeItem*>(group->rows().at(row)));
+    }
+  }
+  Statement updateFee(database, UpdateFee);
+  Statement insertFee(database, InsertFee);
+  Statement removeFee(database, "DELETE FROM fee_item WHERE id = ?");
+  for (const records::IndirectFeeItem* fee : fees) {
+    if (fee->parent() == nullptr) {
+      removeFee.run({cell(fee->id())});
+      continue;
+    }
+    const std::vector<QVariant> cells = feeCells(*fee);
+    if (updateFee.run(cells) == 0) insertFee.run(cells);
   }
 
   Statement total(database,

@@ -114,11 +114,20 @@ QStringList toVersion3() {
   };
 }
 
+// What an indirect fee costs, where that departs from the budget: no amount, no departure.
+QStringList toVersion4() {
+  return {
+      QStringLiteral("ALTER TABLE fee_item ADD COLUMN cost_base text"),
+      QStringLiteral("ALTER TABLE fee_item ADD COLUMN cost_rate text"),
+      QStringLiteral("ALTER TABLE fee_item ADD COLUMN cost_amount text"),
+  };
+}
+
 }  // namespace
 
 void migrate(Database& database, int version) {
-  const std::vector<QStringList> steps = {toVersion1(), toVersion2(), toVersion3()};
-  static_assert(SchemaVersion == 3, "each version has its step above");
+  const std::vector<QStringList> steps = {toVersion1(), toVersion2(), toVersion3(), toVersion4()};
+  static_assert(SchemaVersion == 4, "each version has its step above");
   for (std::size_t step = static_cast<std::size_t>(version); step < steps.size(); ++step) {
     for (const QString& statement : steps[step]) database.run(statement);
   }

@@ -171,8 +171,12 @@ class ProjectFileTest : public QObject {
     const QStringList second{"DROP TABLE pooling", "DROP TABLE bill_line",
                              "ALTER TABLE resource_item DROP COLUMN own_quantity",
                              "UPDATE resource_item SET associated = 1 WHERE id % 2 = 0"};
-    row("1", third + second + QStringList{"PRAGMA user_version = 1"});
-    row("2", third + QStringList{"PRAGMA user_version = 2"});
+    const QStringList fourth{"ALTER TABLE fee_item DROP COLUMN cost_base",
+                             "ALTER TABLE fee_item DROP COLUMN cost_rate",
+                             "ALTER TABLE fee_item DROP COLUMN cost_amount"};
+    row("1", fourth + third + second + QStringList{"PRAGMA user_version = 1"});
+    row("2", fourth + third + QStringList{"PRAGMA user_version = 2"});
+    row("3", fourth + QStringList{"PRAGMA user_version = 3"});
   }
   void opensFilesOfEarlierVersions() {
     QFETCH(QStringList, statements);

@@ -1,0 +1,210 @@
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QUndoStack>
+#include <QtTest>
+
+#include "engineering/indirect_fee_view.h"
+#include "host/app/scoped_undo.h"
+#include "host/bwidgets/table_view.h"
+#include "host/domain/field_keys.h"
+#include "host/gui/tree_grid_view.h"
+#include "host/gui/view_model.h"
+#include "tests/support/rows.h"
+#include "tests/support/tester_proxy.h"
+#include "workbench/cli/driver.h"
+#include "workbench/controllers/open_project.h"
+#include "workbench/exchange/sample_generator.h"
+#include "workbench/services/install.h"
+#include "workbench/shell/application.h"
+#include "workbench/shell/main_window.h"
+#include "workbench/shell/page_stack.h"
+#include "workbench/shell/session.h"
+#include "workbench/store/check.h"
+#include "workbench/store/project_file.h"
+
+namespace keys = domain::keys;
+
+class IndirectFeePageTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase() { shell::setUpApplication(*qApp); }
+
+  void init() {
+    dir_ = std::make_unique<QTemporaryDir>();
+    auto channel = std::make_unique<services::RecordingChannel>();
+    channel_ = channel.get();
+    services_ = services::install(std::make_unique<services::PathManager>(dir_->path()),
+                                  std::move(channel));
+    const exchange::SourceDocument source =
+        exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
+    store::Failure failure;
+    QVERIFY(store::ProjectFile::create(path(), &source, {"办公楼", "投标成本测算", {}}, failure));
+    window_ = std::make_unique<shell::MainWindow>(*services_);
+    window_->resize(1500, 640);
+    window_->show();
+    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
+    QVERIFY(window_->openProject(path()));
+    QVERIFY(window_->pages()->setCurrentPage("fees"));
+    groups_ = window_->findChild<gui::TreeGridView*>("QCEIndirectFeeTreeView");
+    table_ = window_->findChild<bwidgets::TableView*>("QCEIndirectFeeTableView");
+    tests::attachTester(groups_->model());
+    tests::attachTester(table_->model());
+    row_ = -1;
+    for (int i = 0; i < table_->model()->rowCount() && row_ < 0; ++i) {
+      if (!text(keys::IFCostRate, i).isEmpty()) row_ = i;
+    }
+    QVERIFY(row_ >= 0);
+  }
+
+  void cleanup() {
+    window_.reset();
+    services_.reset();
+    dir_.reset();
+  }
+
+  void everyTotalFollowsARate() {
+    const costing::Decimal before = project().feeTotal();
+    const QString group = groupTotal();
+    type(keys::IFCostRate, "12.5");
+    QCOMPARE(text(keys::IFCostRate), QString("12.5"));
+    const double base = number(keys::IFCostBase);
+    QCOMPARE(number(keys::IFCostAmount), std::round(base * 12.5) / 100);
+    QVERIFY(project().feeTotal() != before);
+    QVERIFY(groupTotal() != group);
+    auto* label = window_->findChild<QLabel*>("totalsText");
+    QTRY_VERIFY(label->text().contains("间接费成本 " + window_->session()->totals().fees));
+    QCOMPARE(window_->session()->undoStack().undoText(), QString("修改间接费"));
+    driver_.key(Qt::Key_Z, Qt::ControlModifier);
+    QVERIFY(project().feeTotal() == before);
+    QCOMPARE(groupTotal(), group);
+    driver_.key(Qt::Key_Y, Qt::ControlModifier);
+    QCOMPARE(text(keys::IFCostRate), QString("12.5"));
+    QVERIFY(channel_->messages().empty());
+    if (qEnvironmentVariableIsSet("QCE_PICTURES")) {
+      QTest::qWait(100);
+      window_->grab().save(qEnvironmentVariable("QCE_PICTURES") + "/fees.png");
+    }
+  }
+
+  void calculationsFollowTheItems() {
+    type(keys::IFCostExpression, "直接费*1.5");
+    const double base = number(keys::IFCostBase);
+    QCOMPARE(text(keys::IFCostExpression), QString("直接费*1.5"));
+    QVERIFY(base > 0);
+    records::Project& project = this->project();
+    auto* group = project.categoryGroup(*project.unitWorks().front(), records::Category::Material);
+    {
+      const app::ScopedUndo undo("");
+      project.set(*static_cast<records::ResourceItem*>(group->rows().at(0)),
+                  records::ItemField::Price, costing::PackedDecimal(costing::Decimal(99999)));
+    }
+    QVERIFY(number(keys::IFCostBase) > base);
+  }
+
+  void moneyStaysWhenItsCalculationGoes() {
+    const double amount = number(keys::IFCostAmount);
+    type(keys::IFCostAmount, "100");
+    QVERIFY2(message().contains("先清空费率"), qPrintable(message()));
+    QCOMPARE(number(keys::IFCostAmount), amount);
+    driver_.key(Qt::Key_Escape);
+    driver_.clickCell(table_, cell(keys::IFCostRate, row_));
+    driver_.key(Qt::Key_Delete);
+    QCOMPARE(text(keys::IFCostRate), QString());
+    QCOMPARE(number(keys::IFCostAmount), amount);
+    type(keys::IFCostAmount, "4321.5");
+    QCOMPARE(text(keys::IFCostAmount), QString("4,321.50"));
+    // Back to what was budgeted, nothing is left of the edit.
+    type(keys::IFCostRate, text(keys::IFBudgetRate));
+    QCOMPARE(number(keys::IFCostAmount), amount);
+    QCOMPARE(number(keys::IFDifference), 0.0);
+  }
+
+  void refusalsNameThePlaceAndTheCure_data() {
+    const tests::Rows<QString, QString, QString> row("key", "typed", "message");
+    const auto key = [](const std::string& text) { return QString::fromStdString(text); };
+    row("expression", key(keys::IFCostExpression), "人工费*(", "括号没有配对");
+    row("variable", key(keys::IFCostExpression), "利润", "可以使用的变量：人工费");
+    row("rate", key(keys::IFCostRate), "1001", "0 到 1000");
+    row("account", key(keys::CostAccount), "没有的科目", "没有成本科目");
+  }
+  void refusalsNameThePlaceAndTheCure() {
+    QFETCH(QString, key);
+    QFETCH(QString, typed);
+    QFETCH(QString, message);
+    const std::string before = project().dump();
+    type(key.toStdString(), typed);
+    QVERIFY2(this->message().contains(message), qPrintable(this->message()));
+    QVERIFY(project().dump() == before);
+    QVERIFY(!window_->session()->undoStack().canUndo());
+  }
+
+  void ownItemsComeAndGo() {
+    const int rows = table_->model()->rowCount();
+    const costing::Decimal before = project().feeTotal();
+    driver_.clickCell(table_, cell(keys::IFName, 0));
+    driver_.key(Qt::Key_Insert);
+    QCOMPARE(table_->model()->rowCount(), rows + 1);
+    row_ = rows;
+    QCOMPARE(table_->currentIndex().row(), row_);
+    type(keys::IFName, "夜间施工增加费");
+    type(keys::IFCostAmount, "1500");
+    QVERIFY(project().feeTotal() == before + costing::Decimal(1500));
+    QCOMPARE(text(keys::IFNumber), QString::number(rows + 1));
+
+    // The fees of the source file stay.
+    driver_.clickCell(table_, cell(keys::IFName, 0));
+    driver_.key(Qt::Key_Delete, Qt::ControlModifier);
+    QVERIFY2(message().contains("来自源文件，不能删除"), qPrintable(message()));
+    QCOMPARE(table_->model()->rowCount(), rows + 1);
+    driver_.clickCell(table_, cell(keys::IFName, row_));
+    driver_.key(Qt::Key_Delete, Qt::ControlModifier);
+    QCOMPARE(table_->model()->rowCount(), rows);
+    driver_.key(Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(text(keys::IFName), QString("夜间施工增加费"));
+    const std::string dump = project().dump();
+    driver_.key(Qt::Key_W, Qt::ControlModifier);
+    QVERIFY(store::check(path()).ok());
+    QVERIFY(window_->openProject(path()));
+    QVERIFY(project().dump() == dump);
+  }
+
+ private:
+  QString path() const { return dir_->filePath("办公楼.qcp"); }
+  records::Project& project() { return window_->session()->project().project(); }
+  QModelIndex cell(const std::string& key, int row) const {
+    return table_->model()->index(row, table_->viewModel()->getColumnIndex(key));
+  }
+  QString text(const std::string& key, int row) const { return cell(key, row).data().toString(); }
+  QString text(const std::string& key) const { return text(key, row_); }
+  double number(const std::string& key) const {
+    return cell(key, row_).data(Qt::EditRole).toDouble();
+  }
+  QString groupTotal() const {
+    return groups_->currentIndex().sibling(groups_->currentIndex().row(), 1).data().toString();
+  }
+  QString message() const {
+    return channel_->messages().empty() ? QString()
+                                        : QString::fromStdString(channel_->messages().back().text);
+  }
+  void type(const std::string& key, const QString& what) {
+    driver_.clickCell(table_, cell(key, row_));
+    driver_.key(Qt::Key_F2);
+    driver_.key(Qt::Key_A, Qt::ControlModifier);
+    driver_.type(what);
+    driver_.key(Qt::Key_Return);
+  }
+
+  std::unique_ptr<QTemporaryDir> dir_;
+  services::RecordingChannel* channel_ = nullptr;
+  std::unique_ptr<services::Installed> services_;
+  std::unique_ptr<shell::MainWindow> window_;
+  cli::Driver driver_;
+  gui::TreeGridView* groups_ = nullptr;
+  bwidgets::TableView* table_ = nullptr;
+  int row_ = -1;
+};
+
+QTEST_MAIN(IndirectFeePageTest)
+#include "tst_indirect_fee_page.moc"
