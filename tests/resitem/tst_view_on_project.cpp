@@ -136,6 +136,22 @@ class TestViewOnProject : public QObject {
   }
 
   // A caption names no item, and a group goes with the last item that is shown for it.
+  /// To find what costs most, below and above a thousand.
+  void ordersMoneyByItsValue() {
+    const int column = filter_->getColumnIndex(keys::BRIBudgetTotalCost);
+    QSignalSpy sorted(model_.get(), &QAbstractItemModel::layoutChanged);
+    grid_->sortByColumn(column, Qt::DescendingOrder);
+    QVERIFY(sorted.wait());
+    const QModelIndex labour = filter_->index(0, 0, filter_->index(0, 0));
+    std::vector<double> shown;
+    for (int row = 0; row < filter_->rowCount(labour); ++row) {
+      auto* item = filter_->getInternalData(filter_->index(row, 0, labour));
+      shown.push_back(static_cast<records::ResourceItem*>(item)->budgetAmount().toDouble());
+    }
+    QVERIFY(shown.size() > 3 && shown.front() > 1000);
+    QVERIFY(std::is_sorted(shown.rbegin(), shown.rend()));
+  }
+
   void showsNoGroupWithoutItems() {
     std::vector<std::string> words = {"", "", "材料", "", ""};
     filter_->setFilterField(words);

@@ -223,7 +223,7 @@ std::unique_ptr<domain::DisplayTable> makeResItemTable() {
     if (info.type == domain::FloatingPointField) {
       field.precision = info.money ? costing::MoneyPlaces : costing::MaxQuantityPlaces;
       field.stripTrailingZeros = !info.money;
-      field.thousandsSeparators = info.money;
+      // No thousands separators: a sort compares what is shown, and "1,200.00" is no number to it.
       field.zeroShowsEmpty = false;
     }
     header.addColumn(info.key, std::move(field)).width = info.width;
