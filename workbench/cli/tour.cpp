@@ -124,8 +124,8 @@ void Tour::step(const QString& name, void (Tour::*what)()) {
                                 : QString::fromStdString(channel_->messages().front().text)));
 }
 
-void Tour::require(bool holds, const QString& what) const {
-  if (!holds) throw StepFailed(QString("“%1”：%2").arg(current_, what).toStdString());
+void Tour::fail(const QString& what) const {
+  throw StepFailed(QString("“%1”：%2").arg(current_, what).toStdString());
 }
 
 void Tour::picture(const QString& name, QWidget* dialog) {

@@ -71,7 +71,10 @@ class Tour {
   void reopen();
 
   void step(const QString& name, void (Tour::*what)());
-  void require(bool holds, const QString& what) const;
+  void require(bool holds, const QString& what) const {
+    if (!holds) fail(what);
+  }
+  [[noreturn]] void fail(const QString& what) const;
   void expectMessageFree() const;
   /// Takes a picture of the window, with `dialog` over it where one is open.
   void picture(const QString& name, QWidget* dialog = nullptr);

@@ -12,7 +12,6 @@
 namespace operators {
 namespace {
 
-using costing::Decimal;
 using domain::Value;
 using records::Bill;
 using records::BudgetItem;
