@@ -17,7 +17,8 @@ class BillTree {
   double filter();
   /// Looks for the same two texts in every row, and does nothing with what it finds; seconds.
   double scan();
-  /// Unfolds the filtered tree in a grid and lays it out; seconds.
+  /// Unfolds the filtered tree in a grid and lays it out; seconds for each thousand rows that are
+  /// shown then.
   double expand();
 
  private:

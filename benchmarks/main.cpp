@@ -272,7 +272,8 @@ int main(int argc, char** argv) {
   }
   figures.push_back({"tree filter, both boxes, against a plain scan, 100k",
                      "tree-condition/ours/100k", "tree-condition/scan/100k", "ms", 3});
-  figures.push_back({"expanding the filtered tree, growth 20k to 100k", "tree-expand/ours/100k",
-                     "tree-expand/ours/20k", "ms", 7.5});
+  // What is out of the processor's caches takes longer; a quadratic share would make it 5.
+  figures.push_back({"expanding 1000 rows of the filtered tree, 20k to 100k",
+                     "tree-expand/ours/100k", "tree-expand/ours/20k", "ms", 2.5});
   return report(measured, figures) ? 0 : 1;
 }
