@@ -836,9 +836,10 @@ void Tour::exportGrid() {
   for (int i = 0; i < static_cast<int>(grid.visibleColumns().size()); ++i) {
     totals << shownText(sheet.cell(sheet.rowCount() - 1, i));
   }
-  const shell::Session::Totals sums = window_->session()->totals();
-  require(totals.contains("合计") && totals.contains(sums.excludingTax) &&
-              totals.contains(sums.includingTax),
+  // The status bar groups digits, the columns do not.
+  shell::Session::Totals sums = window_->session()->totals();
+  require(totals.contains("合计") && totals.contains(sums.excludingTax.remove(',')) &&
+              totals.contains(sums.includingTax.remove(',')),
           "合计行不对：" + totals.join(' '));
   spreadsheets_ << path;
   picture("导出之后");
