@@ -444,7 +444,8 @@ class TestResItemBillOnProject : public QObject {
     services.channel = services.qceChannel = channel;
     services.globalConfig = &config_;
     before_ = app::InstallServices(services);
-    page_.reset(session_->makePages().front().widget);
+    for (const shell::Page& page : session_->makePages()) pages_.emplace_back(page.widget);
+    page_ = pages_.front().get();
     page_->resize(1300, 760);
     page_->show();
     session_->page("resources")->view->activate();
@@ -456,7 +457,7 @@ class TestResItemBillOnProject : public QObject {
     tests::attachTester(filter);
     pageGrid_ = page_->findChild<bwidgets::TreeGridView*>();
     QVERIFY(pageGrid_ != grid_);
-    QVERIFY(QTest::qWaitForWindowActive(page_.get()));
+    QVERIFY(QTest::qWaitForWindowActive(page_));
     item_ = nullptr;
     for (records::ResourceItem* item : items()) {
       if (item_ == nullptr && lineCount(*item) >= 4) item_ = item;
@@ -467,7 +468,7 @@ class TestResItemBillOnProject : public QObject {
   }
   void close() {
     session_->page("resources")->view->deactivate();
-    page_.reset();
+    pages_.clear();
     session_->dropPages();
     app::InstallServices(before_);
     session_.reset();
@@ -622,7 +623,7 @@ class TestResItemBillOnProject : public QObject {
     QTRY_COMPARE(shown, times);
     // Without a window manager, nobody hands the keyboard back.
     page_->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(page_.get()));
+    QVERIFY(QTest::qWaitForWindowActive(page_));
     grid_->setFocus();
   }
   static void enter(QLineEdit* edit, const QString& text) {
@@ -640,7 +641,8 @@ class TestResItemBillOnProject : public QObject {
   MemoryConfig config_;
   app::Services before_;
   std::unique_ptr<shell::Session> session_;
-  std::unique_ptr<QWidget> page_;
+  std::vector<std::unique_ptr<QWidget>> pages_;
+  QWidget* page_ = nullptr;  // of the resource items
   QCEResItemBillViewImpl* pane_ = nullptr;
   bwidgets::TreeGridView* grid_ = nullptr;
   bwidgets::TreeGridView* pageGrid_ = nullptr;
