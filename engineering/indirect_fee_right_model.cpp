@@ -33,7 +33,7 @@ void QCEIndirectFeeRightModelImpl::setCaption(const std::string& caption) {
 
 QVariant QCEIndirectFeeRightModelImpl::headerData(int section, Qt::Orientation orientation,
                                                   int role) const {
-  const QVariant plain = TViewModel::headerData(section, orientation, role);
+  QVariant plain = TViewModel::headerData(section, orientation, role);
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole ||
       section < FirstWithCaptionInside) {
     return plain;

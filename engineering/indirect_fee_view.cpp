@@ -86,7 +86,7 @@ void QCEIndirectFeeViewImpl::createActions() {
     return action;
   };
   addAction_ = add("新增费用项", QKeySequence(Qt::Key_Insert), &QCEIndirectFeeViewImpl::addItem);
-  removeAction_ = add("删除费用项", QKeySequence(Qt::CTRL | Qt::Key_Delete),
+  removeAction_ = add("删除费用项", QKeySequence(int(Qt::CTRL) | Qt::Key_Delete),
                       &QCEIndirectFeeViewImpl::removeItems);
   // Hosts export the current page with a key of their own.
   exportAction_ = add("导出到表格", {}, &QCEIndirectFeeViewImpl::exportExcel);

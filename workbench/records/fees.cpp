@@ -144,16 +144,16 @@ void Project::requireFee(const IndirectFeeItem& item, const IndirectFeeGroup& gr
     throw Refusal(place + "成本金额过大；应在正负 1,000,000,000,000 元之内，请重新输入。");
   }
   if (cost.base.empty()) return;
-  const costing::Variables variables = feeVariables(group);
   try {
-    const Decimal base = baseOf(cost.base, [&] { return variables; });
+    const Decimal base = baseOf(cost.base, [&] { return feeVariables(group); });
     if (base > most || -base > most) {
       throw Refusal(place + "成本基数过大；应在正负 1,000,000,000,000 元之内，请检查计算式。");
     }
     if (cost.rate) costing::feeByRate(base, *cost.rate);
   } catch (const costing::ExpressionError& error) {
     std::string names;
-    for (const auto& [name, value] : variables) names += (names.empty() ? "" : "、") + name;
+    for (const auto& [name, value] : feeVariables(group))
+      names += (names.empty() ? "" : "、") + name;
     throw Refusal(place + "成本基数计算式“" + cost.base + "”有误：" + error.what() +
                   "\n可以使用的变量：" + names + "。");
   }
