@@ -21,6 +21,7 @@
 
 #include "framework/des_filter_view.h"
 #include "host/base/pinyin.h"
+#include "host/bwidgets/table_view.h"
 #include "host/bwidgets/tree_grid_view.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/tree_grid_view.h"
@@ -110,6 +111,7 @@ void Tour::walk() {
   step("范围", &Tour::subProject);
   step("导出", &Tour::exportGrid);
   step("费用汇总", &Tour::feeSummaries);
+  step("间接费", &Tour::indirectFees);
   step("缩放", &Tour::zoom);
   step("重新打开", &Tour::reopen);
 }
@@ -921,6 +923,59 @@ void Tour::feeSummaries() {
   }
   require(source == cost, "来源的金额与汇总不同");
   picture("由汇总查看来源");
+}
+
+void Tour::indirectFees() {
+  const QString before = window_->pages()->currentPage();
+  require(window_->pages()->setCurrentPage("fees"), "没有间接费页面");
+  auto* groups = find<gui::TreeGridView>("QCEIndirectFeeTreeView");
+  auto* table = find<bwidgets::TableView>("QCEIndirectFeeTableView");
+  require(groups->currentIndex().isValid() && table->model()->rowCount() > 0, "没有选中费用组");
+  const auto cell = [table](const std::string& key, int row) {
+    return table->model()->index(row, table->viewModel()->getColumnIndex(key));
+  };
+  int row = 0;
+  while (row < table->model()->rowCount() &&
+         cell(keys::IFCostRate, row).data().toString().isEmpty()) {
+    ++row;
+  }
+  const QModelIndex rate = cell(keys::IFCostRate, row);
+  require(rate.isValid(), "没有按费率计算的费用");
+  const records::Project& project = window_->session()->project().project();
+  const auto exact = [](const QVariant& value) {
+    return *costing::Decimal::fromDouble(value.toDouble());
+  };
+  const costing::Decimal total = project.feeTotal();
+  const costing::Decimal base = exact(cell(keys::IFCostBase, row).data(Qt::EditRole));
+  const costing::Decimal amount = exact(cell(keys::IFCostAmount, row).data(Qt::EditRole));
+  const costing::Decimal changed = exact(rate.data(Qt::EditRole)) + 1;
+  driver_.clickCell(table, rate);
+  driver_.key(Qt::Key_F2);
+  driver_.key(Qt::Key_A, Qt::ControlModifier);
+  driver_.type(QString::fromStdString(changed.toString()));
+  driver_.key(Qt::Key_Return);
+  const costing::Decimal expected = (base * changed / 100).rounded(2);
+  require(exact(cell(keys::IFCostAmount, row).data(Qt::EditRole)) == expected,
+          "成本金额没有随费率改变");
+  require(project.feeTotal() == total + expected - amount, "间接费合计不对");
+  require(Driver::waitUntil([this] {
+            return find<QLabel>("totalsText")->text().contains(window_->session()->totals().fees);
+          }),
+          "状态栏的间接费没有更新");
+
+  const QString path = out_.filePath("间接费.xlsx");
+  window_->setFileChooser(std::make_unique<GivenFile>(path));
+  driver_.key(Qt::Key_E, Qt::ControlModifier);
+  const exchange::ReadWorkbook book = exchange::readSpreadsheet(path);
+  require(book.problem.isEmpty() && book.sheets.size() == 1, "间接费没有导出：" + book.problem);
+  const QModelIndex group = groups->currentIndex();
+  require(book.sheets.front().name == group.sibling(group.row(), 0).data().toString(),
+          "工作表不是费用组的名称");
+  const QString difference = sheetDifference(book.sheets.front(), *table);
+  require(difference.isEmpty(), difference);
+  spreadsheets_ << path;
+  picture("间接费");
+  window_->pages()->setCurrentPage(before);
 }
 
 void Tour::zoom() {

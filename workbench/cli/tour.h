@@ -67,6 +67,7 @@ class Tour {
   void subProject();
   void exportGrid();
   void feeSummaries();
+  void indirectFees();
   void zoom();
   void reopen();
 
