@@ -31,8 +31,12 @@ double seconds(const std::function<void()>& work) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-int countShown(const QAbstractItemModel& model, const QModelIndex& parent) {
+// Makes the filter look at all that may be shown. Below a bill stand resources, with nothing below
+// them: the look at their bill has decided about them.
+int countShown(const gui::qce::QCESubEngineeringFilterModelImpl& model, const QModelIndex& parent) {
   int count = model.rowCount(parent);
+  const proxy::Element* above = model.getInternalData(parent);
+  if (dynamic_cast<const records::Bill*>(above) != nullptr) return count;
   for (int row = 0, rows = count; row < rows; ++row) {
     const QModelIndex index = model.index(row, 0, parent);
     if (model.hasChildren(index)) count += countShown(model, index);
@@ -51,15 +55,14 @@ struct BillTree::Parts {
   gui::qce::QCESubEngineeringModelImpl model;
   gui::qce::QCESubEngineeringFilterModelImpl shown;
 
+  // How many texts hold what is looked for in them.
   int matches(proxy::Element& row) const {
     const auto holds = [&](const std::string& key, const std::string& part) {
       const std::string* text = op.peekText(&row, key, domain::DisplayRole);
-      return text->find(part) != std::string::npos;
+      return text->find(part) != std::string::npos ? 1 : 0;
     };
     int found =
-        holds(domain::keys::SEName, NamePart) && holds(domain::keys::SEProjFeatures, FeaturePart)
-            ? 1
-            : 0;
+        holds(domain::keys::SEName, NamePart) + holds(domain::keys::SEProjFeatures, FeaturePart);
     for (int i = 0; i < row.childCount(); ++i) found += matches(*row.child(i));
     return found;
   }

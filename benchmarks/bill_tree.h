@@ -15,7 +15,8 @@ class BillTree {
   /// Filters by name and features, with what is below and beside a match, and goes through all rows
   /// that are shown then; seconds.
   double filter();
-  /// Looks for the same two texts in every row, and does nothing with what it finds; seconds.
+  /// Looks for the one text in the name and for the other in the features of every row, and does
+  /// nothing with what it finds; seconds.
   double scan();
   /// Unfolds the filtered tree in a grid and lays it out; seconds for each thousand rows that are
   /// shown then.

@@ -19,6 +19,17 @@ const std::array<const std::string*, 5>& conditionKeys() {
   return keys;
 }
 
+bool holds(const domain::Operator& op, const proxy::Element* element, const std::string& key,
+           const std::string& condition) {
+  if (const std::string* kept = op.peekText(element, key, domain::DisplayRole)) {
+    return kept->find(condition) != std::string::npos;
+  }
+  domain::Value value;
+  if (!op.getValue(element, key, domain::DisplayRole, value)) return false;
+  const auto* text = std::get_if<std::string>(&value);
+  return text != nullptr && text->find(condition) != std::string::npos;
+}
+
 }  // namespace
 
 QCESubEngineeringFilterModelImpl::QCESubEngineeringFilterModelImpl(
@@ -105,6 +116,15 @@ bool QCESubEngineeringFilterModelImpl::filterAcceptsRow(proxy::Element* element)
   return !hideRes_ || !source->isResourceRow(element);
 }
 
+// Asked for each row below each hidden one: the element is found without an index of it.
+bool QCESubEngineeringFilterModelImpl::filterAcceptsRow(int sourceRow,
+                                                        const QModelIndex& sourceParent) const {
+  const auto* parent = static_cast<const proxy::Element*>(sourceParent.internalPointer());
+  proxy::Element* element = parent != nullptr ? parent->child(sourceRow) : nullptr;
+  return element != nullptr ? isAcceptRow(element)
+                            : Base::filterAcceptsRow(sourceRow, sourceParent);
+}
+
 bool QCESubEngineeringFilterModelImpl::isFilter(proxy::Element* element) const {
   if (const std::optional<bool> known = matchCache_.find(element)) return *known;
   proxy::Element* parent = element->parent();
@@ -127,13 +147,7 @@ bool QCESubEngineeringFilterModelImpl::isFilterByCondition(proxy::Element* eleme
   for (std::size_t i = 0; i < count; ++i) {
     const std::string& condition = filterFields_[i];
     if (condition.empty()) continue;
-    const std::string& key = *conditionKeys()[i];
-    const std::string* text =
-        op != nullptr ? op->peekText(element, key, domain::DisplayRole) : nullptr;
-    domain::Value value;
-    if (text == nullptr && op != nullptr && op->getValue(element, key, domain::DisplayRole, value))
-      text = std::get_if<std::string>(&value);
-    if (text == nullptr || text->find(condition) == std::string::npos) return false;
+    if (op == nullptr || !holds(*op, element, *conditionKeys()[i], condition)) return false;
   }
   return true;
 }

@@ -47,6 +47,7 @@ class QCE_EXPORT QCESubEngineeringFilterModelImpl : public gui::SubEngineeringFi
   using Base = gui::SubEngineeringFilterModelImpl;
   using Base::filterAcceptsColumn;
   using Base::filterAcceptsRow;
+  bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
 
  private:
   bool isFilter(proxy::Element* element) const;
