@@ -22,7 +22,6 @@ using records::ResourceItem;
 using records::ResourceItemData;
 using records::StructureKind;
 using records::StructureNode;
-using records::Text;
 
 Category categoryOf(exchange::ResourceCategory category) {
   switch (category) {
