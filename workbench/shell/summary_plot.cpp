@@ -248,9 +248,10 @@ void SummaryPlot::tell(int bar, const QPoint& at) {
 
 bool SummaryPlot::eventFilter(QObject* watched, QEvent* event) {
   if (watched != canvas()) return QwtPlot::eventFilter(watched, event);
-  const auto* mouse = static_cast<const QMouseEvent*>(event);
+  const auto* mouse = dynamic_cast<const QMouseEvent*>(event);
   switch (event->type()) {
     case QEvent::MouseMove: {
+      if (mouse == nullptr) break;
       const int bar = barAt(mouse->pos());
       if (bar != hovered_) {
         setHovered(bar);
@@ -264,10 +265,12 @@ bool SummaryPlot::eventFilter(QObject* watched, QEvent* event) {
       emit barHovered(-1);
       break;
     case QEvent::MouseButtonPress:
-      if (mouse->button() == Qt::LeftButton) emit barClicked(barAt(mouse->pos()));
+      if (mouse != nullptr && mouse->button() == Qt::LeftButton)
+        emit barClicked(barAt(mouse->pos()));
       break;
     case QEvent::MouseButtonDblClick:
-      if (mouse->button() == Qt::LeftButton) emit barDoubleClicked(barAt(mouse->pos()));
+      if (mouse != nullptr && mouse->button() == Qt::LeftButton)
+        emit barDoubleClicked(barAt(mouse->pos()));
       break;
     case QEvent::Resize:
       QMetaObject::invokeMethod(
