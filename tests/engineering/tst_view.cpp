@@ -197,7 +197,7 @@ class TestView : public QObject {
     QTest::mouseClick(s_->panel->cancelButton(), Qt::LeftButton);
     QCOMPARE(s_->shown(), QString("A(0999(r1) 0102) B(0201)"));
     QVERIFY(s_->allExpanded());
-    // The specification is no condition of this page: its fourth box is for features.
+    // 规格型号 is no condition of this page: its fourth box is for features.
     s_->panel->resetConditions();
     s_->condition("feature", "深2m");
     QCOMPARE(s_->shown(), QString("A(0999(r1) 0102)"));
