@@ -91,7 +91,8 @@ QCEAssociationBillViewImpl::QCEAssociationBillViewImpl(QWidget* parent) : Dialog
 
   QDialogButtonBox* buttons = createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
   disconnect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-  connect(buttons, &QDialogButtonBox::accepted, this, &QCEAssociationBillViewImpl::confirm);
+  connect(buttons, &QDialogButtonBox::accepted, this,
+          &QCEAssociationBillViewImpl::confirmIfAllowed);
   buttons->button(QDialogButtonBox::Ok)->setToolTip("确定（Ctrl+Enter）");
 
   auto* layout = new QVBoxLayout(this);
@@ -250,7 +251,12 @@ void QCEAssociationBillViewImpl::show() {
 }
 
 void QCEAssociationBillViewImpl::confirm() {
-  if (controller_ == nullptr || controller_->associate(getUnifyFBChecked())) accept();
+  const bool associated = controller_ == nullptr || controller_->associate(getUnifyFBChecked());
+  done(associated ? Accepted : Rejected);
+}
+
+void QCEAssociationBillViewImpl::confirmIfAllowed() {
+  if (controller_ == nullptr || controller_->mayAssociate()) confirm();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -394,7 +400,7 @@ bool QCEAssociationBillViewImpl::eventFilter(QObject* watched, QEvent* event) {
   if (watched == rightTree_ && event->type() == QEvent::KeyPress) {
     const auto* press = static_cast<QKeyEvent*>(event);
     if (isEnter(*press) && press->modifiers().testFlag(Qt::ControlModifier)) {
-      confirm();
+      confirmIfAllowed();
       return true;
     }
     if (press->key() == Qt::Key_Space) {
@@ -409,7 +415,7 @@ bool QCEAssociationBillViewImpl::eventFilter(QObject* watched, QEvent* event) {
 void QCEAssociationBillViewImpl::keyPressEvent(QKeyEvent* event) {
   if (isEnter(*event)) {
     if (event->modifiers().testFlag(Qt::ControlModifier)) {
-      confirm();
+      confirmIfAllowed();
     } else if (auto* button = qobject_cast<QPushButton*>(focusWidget())) {
       button->click();
     }

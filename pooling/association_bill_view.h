@@ -77,7 +77,8 @@ class QCE_EXPORT QCEAssociationBillViewImpl : public bwidgets::Dialog, public ab
   proxy::Element* getRightCurrentElemment() const;
 
  public slots:
-  /// Tells the controller to associate and closes the dialog; it stays open when that was refused.
+  /// Tells the controller to associate, then closes the dialog. The button 确定 comes here when the
+  /// controller lets it.
   void confirm();
   /// Shows the bills that hold the text of the filter line.
   void filter();
@@ -99,6 +100,7 @@ class QCE_EXPORT QCEAssociationBillViewImpl : public bwidgets::Dialog, public ab
   void toggleSelected();
   void showContextMenu(const QPoint& position);
   void refreshCounts();
+  void confirmIfAllowed();
 
   abst::qce::QCEAssociationBillController* controller_ = nullptr;
   abst::qce::QCEAssociationBillRightFilterModel* rightModel_ = nullptr;

@@ -24,12 +24,17 @@
 namespace {
 
 struct Controller : abst::qce::QCEAssociationBillController {
+  bool mayAssociate() override {
+    calls << "ask";
+    return allow;
+  }
   bool associate(bool unify) override {
     calls << (unify ? "associate unify" : "associate");
     return accept;
   }
   void collectToCost() override { calls << "collect"; }
   QStringList calls;
+  bool allow = true;
   bool accept = true;
 };
 
@@ -101,7 +106,7 @@ class AssociationBillViewTest : public QObject {
       driver_.click(button("确定"));
     });
     QCOMPARE(result, 1);
-    QCOMPARE(controller_.calls.first(), QString("associate"));
+    QCOMPARE(controller_.calls.value(1), QString("associate"));
 
     controller_.calls.clear();
     QCOMPARE(run([this] { driver_.key(Qt::Key_Escape); }), 0);
@@ -114,11 +119,11 @@ class AssociationBillViewTest : public QObject {
              }),
              1);
     QCOMPARE(run([this] { driver_.key(Qt::Key_Return, Qt::ControlModifier); }), 1);
-    QCOMPARE(controller_.calls, QStringList({"associate", "associate"}));
+    QCOMPARE(controller_.calls, QStringList({"ask", "associate", "ask", "associate"}));
   }
 
-  void staysOpenWhenRefused() {
-    controller_.accept = false;
+  void staysOpenUnlessAllowed() {
+    controller_.allow = controller_.accept = false;
     find<QCheckBox>("collect")->setChecked(true);
     const int result = run([this] {
       clickRow("b1");
@@ -128,9 +133,12 @@ class AssociationBillViewTest : public QObject {
       driver_.click(button("确定"));
       QVERIFY(view_->isVisible());
       QCOMPARE(checked(), QString("a1 b1"));
+      controller_.allow = true;
+      driver_.click(button("确定"));
+      QVERIFY(!view_->isVisible());
     });
-    QCOMPARE(result, 0);
-    QCOMPARE(controller_.calls, QStringList("associate unify"));
+    QCOMPARE(result, 0);  // refused by associate: no hand-over to pooling
+    QCOMPARE(controller_.calls, QStringList({"ask", "ask", "associate unify"}));
     view_->setController(nullptr);
     QCOMPARE(run([this] { driver_.click(button("确定")); }), 1);
   }
@@ -207,7 +215,7 @@ class AssociationBillViewTest : public QObject {
     run([this] { driver_.key(Qt::Key_Escape); });
     QVERIFY(controller_.calls.isEmpty());
     run([this] { driver_.click(button("确定")); });
-    QCOMPARE(controller_.calls, QStringList({"associate", "collect"}));
+    QCOMPARE(controller_.calls, QStringList({"ask", "associate", "collect"}));
     view_->setCollectedHidden(true);
     QVERIFY(!view_->needCollectToQCERes() && collect->isHidden());
     view_->setCollectedHidden(false);

@@ -87,20 +87,21 @@ void AssociationBillController::openAssociation(const std::vector<proxy::Element
   items_.clear();
 }
 
-bool AssociationBillController::associate(bool unify) {
+bool AssociationBillController::mayAssociate() {
   if (model_ == nullptr) return false;
   std::vector<proxy::Element*> cancelled;
   model_->getCancelAssociationBills(cancelled);
   const int pooled = operator_->pooledCount(cancelled);
-  if (pooled > 0) {
-    const std::string question =
-        "取消关联的清单中有 " + std::to_string(pooled) +
-        " 条已归集到所选的成本工料机。\n取消关联后，归集的数量将退回原工料机。是否继续？";
-    const int answer =
-        app::qce::GetQCEChannel()->message(question, QMessageBox::Yes | QMessageBox::No);
-    if (answer != QMessageBox::Yes) return false;
-  }
-  return model_->associationBill(unify);
+  if (pooled == 0) return true;
+  const std::string question =
+      "取消关联的清单中有 " + std::to_string(pooled) +
+      " 条已归集到所选的成本工料机。\n取消关联后，归集的数量将退回原工料机。是否继续？";
+  return app::qce::GetQCEChannel()->message(question, QMessageBox::Yes | QMessageBox::No) ==
+         QMessageBox::Yes;
+}
+
+bool AssociationBillController::associate(bool unify) {
+  return model_ != nullptr && model_->associationBill(unify);
 }
 
 void AssociationBillController::collectToCost() {

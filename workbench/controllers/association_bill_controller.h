@@ -32,6 +32,7 @@ class AssociationBillController : public abst::qce::QCEAssociationBillController
   void openAssociation(const std::vector<proxy::Element*>& elements);
 
   // What the dialog asks.
+  bool mayAssociate() override;
   bool associate(bool unify) override;
   void collectToCost() override;
 

@@ -187,7 +187,7 @@ class AssociationBillControllerTest : public QObject {
     QCOMPARE(fixture_->channel.messages().size(), std::size_t(1));
   }
 
-  void staysOpenWhenTheStepCannotBeStored() {
+  void doesNothingWhenTheStepCannotBeStored() {
     const std::string before = project().dump();
     services::UndoHistory failing(project(), [](const records::ChangeSet&, QString& message) {
       message = "磁盘已满";
@@ -199,8 +199,9 @@ class AssociationBillControllerTest : public QObject {
     const app::Services installed = app::InstallServices(services);
     QVERIFY(open({&item(0)}, [&] {
       toggle(QString::fromStdString(bills().front()->code.str()));
+      click("collect");
       press("确定");
-      QVERIFY(dialog_->isVisible());
+      QVERIFY(!dialog_->isVisible());
     }));
     app::InstallServices(installed);
     QCOMPARE(fixture_->channel.messages().size(), std::size_t(1));
