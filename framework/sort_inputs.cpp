@@ -1,5 +1,6 @@
 #include "framework/sort_inputs.h"
 
+#include <QHash>
 #include <QVariant>
 #include <algorithm>
 #include <cmath>
@@ -83,6 +84,47 @@ struct Keyed {
   std::uint32_t at;
 };
 
+// Rows with the same text, which are many in a long table, are compared once: the texts are put in
+// order, then the rows by the places of their texts.
+class Texts {
+ public:
+  explicit Texts(std::size_t rows) {
+    std::size_t size = 16;
+    while (size < 2 * rows) size *= 2;
+    slots_.resize(size);
+    rows_.reserve(rows);
+  }
+
+  void add(const QString& text) {
+    const uint hash = qHash(text);
+    std::size_t at = hash & (slots_.size() - 1);
+    while (slots_[at].number != None &&
+           (slots_[at].hash != hash || texts_[slots_[at].number] != text)) {
+      at = (at + 1) & (slots_.size() - 1);
+    }
+    if (slots_[at].number == None) {
+      slots_[at] = {hash, static_cast<std::uint32_t>(texts_.size())};
+      texts_.push_back(text);
+    }
+    rows_.push_back(slots_[at].number);
+  }
+
+  /// The place of each row's text among all of them; texts that sort alike share one.
+  std::vector<std::uint32_t> places() const;
+  std::size_t count() const { return texts_.size(); }
+
+ private:
+  static constexpr std::uint32_t None = 0xffffffff;
+  struct Slot {
+    uint hash = 0;
+    std::uint32_t number = None;
+  };
+
+  std::vector<Slot> slots_;  // at least half of them empty
+  std::vector<QString> texts_;
+  std::vector<std::uint32_t> rows_;  // numbers of texts
+};
+
 std::uint64_t prefixOf(const std::string& key) {
   std::uint64_t prefix = 0;
   for (std::size_t i = 0; i < sizeof prefix; ++i) {
@@ -91,18 +133,43 @@ std::uint64_t prefixOf(const std::string& key) {
   return prefix;
 }
 
-template <class Entry, class Less>
-void sortEntries(std::vector<Entry>& entries, std::vector<proxy::Element*>& siblings,
-                 Qt::SortOrder order, const Less& less) {
-  if (order == Qt::AscendingOrder) {
-    std::stable_sort(entries.begin(), entries.end(), less);
-  } else {
-    std::stable_sort(entries.begin(), entries.end(),
-                     [&less](const Entry& a, const Entry& b) { return less(b, a); });
+std::vector<std::uint32_t> Texts::places() const {
+  std::vector<Keyed> order;
+  order.reserve(texts_.size());
+  std::vector<std::string> keys;
+  keys.reserve(texts_.size());
+  for (const QString& text : texts_) {
+    keys.push_back(base::CollationKey(text.toStdString()));
+    order.push_back({prefixOf(keys.back()), static_cast<std::uint32_t>(order.size())});
   }
-  std::vector<proxy::Element*> sorted;
-  sorted.reserve(siblings.size());
-  for (const Entry& entry : entries) sorted.push_back(siblings[entry.at]);
+  std::sort(order.begin(), order.end(), [&keys](const Keyed& a, const Keyed& b) {
+    return a.prefix != b.prefix ? a.prefix < b.prefix : keys[a.at] < keys[b.at];
+  });
+  std::vector<std::uint32_t> placeOf(texts_.size());
+  std::uint32_t place = 0;
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    if (i > 0 && keys[order[i - 1].at] != keys[order[i].at]) ++place;
+    placeOf[order[i].at] = place;
+  }
+  std::vector<std::uint32_t> places;
+  places.reserve(rows_.size());
+  for (const std::uint32_t number : rows_) places.push_back(placeOf[number]);
+  return places;
+}
+
+// Stable, in time that grows with the rows alone.
+void sortByPlaces(const std::vector<std::uint32_t>& places, std::size_t count,
+                  std::vector<proxy::Element*>& siblings, Qt::SortOrder order) {
+  const auto bucketOf = [count, order](std::uint32_t place) {
+    return order == Qt::AscendingOrder ? place : count - 1 - place;
+  };
+  std::vector<std::size_t> next(count + 1);
+  for (const std::uint32_t place : places) ++next[bucketOf(place) + 1];
+  for (std::size_t i = 1; i < next.size(); ++i) next[i] += next[i - 1];
+  std::vector<proxy::Element*> sorted(siblings.size());
+  for (std::size_t i = 0; i < siblings.size(); ++i) {
+    sorted[next[bucketOf(places[i])]++] = siblings[i];
+  }
   siblings.swap(sorted);
 }
 
@@ -111,31 +178,32 @@ void sortEntries(std::vector<Entry>& entries, std::vector<proxy::Element*>& sibl
 void sortByCells(std::vector<proxy::Element*>& siblings,
                  const std::function<QModelIndex(proxy::Element*)>& indexOf,
                  SortInputs::Reader reader, Qt::SortOrder order) {
-  SortInputs::Cell cell;
-  std::uint32_t at = 0;
-  if (reader != readCollationKey) {
-    std::vector<Numbered> entries;
-    entries.reserve(siblings.size());
+  if (reader == readCollationKey) {
+    Texts texts(siblings.size());
     for (proxy::Element* element : siblings) {
-      reader(indexOf(element), cell);
-      entries.push_back({cell.number, at++});
+      texts.add(indexOf(element).data(Qt::DisplayRole).toString());
     }
-    sortEntries(entries, siblings, order,
-                [](const Numbered& a, const Numbered& b) { return a.number < b.number; });
+    sortByPlaces(texts.places(), texts.count(), siblings, order);
     return;
   }
-  std::vector<Keyed> entries;
-  std::vector<std::string> keys;
-  entries.reserve(siblings.size());
-  keys.reserve(siblings.size());
+  SortInputs::Cell cell;
+  std::vector<Numbered> numbers;
+  numbers.reserve(siblings.size());
   for (proxy::Element* element : siblings) {
     reader(indexOf(element), cell);
-    entries.push_back({prefixOf(cell.key), at++});
-    keys.push_back(std::move(cell.key));
+    numbers.push_back({cell.number, static_cast<std::uint32_t>(numbers.size())});
   }
-  sortEntries(entries, siblings, order, [&keys](const Keyed& a, const Keyed& b) {
-    return a.prefix != b.prefix ? a.prefix < b.prefix : keys[a.at] < keys[b.at];
-  });
+  if (order == Qt::AscendingOrder) {
+    std::stable_sort(numbers.begin(), numbers.end(),
+                     [](const Numbered& a, const Numbered& b) { return a.number < b.number; });
+  } else {
+    std::stable_sort(numbers.begin(), numbers.end(),
+                     [](const Numbered& a, const Numbered& b) { return b.number < a.number; });
+  }
+  std::vector<proxy::Element*> sorted;
+  sorted.reserve(siblings.size());
+  for (const Numbered& number : numbers) sorted.push_back(siblings[number.at]);
+  siblings.swap(sorted);
 }
 
 bool cellLessThan(int fieldType, const QModelIndex& left, const QModelIndex& right,
