@@ -9,6 +9,9 @@
 #include "workbench/cli/tour.h"
 #include "workbench/exchange/sample_generator.h"
 #include "workbench/exchange/source_reader.h"
+#include "workbench/services/fee_template.h"
+#include "workbench/services/path_manager.h"
+#include "workbench/shell/report.h"
 #include "workbench/store/check.h"
 #include "workbench/store/project_file.h"
 
@@ -87,6 +90,20 @@ int writeSample(const Arguments& arguments) {
   if (!refusal.isEmpty()) return refuse(refusal);
   print(QStringLiteral("已写出示例源文件：%1").arg(out));
   return Success;
+}
+
+int writeReport(const Arguments& arguments) {
+  store::Failure failure;
+  const auto file = store::ProjectFile::open(arguments.operand, failure);
+  if (!file) return refuse(failure.message);
+  QString problem;
+  const records::FeeTemplate fees = services::loadFeeTemplate(
+      QString::fromStdString(services::PathManager().getTemplatePath()), &problem);
+  if (!problem.isEmpty()) printError(problem);
+  const shell::ReportResult written =
+      shell::writeReport(file->project(), fees, option(arguments, "out"));
+  if (!written.files.isEmpty()) print(written.files.join(QLatin1Char('\n')));
+  return written.problem.isEmpty() ? int(Success) : refuse(written.problem);
 }
 
 int tour(const Arguments& arguments) {

@@ -8,6 +8,7 @@ namespace cli {
 int makeProject(const Arguments& arguments);
 int checkProject(const Arguments& arguments);
 int writeSample(const Arguments& arguments);
+int writeReport(const Arguments& arguments);
 int tour(const Arguments& arguments);
 
 }  // namespace cli

@@ -41,4 +41,9 @@ QString FileChooser::spreadsheetToWrite(QWidget* parent, const QString& suggesti
                      QStringLiteral("Excel 工作簿(*.xlsx)"));
 }
 
+QString FileChooser::folderToWrite(QWidget* parent, const QString& suggestion) {
+  return QFileDialog::getExistingDirectory(parent, QStringLiteral("选择存放报表的文件夹"),
+                                           suggestion);
+}
+
 }  // namespace shell

@@ -16,6 +16,8 @@ class FileChooser {
   virtual QString projectToWrite(QWidget* parent, const QString& suggestion);
   /// Where a spreadsheet is to be written; empty when cancelled. Overwriting has been confirmed.
   virtual QString spreadsheetToWrite(QWidget* parent, const QString& suggestion);
+  /// A folder to write files into; empty when cancelled.
+  virtual QString folderToWrite(QWidget* parent, const QString& suggestion);
 };
 
 }  // namespace shell

@@ -15,11 +15,14 @@
 #include <QToolBar>
 #include <QUndoStack>
 
+#include "workbench/controllers/open_project.h"
+#include "workbench/services/fee_template.h"
 #include "workbench/shell/application.h"
 #include "workbench/shell/elided_label.h"
 #include "workbench/shell/new_project.h"
 #include "workbench/shell/page_stack.h"
 #include "workbench/shell/progress.h"
+#include "workbench/shell/report.h"
 #include "workbench/shell/session.h"
 #include "workbench/shell/spreadsheet_saver.h"
 #include "workbench/shell/welcome_view.h"
@@ -37,6 +40,7 @@ constexpr char kGeometryKey[] = "window.geometry";
 constexpr char kLayoutKey[] = "window.pageList";
 constexpr char kZoomKey[] = "window.zoom";
 constexpr char kPageKey[] = "window.page";
+constexpr char kReportFolderKey[] = "report.folder";
 
 QByteArray bytesOf(const services::Configuration& configuration, const char* key) {
   return QByteArray::fromBase64(
@@ -148,6 +152,9 @@ void MainWindow::createActions() {
   export_ = addAction(file, QStringLiteral("actionExport"), QStringLiteral("导出Excel(&E)…"),
                       QStringLiteral("export"), {QKeySequence(QStringLiteral("Ctrl+E"))},
                       &MainWindow::exportPage);
+  QAction* report =
+      addAction(file, QStringLiteral("actionReport"), QStringLiteral("导出报表(&P)…"), QString(),
+                {QKeySequence(QStringLiteral("Ctrl+Shift+E"))}, &MainWindow::exportReport);
   QAction* close = addAction(file, QStringLiteral("actionClose"), QStringLiteral("关闭工程(&C)"),
                              QStringLiteral("close"), {QKeySequence(QStringLiteral("Ctrl+W"))},
                              &MainWindow::closeProject);
@@ -200,7 +207,7 @@ void MainWindow::createActions() {
   bar->addActions({find, export_});
   bar->addSeparator();
   bar->addActions({in, out, whole});
-  needProject_ = {save, saveAs, close, find, in, out, whole};
+  needProject_ = {save, saveAs, report, close, find, in, out, whole};
 
   connect(undo_, &QAction::triggered, this, [this] {
     if (session_) session_->undoStack().undo();
@@ -345,6 +352,47 @@ void MainWindow::exportPage() {
   if (page != nullptr && page->exportGrid) page->exportGrid();
 }
 
+void MainWindow::exportReport() {
+  if (!session_) return;
+  const QString folder = chooser_->folderToWrite(this, reportFolder());
+  if (folder.isEmpty()) return;
+  app::Channel& channel = services_.channel();
+  QStringList there;
+  for (const QString& name : reportFileNames()) {
+    if (QFileInfo::exists(QDir(folder).filePath(name))) there << name;
+  }
+  if (!there.isEmpty()) {
+    const QString question =
+        QStringLiteral("文件夹“%1”中已有下列文件，要替换它们吗？\n%2")
+            .arg(QDir::toNativeSeparators(folder), there.join(QLatin1Char('\n')));
+    if (channel.message(question.toStdString(), QMessageBox::Yes | QMessageBox::No) !=
+        QMessageBox::Yes) {
+      return;
+    }
+  }
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  const records::FeeTemplate fees =
+      services::loadFeeTemplate(QString::fromStdString(services_.paths().getTemplatePath()));
+  const ReportResult written = writeReport(session_->project().project(), fees, folder);
+  QApplication::restoreOverrideCursor();
+  if (!written.problem.isEmpty()) {
+    channel.message(written.problem.toStdString(), QMessageBox::Ok);
+    return;
+  }
+  services_.configuration().setValue(kReportFolderKey, folder.toStdString());
+  statusBar()->showMessage(QStringLiteral("已导出 %1 个文件到 %2")
+                               .arg(written.files.size())
+                               .arg(QDir::toNativeSeparators(folder)),
+                           8000);
+}
+
+/// Where the last report went; at first, where the project is.
+QString MainWindow::reportFolder() const {
+  const QString last =
+      QString::fromStdString(services_.configuration().getValue(kReportFolderKey).value_or(""));
+  return QFileInfo(last).isDir() ? last : QFileInfo(session_->path()).path();
+}
+
 void MainWindow::refreshExport() {
   const Page* page = currentPage();
   export_->setEnabled(page != nullptr && page->exportGrid);
@@ -404,6 +452,7 @@ void MainWindow::showHelp() {
       "<tr><td>Shift+F2</td><td>编辑批注</td></tr>"
       "<tr><td>Alt+↑ / Alt+↓</td><td>上移 / 下移选中的行</td></tr>"
       "<tr><td>Ctrl+E</td><td>把当前页面的表格导出为 Excel 文件</td></tr>"
+      "<tr><td>Ctrl+Shift+E</td><td>把三种汇总和间接费用导出为 Excel 文件和 PDF 报表</td></tr>"
       "<tr><td>Ctrl+F</td><td>在表格中查找，可用拼音首字母（lwg 找到螺纹钢）</td></tr>"
       "<tr><td>Ctrl+Shift+F</td><td>按成本科目、编码、名称等条件过滤</td></tr>"
       "<tr><td>单击表头 / F5</td><td>按该列排序 / 恢复原来的顺序</td></tr>"

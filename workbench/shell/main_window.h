@@ -50,6 +50,8 @@ class MainWindow : public QMainWindow {
   void saveCopyAs();
   /// Saves the grid of the current page as a spreadsheet.
   void exportPage();
+  /// Writes the report of the project into a folder that the user chooses.
+  void exportReport();
   void showFind();
   void zoomIn();
   void zoomOut();
@@ -71,6 +73,7 @@ class MainWindow : public QMainWindow {
   void refreshState();
   const Page* currentPage() const;  ///< null when there is none
   void refreshExport();
+  QString reportFolder() const;
   void refreshTotals();
   void setZoom(int percent);
   void applyZoom();

@@ -116,7 +116,8 @@ class SummaryPlot::Pairs : public QwtPlotItem {
   void draw(QPainter* painter, const QwtScaleMap& xMap, const QwtScaleMap& yMap,
             const QRectF& canvas) const override {
     const double zero = xMap.transform(0);
-    const QFontMetrics metrics(painter->font());
+    painter->setFont(owner_.font());  // a printer's painter comes with one of its own
+    const QFontMetrics metrics(owner_.font());
     for (int i = 0; i < static_cast<int>(owner_.bars_.size()); ++i) {
       const Bar& bar = owner_.bars_[static_cast<std::size_t>(i)];
       if (i == owner_.current_ || i == owner_.hovered_) {

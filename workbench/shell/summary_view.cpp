@@ -22,7 +22,7 @@
 #include "host/bwidgets/grid_sheet.h"
 #include "host/bwidgets/search_box.h"
 #include "host/gui/tree_grid_view.h"
-#include "workbench/shell/summary_plot.h"
+#include "workbench/shell/summary_bars.h"
 
 namespace shell {
 
@@ -32,36 +32,10 @@ using operators::SummaryRow;
 using records::SummaryLine;
 using Kind = SummaryLine::Kind;
 
-constexpr int kMostBars = 12;
 constexpr int kDelay = 80;  // ms that changes are gathered
 
 QString text(const std::string& utf8) {
   return QString::fromStdString(utf8);
-}
-
-/// Whether its lower lines say more than the line does by itself.
-bool isOpened(const SummaryRow& row) {
-  if (row.childCount() == 0) return false;
-  const records::StructureNode* node = row.structure();
-  return row.line().kind == Kind::Heading ||
-         (row.line().kind == Kind::Structure && node != nullptr &&
-          node->kind == records::StructureKind::SingleProject);
-}
-
-void collectBars(SummaryRow& row, std::vector<SummaryRow*>& bars) {
-  if (isOpened(row)) {
-    for (int i = 0; i < row.childCount(); ++i) {
-      collectBars(*static_cast<SummaryRow*>(row.child(i)), bars);
-    }
-    return;
-  }
-  const SummaryLine& line = row.line();
-  const bool empty = line.income.isZero() && line.cost.isZero();
-  if (line.kind != Kind::Total && line.kind != Kind::Rounding && !empty) bars.push_back(&row);
-}
-
-costing::Decimal sizeOf(const SummaryRow& row) {
-  return std::max(row.line().income, row.line().cost);
 }
 
 }  // namespace
@@ -241,40 +215,9 @@ void SummaryView::refresh() {
 }
 
 void SummaryView::fillPlot() {
-  bars_.clear();
-  records::Group& root = *static_cast<records::Group*>(model_->rows().getRoot());
-  for (int i = 0; i < root.size(); ++i) {
-    collectBars(*static_cast<SummaryRow*>(root.member(i)), bars_);
-  }
-  std::vector<SummaryPlot::Bar> shown;
-  SummaryPlot::Bar rest;
-  int left = 0;
-  if (bars_.size() > kMostBars) {
-    // The greatest ones, in the order of the table; one bar for all others.
-    std::vector<SummaryRow*> bySize = bars_;
-    std::stable_sort(bySize.begin(), bySize.end(), [](const SummaryRow* a, const SummaryRow* b) {
-      return sizeOf(*b) < sizeOf(*a);
-    });
-    bySize.resize(kMostBars - 1);
-    const auto isLeft = [&](SummaryRow* row) {
-      if (std::find(bySize.begin(), bySize.end(), row) != bySize.end()) return false;
-      rest.income += row->line().income.toDouble();
-      rest.cost += row->line().cost.toDouble();
-      ++left;
-      return true;
-    };
-    bars_.erase(std::remove_if(bars_.begin(), bars_.end(), isLeft), bars_.end());
-  }
-  for (const SummaryRow* row : bars_) {
-    shown.push_back(
-        {text(row->line().name), row->line().income.toDouble(), row->line().cost.toDouble()});
-  }
-  if (left > 0) {
-    rest.name = QStringLiteral("其余 %1 行").arg(left);
-    shown.push_back(rest);
-    bars_.push_back(nullptr);
-  }
-  plot_->setBars(std::move(shown));
+  SummaryBars shown = summaryBars(model_->rows());
+  bars_ = std::move(shown.rows);
+  plot_->setBars(std::move(shown.bars));
   plot_->setCurrent(barOf(current()));
 }
 

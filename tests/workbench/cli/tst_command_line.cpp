@@ -49,6 +49,7 @@ class CommandLineTest : public QObject {
     row("new", QStringList{"new", "--help"}, "--source 文件");
     row("check", QStringList{"check", "--help"}, "check 工程.qcp");
     row("tour", QStringList{"tour", "x.qcp", "--help"}, "--out 目录");
+    row("report", QStringList{"report", "--help"}, "report 工程.qcp --out 目录");
     row("sample", QStringList{"sample", "--help"}, "--seed 种子");
     row("version", QStringList{"--version"}, "qce-workbench 0.");
   }
@@ -90,13 +91,18 @@ class CommandLineTest : public QObject {
     QVERIFY(result.out.isEmpty());
   }
 
-  void newThenCheck() {
+  void newThenCheckAndReport() {
     const QString project = makeProject("新建", 300);
     QVERIFY(QFile::exists(project));
     const QByteArray before = tests::contentOf(project);
     const Result check = run({"check", project});
     QVERIFY2(check.code == 0, qPrintable(check.error));
     QVERIFY2(check.out.contains("检查通过"), qPrintable(check.out));
+    const Result report = run({"report", project, "--out", path("报表")});
+    QVERIFY2(report.code == 0, qPrintable(report.error));
+    const QStringList files = report.out.split('\n', Qt::SkipEmptyParts);
+    QCOMPARE(files.size(), 5);
+    for (const QString& file : files) QVERIFY2(QFile::exists(file), qPrintable(file));
     QCOMPARE(tests::contentOf(project), before);
   }
 
@@ -124,6 +130,8 @@ class CommandLineTest : public QObject {
     QCOMPARE(run({"check", path("cut.TBQD")}).code, 1);
     QCOMPARE(run({"check", path("没有.qcp")}).code, 1);
     QCOMPARE(run({"tour", path("没有.qcp"), "--out", path("pictures")}).code, 1);
+    QCOMPARE(run({"report", path("没有.qcp"), "--out", path("report")}).code, 1);
+    QVERIFY(!QFile::exists(path("report")));
   }
 
   void sampleFollowsItsSeed() {
