@@ -73,6 +73,10 @@ Decimal excludedTaxAmount(const Decimal& quantity, const Decimal& price) {
   return (quantity * price).rounded(MoneyPlaces);
 }
 
+Decimal unitPrice(const Decimal& amount, const Decimal& quantity) {
+  return (amount / quantity).rounded(UnitPricePlaces);
+}
+
 Decimal includedTaxAmount(const Decimal& quantity, const Decimal& price, const Decimal& taxRate) {
   return (quantity * price * withTax(taxRate)).rounded(MoneyPlaces);
 }

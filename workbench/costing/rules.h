@@ -48,6 +48,9 @@ double includedTaxPriceShown(PackedDecimal price, PackedDecimal taxRate);
 /// quantity × price, rounded to 2 places.
 Decimal excludedTaxAmount(const Decimal& quantity, const Decimal& price);
 
+/// The unit price of a lump sum: amount / quantity, rounded to 2 places. The quantity is not 0.
+Decimal unitPrice(const Decimal& amount, const Decimal& quantity);
+
 /// quantity × price × (1 + rate / 100), rounded to 2 places; the unit price in it is not rounded.
 Decimal includedTaxAmount(const Decimal& quantity, const Decimal& price, const Decimal& taxRate);
 

@@ -17,7 +17,8 @@ Decimal BillCosts::of(const Bill& bill) const {
   for (int row = 0; row < rows.size(); ++row) {
     const auto& line = *static_cast<const BudgetItem*>(rows.at(row));
     const ResourceItem* home = line.resourceItem;
-    if (home == nullptr || project_.bookings().sumsOf(*home) != nullptr) continue;
+    if (home == nullptr || !home->counts() || project_.bookings().sumsOf(*home) != nullptr)
+      continue;
     Decimal content = line.content.value();
     bool first = true;
     for (int other = 0; other < rows.size() && first; ++other) {

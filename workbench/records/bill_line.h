@@ -40,7 +40,7 @@ struct BillLine {
   costing::Decimal budgetQuantity;  ///< of the bill's budget items, as far as they count here
   costing::Decimal costQuantity;
   costing::Decimal budgetAmount;                    ///< revenue, excluding tax
-  costing::Decimal excludedAmount, includedAmount;  ///< cost
+  costing::Decimal excludedAmount, includedAmount;  ///< cost; 0 in an item that does not count
 };
 
 }  // namespace records

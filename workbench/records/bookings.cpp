@@ -245,6 +245,7 @@ std::vector<BillLine> Bookings::linesOf(const ResourceItem& item) const {
         if (share.item == &item) out.budgetAmount += share.money;
       }
     }
+    if (!item.counts()) continue;
     const Decimal quantity = out.terms.price ? bill->quantityForCost() : out.costQuantity;
     const Decimal price = out.terms.price.value_or(item.price().value());
     out.excludedAmount = costing::excludedTaxAmount(quantity, price);

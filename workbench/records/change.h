@@ -23,6 +23,7 @@ enum class ItemField {
   PriceAdjustable,
   Annotation,
   Quantity,
+  Linked,  ///< 关联到成本; written by Project::setLinked
 };
 /// "不含税单价" and so on.
 const std::string& nameOf(ItemField field);
@@ -91,8 +92,49 @@ struct RemoveFee {
   int row;
 };
 
-using Change = std::variant<SetField, AddItem, RemoveItem, Reposition, SetPooling, SetTerms,
-                            SetBill, SetFee, AddFee, RemoveFee>;
+/// The subcontract entry that a cost item is collected into; null: none.
+struct SetCollection {
+  scoped_refptr<ResourceItem> item;
+  scoped_refptr<Subcontract> before, after;
+};
+
+struct SetSubcontract {
+  scoped_refptr<Subcontract> entry;
+  SubcontractData before, after;
+};
+
+/// A subcontract entry that comes in or goes out, together with its bills.
+struct AddSubcontract {
+  scoped_refptr<Subcontract> entry;
+  int row;
+};
+struct RemoveSubcontract {
+  scoped_refptr<Subcontract> entry;
+  int row;
+};
+
+/// A subcontract entry with another place; both rows are its own, before and afterwards.
+struct MoveSubcontract {
+  scoped_refptr<Subcontract> entry;
+  int from, to;
+};
+
+/// A bill that comes to or leaves a subcontract entry.
+struct AssignBill {
+  scoped_refptr<Subcontract> entry;
+  scoped_refptr<SubcontractBill> bill;
+  int row;
+};
+struct UnassignBill {
+  scoped_refptr<Subcontract> entry;
+  scoped_refptr<SubcontractBill> bill;
+  int row;
+};
+
+using Change =
+    std::variant<SetField, AddItem, RemoveItem, Reposition, SetPooling, SetTerms, SetBill, SetFee,
+                 AddFee, RemoveFee, SetCollection, SetSubcontract, AddSubcontract,
+                 RemoveSubcontract, MoveSubcontract, AssignBill, UnassignBill>;
 using ChangeSet = std::vector<Change>;
 
 /// What an undo menu calls these changes: "修改不含税单价", "移动", ...

@@ -18,6 +18,18 @@ const std::string& nameOf(Category category) {
   return names[static_cast<std::size_t>(category)];
 }
 
+const std::string& nameOf(MeteringMethod method) {
+  static const std::array<std::string, MeteringMethodCount> names = {"按清单工程量", "按实际数量",
+                                                                     "总价包干"};
+  return names[static_cast<std::size_t>(method)];
+}
+
+const std::vector<std::string>& contractTypes() {
+  static const std::vector<std::string> types = {"劳务外包合同", "清包合同", "专业分包合同",
+                                                 "采购合同", "租赁合同"};
+  return types;
+}
+
 costing::Totals ResourceItem::totals() const {
   return {budgetAmount_.value(), excludedAmount_.value(), includedAmount_.value()};
 }
@@ -33,5 +45,24 @@ ResourceGroup::ResourceGroup(StructureNode& unitWork, Category category)
     : Branch(groupId(unitWork, static_cast<int>(category))),
       unitWork_(&unitWork),
       category_(category) {}
+
+costing::Decimal Subcontract::billQuantity() const {
+  costing::Decimal sum;
+  for (int row = 0; row < rows().size(); ++row) sum += billAt(row).bill.quantityForCost();
+  return sum;
+}
+
+costing::Decimal Subcontract::quantityNow() const {
+  if (metering == MeteringMethod::LumpSum) return 1;
+  return metering == MeteringMethod::ByQuantity ? quantity : billQuantity();
+}
+
+costing::Decimal Subcontract::amount() const {
+  return costing::excludedTaxAmount(quantityNow(), price);
+}
+
+costing::Decimal Subcontract::includedAmount() const {
+  return costing::includedTaxAmount(quantityNow(), price, taxRate);
+}
 
 }  // namespace records

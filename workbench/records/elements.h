@@ -104,6 +104,7 @@ class BudgetItem : public Record {
 };
 
 class ResourceGroup;
+class Subcontract;
 
 /// A cost resource item (成本工料机) of one unit work. Written through records::Project alone.
 class ResourceItem final : public Record {
@@ -129,6 +130,12 @@ class ResourceItem final : public Record {
   bool gathered() const { return gathered_; }
   /// The place in its group that is stored; a sorted view may show another.
   int position() const { return position_; }
+  /// 关联到成本; true unless an estimator says otherwise.
+  bool linked() const { return linked_; }
+  /// The entry that it was collected into (设置归集); null: none.
+  Subcontract* subcontract() const { return subcontract_; }
+  /// Its amounts are part of the cost. Otherwise they are 0; the budget amount stays.
+  bool counts() const { return linked_ && subcontract_ == nullptr; }
 
   // What follows from the fields above.
   costing::PackedDecimal budgetAmount() const { return budgetAmount_; }
@@ -143,13 +150,14 @@ class ResourceItem final : public Record {
   friend class ProjectBuilder;
 
   CostAccount* account_ = nullptr;
+  Subcontract* subcontract_ = nullptr;
   Text code_, name_, spec_, unit_, annotation_;
   costing::PackedDecimal quantity_, price_, taxRate_;
   costing::PackedDecimal budgetAmount_, excludedAmount_, includedAmount_;
   int position_ = 0;
   Category category_ = Category::Material;
   bool ownerSupplied_ = false, provisional_ = false, priceAdjustable_ = false, associated_ = false;
-  bool gathered_ = false;
+  bool gathered_ = false, linked_ = true;
 };
 
 /// A grouping row of the resource items: a sub-project, or one category in it.
@@ -218,6 +226,61 @@ class IndirectFeeItem : public Record, public FeeData {
   // The budget, which never changes.
   std::optional<costing::Decimal> base, rate;  ///< both or neither
   costing::Decimal amount;                     ///< 2 places
+};
+
+/// 计量方式 of a subcontract entry; the numbers are stored.
+enum class MeteringMethod : std::uint8_t { ByBills, ByQuantity, LumpSum };
+constexpr int MeteringMethodCount = 3;
+/// 按清单工程量, 按实际数量, 总价包干.
+const std::string& nameOf(MeteringMethod method);
+/// What a subcontract entry can have as its contract type, besides none.
+const std::vector<std::string>& contractTypes();
+
+/// What an estimator can edit of a subcontract entry.
+struct SubcontractData {
+  Text code, name, features, unit;
+  Text contractType;  ///< one of contractTypes(), or empty
+  Text attachment, contentQuota;
+  Text priceExpiryDate;  ///< yyyy-MM-dd, or empty
+  Text applicableArea, remark;
+  MeteringMethod metering = MeteringMethod::ByBills;
+  costing::Decimal price;     ///< excluding tax, yuan per unit, 2 places; LumpSum: the sum itself
+  costing::Decimal taxRate;   ///< per cent
+  costing::Decimal quantity;  ///< as it was typed; counts with ByQuantity alone
+  CostAccount* account = nullptr;
+
+  friend bool operator==(const SubcontractData& a, const SubcontractData& b) {
+    return a.code == b.code && a.name == b.name && a.features == b.features && a.unit == b.unit &&
+           a.contractType == b.contractType && a.attachment == b.attachment &&
+           a.contentQuota == b.contentQuota && a.priceExpiryDate == b.priceExpiryDate &&
+           a.applicableArea == b.applicableArea && a.remark == b.remark &&
+           a.metering == b.metering && a.price == b.price && a.taxRate == b.taxRate &&
+           a.quantity == b.quantity && a.account == b.account;
+  }
+};
+
+/// A bill that is assigned to a subcontract entry.
+class SubcontractBill : public Record {
+ public:
+  SubcontractBill(std::int64_t id, Bill& ofBill) : Record(id), bill(ofBill) {}
+
+  Bill& bill;
+};
+
+/// 分包. Its children are its SubcontractBills. Edited through records::Project alone.
+class Subcontract : public Branch, public SubcontractData {
+ public:
+  using Branch::Branch;
+
+  SubcontractData& data() { return *this; }
+  const SubcontractData& data() const { return *this; }
+  SubcontractBill& billAt(int row) const { return *static_cast<SubcontractBill*>(rows().at(row)); }
+
+  // What follows from its data and its bills, computed anew each time.
+  costing::Decimal billQuantity() const;    ///< cost quantities of its bills together
+  costing::Decimal quantityNow() const;     ///< what is paid for
+  costing::Decimal amount() const;          ///< excluding tax, 2 places
+  costing::Decimal includedAmount() const;  ///< including tax, 2 places
 };
 
 }  // namespace records

@@ -5,19 +5,13 @@
 #include <iterator>
 #include <utility>
 
+#include "workbench/records/labels.h"
+
 namespace records {
 namespace {
 
 ResourceItem& itemAt(const ResourceGroup& group, int row) {
   return *static_cast<ResourceItem*>(group.rows().at(row));
-}
-
-std::string label(const ResourceItem& item) {
-  return "工料机“" + item.code().str() + " " + item.name().str() + "”";
-}
-
-std::string label(const Bill& bill) {
-  return "清单“" + bill.code.str() + " " + bill.name.str() + "”";
 }
 
 bool sortedByPlace(const ResourceGroup& group) {
@@ -49,7 +43,11 @@ int onlyInversion(const ResourceGroup& group) {
 Observer::~Observer() = default;
 
 Project::Project()
-    : structure_(new Group), accounts_(new Group), feeGroups_(new Group), subProjects_(new Group) {}
+    : structure_(new Group),
+      accounts_(new Group),
+      feeGroups_(new Group),
+      subcontracts_(new Group),
+      subProjects_(new Group) {}
 
 Project::~Project() = default;
 
@@ -93,6 +91,8 @@ FieldValue Project::value(const ResourceItem& item, ItemField field) const {
       return item.annotation_;
     case ItemField::Quantity:
       return item.quantity_;
+    case ItemField::Linked:
+      return item.linked_;
   }
   return false;
 }
@@ -104,6 +104,7 @@ void Project::set(ResourceItem& item, ItemField field, const FieldValue& after) 
     throw Refusal(label(item) +
                   "的数量由清单汇总而来，不能直接修改；请修改所在清单的实际含量或系数。");
   }
+  if (field == ItemField::Linked) return setLinked({&item}, std::get<bool>(after));
   record(SetField{scoped_refptr<ResourceItem>(&item), field, before, after});
 }
 
@@ -124,7 +125,14 @@ bool Project::remove(ResourceItem& item) {
   if (item.group() == nullptr || item.gathered() || bookings_.isBooked(item)) {
     return false;
   }
-  record(RemoveItem{scoped_refptr<ResourceItem>(&item), &item.group()->unitWork()});
+  const scoped_refptr<ResourceItem> kept(&item);
+  ChangeSet changes;
+  if (item.subcontract() != nullptr) {
+    changes.emplace_back(
+        SetCollection{kept, scoped_refptr<Subcontract>(item.subcontract()), nullptr});
+  }
+  changes.emplace_back(RemoveItem{kept, &item.group()->unitWork()});
+  recordAll(std::move(changes));
   return true;
 }
 
@@ -215,6 +223,22 @@ void Project::perform(const Change& change, Direction direction) {
   } else if (const auto* removedFee = std::get_if<RemoveFee>(&change)) {
     forward ? unlink(removedFee->item)
             : link(*removedFee->group, removedFee->row, removedFee->item);
+  } else if (const auto* collection = std::get_if<SetCollection>(&change)) {
+    write(*collection->item, (forward ? collection->after : collection->before).get());
+  } else if (const auto* entry = std::get_if<SetSubcontract>(&change)) {
+    write(*entry->entry, forward ? entry->after : entry->before);
+  } else if (const auto* addedEntry = std::get_if<AddSubcontract>(&change)) {
+    forward ? link(addedEntry->row, addedEntry->entry) : unlink(addedEntry->entry);
+  } else if (const auto* removedEntry = std::get_if<RemoveSubcontract>(&change)) {
+    forward ? unlink(removedEntry->entry) : link(removedEntry->row, removedEntry->entry);
+  } else if (const auto* moved = std::get_if<MoveSubcontract>(&change)) {
+    forward ? move(moved->from, moved->to) : move(moved->to, moved->from);
+  } else if (const auto* assigned = std::get_if<AssignBill>(&change)) {
+    forward ? link(*assigned->entry, assigned->row, assigned->bill)
+            : unlink(*assigned->entry, assigned->bill);
+  } else if (const auto* unassigned = std::get_if<UnassignBill>(&change)) {
+    forward ? unlink(*unassigned->entry, unassigned->bill)
+            : link(*unassigned->entry, unassigned->row, unassigned->bill);
   } else {
     place(std::get<Reposition>(change), direction);
   }
@@ -274,6 +298,12 @@ void Project::write(ResourceItem& item, ItemField field, const FieldValue& value
         bookings_.setOwnQuantity(item, item.quantity_.value());
       }
       break;
+    case ItemField::Linked:
+      countWaiting(item, -1);
+      item.linked_ = std::get<bool>(value);
+      countWaiting(item, 1);
+      setAmounts(item);
+      break;
   }
   if (item.group() != nullptr) count(*item.group(), before, item.totals());
   for (Observer* observer : observers_) observer->itemChanged(item);
@@ -309,6 +339,8 @@ scoped_refptr<ResourceItem> Project::makeItem(const ResourceItemData& data) {
   item->provisional_ = data.provisional;
   item->priceAdjustable_ = data.priceAdjustable;
   item->position_ = data.position;
+  item->linked_ = data.linked;
+  item->subcontract_ = data.subcontract;
   setAmounts(*item);
   return item;
 }
@@ -336,6 +368,7 @@ void Project::link(const StructureNode& unitWork, const scoped_refptr<ResourceIt
   insert(group, row, item);
   count(group, {}, item->totals());
   ++itemCount_;
+  countWaiting(*item, 1);
   for (Observer* observer : observers_) observer->itemChanged(*item);
 }
 
@@ -349,6 +382,7 @@ void Project::unlink(ResourceItem& item) {
   };
   count(group, item.totals(), {});
   --itemCount_;
+  countWaiting(item, -1);
   for (Observer* observer : observers_) observer->itemChanged(item);
   remove(group, item.row());
   bookings_.forget(item);
@@ -417,15 +451,27 @@ std::string Project::dump() const {
         return a->position() < b->position();
       });
       for (const ResourceItem* item : items) {
-        line({std::to_string(item->id()), std::to_string(item->position()),
-              item->account() != nullptr ? item->account()->label : "", item->code().str(),
-              item->name().str(), item->spec().str(), item->unit().str(),
-              item->quantity().value().toString(), bookings_.ownQuantity(*item).toString(),
-              item->price().value().toString(), item->taxRate().value().toString(),
-              item->budgetAmount().value().toString(2), item->excludedAmount().value().toString(2),
-              item->includedAmount().value().toString(2), item->ownerSupplied() ? "1" : "0",
-              item->provisional() ? "1" : "0", item->priceAdjustable() ? "1" : "0",
-              item->associated() ? "1" : "0", item->annotation().str()});
+        line({std::to_string(item->id()),
+              std::to_string(item->position()),
+              item->account() != nullptr ? item->account()->label : "",
+              item->code().str(),
+              item->name().str(),
+              item->spec().str(),
+              item->unit().str(),
+              item->quantity().value().toString(),
+              bookings_.ownQuantity(*item).toString(),
+              item->price().value().toString(),
+              item->taxRate().value().toString(),
+              item->budgetAmount().value().toString(2),
+              item->excludedAmount().value().toString(2),
+              item->includedAmount().value().toString(2),
+              item->ownerSupplied() ? "1" : "0",
+              item->provisional() ? "1" : "0",
+              item->priceAdjustable() ? "1" : "0",
+              item->associated() ? "1" : "0",
+              item->annotation().str(),
+              item->linked() ? "1" : "0",
+              item->subcontract() != nullptr ? std::to_string(item->subcontract()->id()) : ""});
         for (const Bill* bill : bookings_.billsWithTerms(*item)) {
           const LineTerms& terms = *bookings_.termsOf(*item, *bill);
           line({"bill", std::to_string(bill->id()), terms.associated ? "1" : "0",
@@ -473,6 +519,34 @@ std::string Project::dump() const {
             figures(fee).amount.toString(2)});
     }
   });
+  for (int row = 0; row < subcontracts_->size(); ++row) {
+    const auto& entry = *static_cast<const Subcontract*>(subcontracts_->rows().at(row));
+    line({"subcontract",
+          std::to_string(entry.id()),
+          entry.code.str(),
+          entry.name.str(),
+          entry.features.str(),
+          entry.unit.str(),
+          entry.contractType.str(),
+          nameOf(entry.metering),
+          entry.attachment.str(),
+          entry.contentQuota.str(),
+          entry.priceExpiryDate.str(),
+          entry.applicableArea.str(),
+          entry.remark.str(),
+          entry.price.toString(),
+          entry.taxRate.toString(),
+          entry.quantity.toString(),
+          entry.account != nullptr ? entry.account->label : "",
+          entry.quantityNow().toString(),
+          entry.amount().toString(2),
+          entry.includedAmount().toString(2)});
+    for (int i = 0; i < entry.rows().size(); ++i) {
+      line({"of bill", std::to_string(entry.billAt(i).id()),
+            std::to_string(entry.billAt(i).bill.id())});
+    }
+  }
+  line({"waiting", std::to_string(itemsWaiting_)});
   return out;
 }
 
@@ -529,6 +603,7 @@ void Project::set(Bill& bill, BillData data) {
   if (data.name.empty()) throw Refusal(label(bill) + "的名称不能为空，请重新输入。");
   data.costQuantity = costQuantityOf(bill, data);
   if (data == bill.data()) return;
+  requireAssignable(bill, data);
   record(SetBill{&bill, bill.data(), std::move(data)});
 }
 
@@ -549,6 +624,10 @@ void Project::write(Bill& bill, const BillData& data) {
   bill.data() = data;
   for (const auto& [item, totals] : touched) tell(*item, totals);
   for (Observer* observer : observers_) observer->billChanged(bill);
+  if (before == data.costQuantity) return;
+  for (Subcontract* entry : subcontractsOf(bill)) {
+    for (Observer* observer : observers_) observer->subcontractChanged(*entry);
+  }
 }
 
 // Booking
@@ -580,9 +659,12 @@ void Project::setAmounts(ResourceItem& item) const {
   const costing::Decimal price = item.price_.value();
   excluded += costing::excludedTaxAmount(quantity, price);
   included += costing::includedTaxAmount(quantity, price, item.taxRate_.value());
-  const costing::PackedDecimal checked = excluded;
-  item.includedAmount_ = included;
-  item.excludedAmount_ = checked;
+  // Also of an item that does not count, so that it can count at any time.
+  const costing::PackedDecimal checkedExcluded = excluded;
+  const costing::PackedDecimal checkedIncluded = included;
+  const bool counts = item.counts();
+  item.excludedAmount_ = counts ? checkedExcluded : costing::PackedDecimal();
+  item.includedAmount_ = counts ? checkedIncluded : costing::PackedDecimal();
 }
 
 void Project::refresh(ResourceItem& item, const costing::Decimal& budgetAmount) {

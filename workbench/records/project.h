@@ -38,6 +38,8 @@ struct ResourceItemData {
   Text code, name, spec, unit, annotation;
   costing::Decimal quantity, price, taxRate, budgetAmount;
   bool ownerSupplied = false, provisional = false, priceAdjustable = false;
+  bool linked = true;
+  Subcontract* subcontract = nullptr;
   int position = -1;
 };
 
@@ -68,6 +70,20 @@ class Observer {
   virtual void feeInserted() {}
   virtual void aboutToRemoveFee(IndirectFeeGroup& /*group*/, int /*row*/) {}
   virtual void feeRemoved() {}
+  /// What a subcontract entry says, what it costs or what is collected into it has changed.
+  virtual void subcontractChanged(Subcontract& /*entry*/) {}
+  virtual void aboutToInsertSubcontract(int /*row*/) {}
+  virtual void subcontractInserted() {}
+  virtual void aboutToRemoveSubcontract(int /*row*/) {}
+  virtual void subcontractRemoved() {}
+  /// Both rows are its own, before and afterwards.
+  virtual void aboutToMoveSubcontract(int /*from*/, int /*to*/) {}
+  virtual void subcontractMoved() {}
+  /// A bill comes in below the entry at `row`, or goes; subcontractChanged follows.
+  virtual void aboutToAssign(Subcontract& /*entry*/, int /*row*/) {}
+  virtual void assigned() {}
+  virtual void aboutToUnassign(Subcontract& /*entry*/, int /*row*/) {}
+  virtual void unassigned() {}
   /// An edit, an undo or a redo is complete.
   virtual void stepFinished() {}
 };
@@ -88,6 +104,8 @@ class Project {
   Group& structure() { return *structure_; }
   Group& accounts() { return *accounts_; }
   Group& feeGroups() { return *feeGroups_; }
+  /// The subcontract entries. Their rows are their stored places: a view must not order the group.
+  Group& subcontracts() { return *subcontracts_; }
   /// A row for each unit work, below it one for each category that has items, below these the
   /// items. Ordering this group is the order of a view: it is neither stored nor undone.
   Group& subProjects() { return *subProjects_; }
@@ -119,6 +137,18 @@ class Project {
   costing::Variables feeVariables(const IndirectFeeGroup& group) const;
 
   FieldValue value(const ResourceItem& item, ItemField field) const;
+
+  // Subcontracts. docs/costing.md has the rules.
+
+  /// The entries that the bill is assigned to, in their order.
+  std::vector<Subcontract*> subcontractsOf(const Bill& bill) const;
+  bool isAssigned(const Subcontract& entry, const Bill& bill) const;
+  /// In the order of their ids.
+  std::vector<ResourceItem*> collectedItems(const Subcontract& entry) const;
+  /// Items that are neither linked nor collected: their cost counts nowhere yet.
+  std::int64_t itemsWaiting() const { return itemsWaiting_; }
+  /// Cost of all entries; the budget is 0.
+  costing::Totals subcontractTotals() const;
 
   // Editing. An unchanged value records nothing. std::overflow_error: an amount would not fit, and
   // nothing has changed.
@@ -197,6 +227,33 @@ class Project {
   /// Refused: a fee of the source file.
   void removeFee(IndirectFeeItem& item);
 
+  // Editing subcontracts, and what of the resource items counts in cost. All throw Refusal where
+  // the rules forbid it, and std::overflow_error where a figure would not fit. Nothing has changed
+  // then.
+
+  /// Refused: no name, a contract type, date, price, tax rate or quantity that cannot be, another
+  /// metering method, a quantity that is not typed (all methods but ByQuantity), and another unit
+  /// than that of bills whose quantities are added up (ByBills).
+  void set(Subcontract& entry, const SubcontractData& data);
+  /// Keeps the amount: quantity and price become what says the same the other way. A bare unit
+  /// price (ByQuantity to ByBills) is kept instead. Refused: ByBills with bills of another unit.
+  void setMetering(Subcontract& entry, MeteringMethod method);
+  /// A negative row: the last one.
+  Subcontract& addSubcontract(const SubcontractData& data, int row = -1);
+  /// Gives back the items that are collected into it, and its bills.
+  void removeSubcontract(Subcontract& entry);
+  /// `to` is the row that the entry has afterwards. False when there is nothing to move.
+  bool moveSubcontract(int from, int to);
+  /// Appends the bills that the entry does not have yet. Refused: ByBills with another unit.
+  void assign(Subcontract& entry, const std::vector<Bill*>& bills);
+  /// Those that the entry does not have are passed over.
+  void unassign(Subcontract& entry, const std::vector<Bill*>& bills);
+  /// 关联到成本, 取消关联到成本. Refused when one of the items is collected.
+  void setLinked(const std::vector<ResourceItem*>& items, bool linked);
+  /// 设置归集. An item that is collected into another entry goes over to this one.
+  void collect(ResourceItem& item, Subcontract& into);
+  void uncollect(ResourceItem& item);
+
   bool hasRecorded() const { return !recorded_.empty(); }
   ChangeSet takeRecorded();
   enum class Direction { Forward, Backward };
@@ -242,6 +299,18 @@ class Project {
   void write(IndirectFeeItem& item, const FeeData& data);
   void link(IndirectFeeGroup& group, int row, const scoped_refptr<IndirectFeeItem>& item);
   void unlink(const scoped_refptr<IndirectFeeItem>& item);
+  void requireAssignable(const Bill& bill, const BillData& data) const;
+  void write(Subcontract& entry, const SubcontractData& data);
+  void link(int row, const scoped_refptr<Subcontract>& entry);
+  void unlink(const scoped_refptr<Subcontract>& entry);
+  void move(int from, int to);
+  void link(Subcontract& entry, int row, const scoped_refptr<SubcontractBill>& bill);
+  void unlink(Subcontract& entry, const scoped_refptr<SubcontractBill>& bill);
+  void write(ResourceItem& item, Subcontract* into);
+  void noteCollected(ResourceItem& item);
+  void countWaiting(const ResourceItem& item, int sign) {
+    if (!item.linked() && item.subcontract() == nullptr) itemsWaiting_ += sign;
+  }
   costing::Decimal feeTotal(const RowList& rows) const;
   costing::Decimal feeBudget(const RowList& rows) const;
   void requireFee(const IndirectFeeItem& item, const IndirectFeeGroup& group,
@@ -251,7 +320,7 @@ class Project {
   void count(ResourceGroup& group, const costing::Totals& before, const costing::Totals& after);
   bool swapWithNext(ResourceGroup& group, int upper);
 
-  scoped_refptr<Group> structure_, accounts_, feeGroups_, subProjects_;
+  scoped_refptr<Group> structure_, accounts_, feeGroups_, subcontracts_, subProjects_;
   std::vector<StructureNode*> unitWorks_;
   std::unordered_map<std::int64_t, SubProject> bySubProject_;
   std::vector<CostAccount*> allAccounts_;
@@ -259,6 +328,9 @@ class Project {
   Bookings bookings_;
   costing::Totals totals_;
   std::int64_t itemCount_ = 0;
+  std::int64_t itemsWaiting_ = 0;
+  std::unordered_map<const Bill*, std::vector<Subcontract*>> subcontractsOfBills_;
+  std::unordered_map<const Subcontract*, std::vector<ResourceItem*>> collected_;  // by id
   std::int64_t lastId_ = 0;
   ChangeSet recorded_;
   mutable std::unordered_map<const StructureNode*, costing::Decimal> billIncomes_;

@@ -67,6 +67,7 @@ ResourceItem& ProjectBuilder::addItem(StructureNode& unitWork, const ResourceIte
   }
   const scoped_refptr<ResourceItem> item = project_.makeItem(placed);
   project_.link(unitWork, item);
+  if (item->subcontract() != nullptr) project_.noteCollected(*item);
   return *item;
 }
 
@@ -99,6 +100,22 @@ void ProjectBuilder::finishBookings() {
     project_.refresh(*item, before.budget);
     project_.count(*item->group(), before, item->totals());
   }
+}
+
+Subcontract& ProjectBuilder::addSubcontract(std::int64_t id) {
+  auto* entry = new Subcontract(use(id));
+  project_.subcontracts_->rows().append(scoped_refptr<Record>(entry));
+  return *entry;
+}
+
+void ProjectBuilder::assign(Subcontract& entry, Bill& bill, std::int64_t id) {
+  entry.rows().append(scoped_refptr<Record>(new SubcontractBill(use(id), bill)));
+  project_.subcontractsOfBills_[&bill].push_back(&entry);
+}
+
+void ProjectBuilder::finishSubcontracts() {
+  // Nothing can be shown of a project whose figures do not fit.
+  project_.subcontractTotals();
 }
 
 IndirectFeeGroup& ProjectBuilder::addFeeGroup(IndirectFeeGroup* parent, std::int64_t id) {

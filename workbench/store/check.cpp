@@ -34,6 +34,7 @@ class Checker {
     resourceItems();
     totals();
     fees();
+    subcontracts();
     money();
   }
 
@@ -230,8 +231,8 @@ class Checker {
   void resourceItems() {
     QSqlQuery query = rows(QStringLiteral(
         "SELECT id, unit_work_id, category, code, name, unit, quantity, price, tax_rate,"
-        " budget_amount, excluded_amount, included_amount, own_quantity, associated"
-        " FROM resource_item"));
+        " budget_amount, excluded_amount, included_amount, own_quantity, associated, linked,"
+        " subcontract_id FROM resource_item"));
     while (query.next()) {
       ++report_.resourceItems;
       const qint64 id = query.value(0).toLongLong();
@@ -264,6 +265,8 @@ class Checker {
         amounts.excluded += costing::excludedTaxAmount(billQuantity, linePrice);
         amounts.included += costing::includedTaxAmount(billQuantity, linePrice, taxRate);
       }
+      // Only what is linked and not collected counts in cost.
+      if (query.value(14).toInt() == 0 || !query.isNull(15)) amounts = {};
       compare(where + QStringLiteral("的不含税合价"), stored.excluded, amounts.excluded);
       compare(where + QStringLiteral("的含税合价"), stored.included, amounts.included);
       computed_[{query.value(1).toLongLong(), query.value(2).toInt()}] += stored;
@@ -350,6 +353,57 @@ class Checker {
       } catch (const costing::ExpressionError& error) {
         find(where + QStringLiteral("的成本基数计算式有误：") + QString::fromUtf8(error.what()));
       }
+    }
+  }
+
+  void subcontracts() {
+    struct Bills {
+      Decimal quantity;
+      QSet<QString> units;
+    };
+    QHash<qint64, Bills> bills;
+    for (QSqlQuery query = rows(QStringLiteral("SELECT s.subcontract_id, b.unit, b.quantity,"
+                                               " b.cost_quantity, b.code, b.name"
+                                               " FROM subcontract_bill s"
+                                               " JOIN bill b ON b.id = s.bill_id"));
+         query.next();) {
+      Bills& of = bills[query.value(0).toLongLong()];
+      of.units.insert(query.value(1).toString());
+      of.quantity += number(query.value(query.isNull(3) ? 2 : 3),
+                            QStringLiteral("清单 %1 %2 的工程量")
+                                .arg(query.value(4).toString(), query.value(5).toString()));
+    }
+    QSqlQuery query =
+        rows(QStringLiteral("SELECT id, code, name, unit, metering, price, tax_rate, quantity,"
+                            " quantity_now, excluded_amount, included_amount FROM subcontract"));
+    while (query.next()) {
+      const QString where =
+          QStringLiteral("分包 %1 %2 的").arg(query.value(1).toString(), query.value(2).toString());
+      const auto metering = static_cast<records::MeteringMethod>(query.value(4).toInt());
+      const Decimal price = number(query.value(5), where + QStringLiteral("单价"));
+      const Decimal taxRate = number(query.value(6), where + QStringLiteral("税率"));
+      const Decimal typed = number(query.value(7), where + QStringLiteral("数量"));
+      const Bills& of = bills[query.value(0).toLongLong()];
+      Decimal quantity = typed;
+      if (metering == records::MeteringMethod::LumpSum) quantity = 1;
+      if (metering == records::MeteringMethod::ByBills) {
+        quantity = of.quantity;
+        QSet<QString> others = of.units;
+        others.remove(query.value(3).toString());
+        if (!others.isEmpty()) {
+          find(where + QStringLiteral("单位“%1”与其清单的单位“%2”不同，工程量不能相加")
+                           .arg(query.value(3).toString(),
+                                QStringList(others.values()).join(QStringLiteral("、"))));
+        }
+      }
+      if (query.value(2).toString().isEmpty()) find(where + QStringLiteral("名称为空"));
+      if (price.isNegative()) find(where + QStringLiteral("单价为负数"));
+      compare(where + QStringLiteral("计量数量"), number(query.value(8), where), quantity);
+      const Decimal amount = costing::excludedTaxAmount(quantity, price);
+      compare(where + QStringLiteral("不含税合价"), number(query.value(9), where), amount);
+      compare(where + QStringLiteral("含税合价"), number(query.value(10), where),
+              costing::includedTaxAmount(quantity, price, taxRate));
+      subcontracts_ += amount;
     }
   }
 
@@ -456,6 +510,10 @@ class Checker {
     }
     report_.money +=
         QStringLiteral("间接费成本：计算 %1\n").arg(QString::fromStdString(feeCosts_.toString(2)));
+    if (!subcontracts_.isZero()) {
+      report_.money += QStringLiteral("分包成本：计算 %1\n")
+                           .arg(QString::fromStdString(subcontracts_.toString(2)));
+    }
   }
 
   /// A bill in a cost item, where anything was said about it.
@@ -485,7 +543,7 @@ class Checker {
   QHash<QPair<qint64, int>, Totals> computed_;  // unit work (0: the project), category (-1: all)
   QHash<qint64, Decimal> billIncomes_;          // of a unit work; 0: the project
   Decimal area_;
-  Decimal fees_, feeCosts_;
+  Decimal fees_, feeCosts_, subcontracts_;
 };
 
 }  // namespace

@@ -93,14 +93,17 @@ std::vector<QVariant> itemCells(const records::Project& project, const records::
           cell(item.priceAdjustable()),
           cell(item.associated()),
           cell(item.annotation()),
+          cell(item.linked()),
+          idOf(item.subcontract()),
           cell(item.id())};
 }
 
 constexpr char InsertItem[] =
     "INSERT INTO resource_item (unit_work_id, category, position, account_id, code, name, spec,"
     " unit, quantity, own_quantity, price, tax_rate, budget_amount, excluded_amount,"
-    " included_amount, owner_supplied, provisional, price_adjustable, associated, annotation, id)"
-    " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+    " included_amount, owner_supplied, provisional, price_adjustable, associated, annotation,"
+    " linked, subcontract_id, id)"
+    " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
 constexpr char InsertPooling[] =
     "INSERT INTO pooling (quantity, budget_item_id, resource_item_id) VALUES (?, ?, ?)";
 constexpr char InsertLine[] =
@@ -172,7 +175,51 @@ constexpr char UpdateItem[] =
     " code = ?, name = ?, spec = ?, unit = ?, quantity = ?, own_quantity = ?, price = ?,"
     " tax_rate = ?, budget_amount = ?, excluded_amount = ?, included_amount = ?, owner_supplied = "
     "?,"
-    " provisional = ?, price_adjustable = ?, associated = ?, annotation = ? WHERE id = ?";
+    " provisional = ?, price_adjustable = ?, associated = ?, annotation = ?, linked = ?,"
+    " subcontract_id = ? WHERE id = ?";
+
+constexpr char InsertSubcontract[] =
+    "INSERT INTO subcontract (position, code, name, features, unit, contract_type, metering,"
+    " attachment, content_quota, price_expiry_date, applicable_area, remark, price, tax_rate,"
+    " quantity, account_id, quantity_now, excluded_amount, included_amount, id)"
+    " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+constexpr char UpdateSubcontract[] =
+    "UPDATE subcontract SET position = ?, code = ?, name = ?, features = ?, unit = ?,"
+    " contract_type = ?, metering = ?, attachment = ?, content_quota = ?, price_expiry_date = ?,"
+    " applicable_area = ?, remark = ?, price = ?, tax_rate = ?, quantity = ?, account_id = ?,"
+    " quantity_now = ?, excluded_amount = ?, included_amount = ? WHERE id = ?";
+constexpr char InsertSubcontractBill[] =
+    "INSERT INTO subcontract_bill (id, subcontract_id, bill_id, position) VALUES (?, ?, ?, ?)";
+
+std::vector<QVariant> subcontractCells(const records::Subcontract& entry) {
+  return {cell(entry.row()),
+          cell(entry.code),
+          cell(entry.name),
+          cell(entry.features),
+          cell(entry.unit),
+          cell(entry.contractType),
+          cell(static_cast<int>(entry.metering)),
+          cell(entry.attachment),
+          cell(entry.contentQuota),
+          cell(entry.priceExpiryDate),
+          cell(entry.applicableArea),
+          cell(entry.remark),
+          cell(entry.price),
+          cell(entry.taxRate),
+          cell(entry.quantity),
+          idOf(entry.account),
+          cell(entry.quantityNow()),
+          cell(entry.amount()),
+          cell(entry.includedAmount()),
+          cell(entry.id())};
+}
+
+void insertSubcontractBills(Statement& insert, const records::Subcontract& entry) {
+  for (int row = 0; row < entry.rows().size(); ++row) {
+    const records::SubcontractBill& bill = entry.billAt(row);
+    insert.run({cell(bill.id()), cell(entry.id()), cell(bill.bill.id()), cell(row)});
+  }
+}
 
 struct FactRow {
   const char* name;
@@ -223,8 +270,8 @@ class Writer {
     facts();
     accounts(project_.accounts().rows(), nullptr);
     structure(project_.structure().rows(), nullptr);
-    return bills(project_.structure().rows()) && items() && budgetItems() && totals() && fees() &&
-           bookings();
+    return bills(project_.structure().rows()) && subcontracts() && items() && budgetItems() &&
+           totals() && fees() && bookings();
   }
 
  private:
@@ -298,6 +345,17 @@ class Writer {
       return true;
     };
     return write(rows);
+  }
+
+  bool subcontracts() {
+    Statement insert(database_, InsertSubcontract);
+    Statement insertBill(database_, InsertSubcontractBill);
+    for (int row = 0; row < project_.subcontracts().size(); ++row) {
+      const auto& entry = *static_cast<records::Subcontract*>(project_.subcontracts().member(row));
+      insert.run(subcontractCells(entry));
+      insertSubcontractBills(insertBill, entry);
+    }
+    return true;
   }
 
   bool items() {
@@ -483,10 +541,13 @@ class Reader {
     accounts();
     structure();
     pooledIds();
-    if (!bills() || !items() || !budgetItems()) return false;
+    if (!bills()) return false;
+    subcontracts();
+    if (!items() || !budgetItems()) return false;
     fees();
     quantityLines();
     bookings();
+    builder_.finishSubcontracts();
     return true;
   }
 
@@ -588,11 +649,40 @@ class Reader {
     return true;
   }
 
+  void subcontracts() {
+    Rows rows(database_, "subcontract",
+              "id, code, name, features, unit, contract_type, attachment, content_quota,"
+              " price_expiry_date, applicable_area, remark, metering, price, tax_rate, quantity,"
+              " account_id",
+              "position");
+    while (rows.next()) {
+      const std::int64_t id = rows.id();
+      records::Subcontract& entry = builder_.addSubcontract(id);
+      texts(rows, entry.code, entry.name, entry.features, entry.unit, entry.contractType);
+      texts(rows, entry.attachment, entry.contentQuota, entry.priceExpiryDate, entry.applicableArea,
+            entry.remark);
+      entry.metering =
+          static_cast<records::MeteringMethod>(rows.number(0, records::MeteringMethodCount - 1));
+      entry.price = rows.decimal();
+      entry.taxRate = rows.decimal();
+      entry.quantity = rows.decimal();
+      entry.account = rows.reference(accounts_);
+      subcontracts_[id] = &entry;
+    }
+    Rows bills(database_, "subcontract_bill", "id, subcontract_id, bill_id",
+               "subcontract_id, position");
+    while (bills.next()) {
+      const std::int64_t id = bills.id();
+      records::Subcontract& entry = bills.required(subcontracts_);
+      builder_.assign(entry, bills.required(bills_), id);
+    }
+  }
+
   bool items() {
     Rows rows(database_, "resource_item",
               "id, unit_work_id, category, position, account_id, code, name, spec, unit,"
               " quantity, price, tax_rate, budget_amount, owner_supplied, provisional,"
-              " price_adjustable, annotation",
+              " price_adjustable, annotation, linked, subcontract_id",
               "unit_work_id, category, position");
     while (rows.next()) {
       records::ResourceItemData data;
@@ -611,6 +701,8 @@ class Reader {
       data.provisional = rows.flag();
       data.priceAdjustable = rows.flag();
       texts(rows, data.annotation);
+      data.linked = rows.flag();
+      data.subcontract = rows.reference(subcontracts_);
       items_[data.id] = &builder_.addItem(unitWork, data);
       if (!counted()) return false;
     }
@@ -755,6 +847,7 @@ class Reader {
   std::unordered_map<std::int64_t, records::Bill*> bills_;
   std::vector<std::pair<records::Bill*, Decimal>> costQuantities_;
   std::unordered_map<std::int64_t, records::ResourceItem*> items_;
+  std::unordered_map<std::int64_t, records::Subcontract*> subcontracts_;
   std::unordered_map<std::int64_t, records::BudgetItem*> budgetItems_;  // those that are pooled
   qint64 rows_ = 0;
 };
@@ -778,6 +871,9 @@ void writeChanges(Database& database, records::Project& project,
   std::set<std::pair<const records::BudgetItem*, records::ResourceItem*>> poolings;
   std::set<std::pair<records::ResourceItem*, const records::Bill*>> lines;
   std::set<const records::Bill*> bills;
+  std::set<const records::Subcontract*> entries;
+  std::set<const records::Subcontract*> assignments;  // entries with other bills than before
+  bool entriesMoved = false;
   std::set<const records::IndirectFeeItem*> fees;
   std::set<const records::IndirectFeeGroup*> feeGroups;  // with other rows than before
   const records::Bookings& bookings = project.bookings();
@@ -805,6 +901,9 @@ void writeChanges(Database& database, records::Project& project,
       bills.insert(edit->bill);
       if (edit->before.costQuantity == edit->after.costQuantity) continue;
       for (records::ResourceItem* item : bookings.itemsOf(*edit->bill)) touch(item);
+      for (const records::Subcontract* entry : project.subcontractsOf(*edit->bill)) {
+        entries.insert(entry);
+      }
     } else if (const auto* fee = std::get_if<records::SetFee>(&change)) {
       fees.insert(fee->item.get());
     } else if (const auto* addedFee = std::get_if<records::AddFee>(&change)) {
@@ -813,6 +912,26 @@ void writeChanges(Database& database, records::Project& project,
     } else if (const auto* removedFee = std::get_if<records::RemoveFee>(&change)) {
       fees.insert(removedFee->item.get());
       feeGroups.insert(removedFee->group);
+    } else if (const auto* collection = std::get_if<records::SetCollection>(&change)) {
+      touch(collection->item.get());
+    } else if (const auto* entry = std::get_if<records::SetSubcontract>(&change)) {
+      entries.insert(entry->entry.get());
+    } else if (const auto* addedEntry = std::get_if<records::AddSubcontract>(&change)) {
+      entries.insert(addedEntry->entry.get());
+      assignments.insert(addedEntry->entry.get());
+      entriesMoved = true;
+    } else if (const auto* removedEntry = std::get_if<records::RemoveSubcontract>(&change)) {
+      entries.insert(removedEntry->entry.get());
+      assignments.insert(removedEntry->entry.get());
+      entriesMoved = true;
+    } else if (std::holds_alternative<records::MoveSubcontract>(change)) {
+      entriesMoved = true;
+    } else if (const auto* assigned = std::get_if<records::AssignBill>(&change)) {
+      entries.insert(assigned->entry.get());
+      assignments.insert(assigned->entry.get());
+    } else if (const auto* unassigned = std::get_if<records::UnassignBill>(&change)) {
+      entries.insert(unassigned->entry.get());
+      assignments.insert(unassigned->entry.get());
     } else {
       for (const auto& place : std::get<records::Reposition>(change).places) {
         touch(place.item.get());
@@ -821,6 +940,27 @@ void writeChanges(Database& database, records::Project& project,
   }
 
   // Each row after those it refers to; what goes, before them.
+  const auto isThere = [&project](const records::Subcontract* entry) {
+    return project.subcontracts().member(entry->row()) == entry;
+  };
+  if (entriesMoved) {
+    for (int row = 0; row < project.subcontracts().size(); ++row) {
+      entries.insert(static_cast<records::Subcontract*>(project.subcontracts().member(row)));
+    }
+  }
+  Statement updateEntry(database, UpdateSubcontract);
+  Statement insertEntry(database, InsertSubcontract);
+  for (const records::Subcontract* entry : entries) {
+    if (!isThere(entry)) continue;
+    const std::vector<QVariant> cells = subcontractCells(*entry);
+    if (updateEntry.run(cells) == 0) insertEntry.run(cells);
+  }
+  Statement removeAssignments(database, "DELETE FROM subcontract_bill WHERE subcontract_id = ?");
+  Statement insertAssignment(database, InsertSubcontractBill);
+  for (const records::Subcontract* entry : assignments) {
+    removeAssignments.run({cell(entry->id())});
+    if (isThere(entry)) insertSubcontractBills(insertAssignment, *entry);
+  }
   const auto isGone = [](const records::ResourceItem* item) { return item->group() == nullptr; };
   Statement update(database, UpdateItem);
   Statement insert(database, InsertItem);
@@ -856,6 +996,10 @@ void writeChanges(Database& database, records::Project& project,
   Statement remove(database, "DELETE FROM resource_item WHERE id = ?");
   for (const records::ResourceItem* item : items) {
     if (isGone(item)) remove.run({cell(item->id())});
+  }
+  Statement removeEntry(database, "DELETE FROM subcontract WHERE id = ?");
+  for (const records::Subcontract* entry : entries) {
+    if (!isThere(entry)) removeEntry.run({cell(entry->id())});
   }
 
   for (const records::IndirectFeeGroup* group : feeGroups) {

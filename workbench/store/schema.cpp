@@ -123,11 +123,40 @@ QStringList toVersion4() {
   };
 }
 
+// Subcontracts. Until now every item counted in cost.
+QStringList toVersion5() {
+  return {
+      // What follows (quantity_now and the amounts) is stored like the amounts of items.
+      QStringLiteral("CREATE TABLE subcontract ("
+                     " id integer NOT NULL PRIMARY KEY, position integer NOT NULL,"
+                     " code text NOT NULL, name text NOT NULL, features text NOT NULL,"
+                     " unit text NOT NULL, contract_type text NOT NULL, metering integer NOT NULL,"
+                     " attachment text NOT NULL, content_quota text NOT NULL,"
+                     " price_expiry_date text NOT NULL, applicable_area text NOT NULL,"
+                     " remark text NOT NULL, price text NOT NULL, tax_rate text NOT NULL,"
+                     " quantity text NOT NULL, account_id integer REFERENCES cost_account (id),"
+                     " quantity_now text NOT NULL, excluded_amount text NOT NULL,"
+                     " included_amount text NOT NULL)"),
+      QStringLiteral("CREATE TABLE subcontract_bill ("
+                     " id integer NOT NULL PRIMARY KEY,"
+                     " subcontract_id integer NOT NULL REFERENCES subcontract (id),"
+                     " bill_id integer NOT NULL REFERENCES bill (id), position integer NOT NULL,"
+                     " UNIQUE (subcontract_id, bill_id))"),
+      QStringLiteral("ALTER TABLE resource_item ADD COLUMN linked integer NOT NULL DEFAULT 1"),
+      QStringLiteral("ALTER TABLE resource_item ADD COLUMN subcontract_id integer"
+                     " REFERENCES subcontract (id)"),
+      // Looked up when an entry goes.
+      QStringLiteral("CREATE INDEX resource_item_subcontract ON resource_item (subcontract_id)"
+                     " WHERE subcontract_id IS NOT NULL"),
+  };
+}
+
 }  // namespace
 
 void migrate(Database& database, int version) {
-  const std::vector<QStringList> steps = {toVersion1(), toVersion2(), toVersion3(), toVersion4()};
-  static_assert(SchemaVersion == 4, "each version has its step above");
+  const std::vector<QStringList> steps = {toVersion1(), toVersion2(), toVersion3(), toVersion4(),
+                                          toVersion5()};
+  static_assert(SchemaVersion == 5, "each version has its step above");
   for (std::size_t step = static_cast<std::size_t>(version); step < steps.size(); ++step) {
     for (const QString& statement : steps[step]) database.run(statement);
   }
