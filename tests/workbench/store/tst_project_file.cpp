@@ -57,6 +57,14 @@ void book(tests::ProjectFixture& fixture) {
       project.pool(from, item, project.remaining(from) / 3);
       break;
     }
+    // And gives the second item to a subcontract, next to its own bill.
+    records::SubcontractData data;
+    data.name = project.texts.intern("分包");
+    data.unit = static_cast<const records::Bill*>(at)->unit;
+    data.price = Decimal(12);
+    records::Subcontract& entry = project.addSubcontract(data);
+    project.assign(entry, {const_cast<records::Bill*>(static_cast<const records::Bill*>(at))});
+    project.collect(fixture.item(0, Category::Material, 1), entry);
   }
   fixture.close();
 }
@@ -174,9 +182,14 @@ class ProjectFileTest : public QObject {
     const QStringList fourth{"ALTER TABLE fee_item DROP COLUMN cost_base",
                              "ALTER TABLE fee_item DROP COLUMN cost_rate",
                              "ALTER TABLE fee_item DROP COLUMN cost_amount"};
-    row("1", fourth + third + second + QStringList{"PRAGMA user_version = 1"});
-    row("2", fourth + third + QStringList{"PRAGMA user_version = 2"});
-    row("3", fourth + QStringList{"PRAGMA user_version = 3"});
+    const QStringList fifth{"DROP INDEX resource_item_subcontract",
+                            "ALTER TABLE resource_item DROP COLUMN subcontract_id",
+                            "ALTER TABLE resource_item DROP COLUMN linked",
+                            "DROP TABLE subcontract_bill", "DROP TABLE subcontract"};
+    row("1", fifth + fourth + third + second + QStringList{"PRAGMA user_version = 1"});
+    row("2", fifth + fourth + third + QStringList{"PRAGMA user_version = 2"});
+    row("3", fifth + fourth + QStringList{"PRAGMA user_version = 3"});
+    row("4", fifth + QStringList{"PRAGMA user_version = 4"});
   }
   void opensFilesOfEarlierVersions() {
     QFETCH(QStringList, statements);
@@ -452,6 +465,12 @@ class ProjectFileTest : public QObject {
     row("price below 0", "UPDATE bill_line SET price = '-7.5'", "分包单价为负数");
     row("mark gone", "UPDATE resource_item SET associated = 0", "关联标记");
     row("mark of nothing", "UPDATE resource_item SET associated = 1", "关联标记");
+    row("item given away", "UPDATE resource_item SET subcontract_id = NULL", "的不含税合价");
+    row("item not linked", "UPDATE resource_item SET linked = 0" + one.arg("resource_item"),
+        "的含税合价");
+    row("subcontract's price", "UPDATE subcontract SET price = '13'", "分包  分包 的不含税合价");
+    row("subcontract's bills", "DELETE FROM subcontract_bill", "的计量数量");
+    row("unit of a subcontract", "UPDATE subcontract SET unit = 'x'", "工程量不能相加");
     row("own quantity", "UPDATE resource_item SET own_quantity = '5'" + one.arg("resource_item"),
         "的自有数量");
   }
