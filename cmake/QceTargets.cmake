@@ -72,7 +72,7 @@ function(qce_install_package)
   include(CMakePackageConfigHelpers)
   install(TARGETS qce_contract qce_host_widgets qce EXPORT qceTargets
           LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-  install(DIRECTORY host framework project resitem pooling engineering
+  install(DIRECTORY host framework project resitem pooling engineering destructors
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qce FILES_MATCHING PATTERN "*.h")
   install(DIRECTORY ${CMAKE_BINARY_DIR}/generated/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qce
           FILES_MATCHING PATTERN "*.h")

@@ -6,15 +6,12 @@
 namespace gui {
 
 /// The delegate of the module's sub-engineering page: the editors of gui::SubEngineeringDelegate on
-/// the module's columns, and a list for a cell that takes some texts only (domain::ChoicesRole).
+/// the module's columns.
 class QCE_EXPORT QCESubEngineeringDelegate : public SubEngineeringDelegate {
   Q_OBJECT
 
  public:
   explicit QCESubEngineeringDelegate(QObject* parent = nullptr);
-
-  QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
-                        const QModelIndex& index) const override;
 
  protected:
   std::string GetCodeField() const override;

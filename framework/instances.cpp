@@ -16,5 +16,9 @@ template class TFilterViewModel<abst::qce::QCEResItemBillFilterModel>;
 template class TViewModel<abst::SubEngineeringModel>;
 template class TFilterViewModel<abst::SubEngineeringFilterModel>;
 template class TViewModel<abst::qce::QCEFeeSummaryNavigationModel>;
+template class TViewModel<abst::qce::destructors::DesSetSubcontractModel>;
+template class TViewModel<abst::qce::destructors::DesSetSubcontractCollectModel>;
+template class TViewModel<abst::qce::destructors::DesSetSubcontractAssociationBillModel>;
+template class TFilterViewModel<abst::qce::destructors::DesSetSubcontractAssociationBillFilterModel>;
 
 }  // namespace gui

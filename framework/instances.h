@@ -7,6 +7,9 @@
 #include "framework/view_model.h"
 #include "host/abst/qce/association_bill_left_model.h"
 #include "host/abst/qce/association_bill_right_filter_model.h"
+#include "host/abst/qce/destructors/des_set_subcontract_association_bill_filter_model.h"
+#include "host/abst/qce/destructors/des_set_subcontract_collect_model.h"
+#include "host/abst/qce/destructors/des_set_subcontract_model.h"
 #include "host/abst/qce/fee_summary_navigation_model.h"
 #include "host/abst/qce/indirect_fee_left_model.h"
 #include "host/abst/qce/indirect_fee_right_model.h"
@@ -35,5 +38,9 @@ extern template class QCE_EXPORT TFilterViewModel<abst::qce::QCEResItemBillFilte
 extern template class QCE_EXPORT TViewModel<abst::SubEngineeringModel>;
 extern template class QCE_EXPORT TFilterViewModel<abst::SubEngineeringFilterModel>;
 extern template class QCE_EXPORT TViewModel<abst::qce::QCEFeeSummaryNavigationModel>;
+extern template class QCE_EXPORT TViewModel<abst::qce::destructors::DesSetSubcontractModel>;
+extern template class QCE_EXPORT TViewModel<abst::qce::destructors::DesSetSubcontractCollectModel>;
+extern template class QCE_EXPORT TViewModel<abst::qce::destructors::DesSetSubcontractAssociationBillModel>;
+extern template class QCE_EXPORT TFilterViewModel<abst::qce::destructors::DesSetSubcontractAssociationBillFilterModel>;
 
 }  // namespace gui

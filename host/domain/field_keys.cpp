@@ -21,6 +21,14 @@ const std::string BRIProvisional = "BRIProvisional";  // an older key, without t
 const std::string BRIPriceAdjustable = "QCE_BRIPriceAdjustable";
 const std::string BRIComment = "QCE_BRIComment";
 
+const std::string BRIContractType = "QCE_BRIContractType";
+const std::string BRIMeteringMethod = "QCE_BRIMeteringMethod";
+const std::string BRIContractAttachment = "QCE_BRIContractAttachment";
+const std::string BRIContentQuota = "QCE_BRIContentQuota";
+const std::string BRIPriceExpiryDate = "QCE_BRIPriceExpiryDate";
+const std::string BRIApplicableArea = "QCE_BRIApplicableArea";
+const std::string BRICollectedItems = "QCE_BRICollectedItems";
+
 const std::string NPChoose = "QCE_NPChoose";
 const std::string NPType = "QCE_NPType";
 const std::string NPCode = "QCE_NPCode";

@@ -30,6 +30,15 @@ QCE_CONTRACT_EXPORT extern const std::string BRIProvisional;      ///< bool: pro
 QCE_CONTRACT_EXPORT extern const std::string BRIPriceAdjustable;  ///< bool: price adjustable
 QCE_CONTRACT_EXPORT extern const std::string BRIComment;          ///< annotation (批注)
 
+// Subcontract entries, beside the keys above.
+QCE_CONTRACT_EXPORT extern const std::string BRIContractType;        ///< see qce/contract_types.h
+QCE_CONTRACT_EXPORT extern const std::string BRIMeteringMethod;      ///< 计量方式
+QCE_CONTRACT_EXPORT extern const std::string BRIContractAttachment;  ///< 合同附件
+QCE_CONTRACT_EXPORT extern const std::string BRIContentQuota;        ///< what the price contains
+QCE_CONTRACT_EXPORT extern const std::string BRIPriceExpiryDate;     ///< yyyy-MM-dd
+QCE_CONTRACT_EXPORT extern const std::string BRIApplicableArea;      ///< 适用地区
+QCE_CONTRACT_EXPORT extern const std::string BRICollectedItems;      ///< how many resource items
+
 // Pooling (归集) of budget resource items.
 QCE_CONTRACT_EXPORT extern const std::string NPChoose;  ///< check box; the model holds its state
 QCE_CONTRACT_EXPORT extern const std::string NPType;    ///< category (人工, 材料, ...)

@@ -2,6 +2,8 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QComboBox>
+#include <QCompleter>
 #include <QHelpEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
@@ -146,6 +148,18 @@ QSize StyledItemDelegate::sizeHint(const QStyleOptionViewItem& option,
 
 QWidget* StyledItemDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
                                           const QModelIndex& index) const {
+  const QStringList choices = index.data(domain::ChoicesRole).toStringList();
+  if (!choices.isEmpty()) {
+    // A part of the text finds the entry: there may be hundreds of them.
+    auto* box = new QComboBox(parent);
+    box->setFrame(false);
+    box->setEditable(true);
+    box->setInsertPolicy(QComboBox::NoInsert);
+    box->addItems(choices);
+    box->completer()->setCompletionMode(QCompleter::PopupCompletion);
+    box->completer()->setFilterMode(Qt::MatchContains);
+    return box;
+  }
   auto* editor = new QLineEdit(parent);
   editor->setFrame(false);
   editor->setAutoFillBackground(true);
@@ -161,6 +175,8 @@ void StyledItemDelegate::setEditorData(QWidget* editor, const QModelIndex& index
   auto* line = qobject_cast<QLineEdit*>(editor);
   if (line == nullptr) {
     QStyledItemDelegate::setEditorData(editor, index);
+    const auto* box = qobject_cast<QComboBox*>(editor);
+    if (box != nullptr && box->lineEdit() != nullptr) box->lineEdit()->selectAll();
     return;
   }
   // The model may change while the user types; what was typed stays.
@@ -173,6 +189,13 @@ void StyledItemDelegate::setEditorData(QWidget* editor, const QModelIndex& index
 
 void StyledItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
                                       const QModelIndex& index) const {
+  if (const auto* box = qobject_cast<QComboBox*>(editor)) {
+    const QString text = box->currentText();
+    const bool taken =
+        text == index.data(Qt::EditRole).toString() || model->setData(index, text, Qt::EditRole);
+    editor->setProperty(bwidgets::TreeGridView::RefusedProperty, !taken);
+    return;
+  }
   const auto* line = qobject_cast<QLineEdit*>(editor);
   if (line == nullptr) {
     QStyledItemDelegate::setModelData(editor, model, index);

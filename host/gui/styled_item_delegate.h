@@ -10,9 +10,10 @@ namespace gui {
 ///
 /// Asks the cell for role 137 (its field type): numbers stand to the right unless the model aligns
 /// them. Every value is edited in a plain line with its text selected; a number's line commits
-/// nothing else and tells so while it is typed. A text that was not changed is not written. A check
-/// box without a text stands in the middle; a click on it or Space toggles it. A text that does not
-/// fit its cell shows in full as its tool tip.
+/// nothing else and tells so while it is typed. A cell that takes some texts only
+/// (domain::ChoicesRole) gets a list of them, in which a part of the text finds the entry. A text
+/// that was not changed is not written. A check box without a text stands in the middle; a click on
+/// it or Space toggles it. A text that does not fit its cell shows in full as its tool tip.
 class QCE_HOST_WIDGETS_EXPORT StyledItemDelegate : public QStyledItemDelegate {
   Q_OBJECT
 

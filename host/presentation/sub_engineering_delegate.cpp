@@ -1,6 +1,5 @@
 #include "host/presentation/sub_engineering_delegate.h"
 
-#include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -81,8 +80,6 @@ void SubEngineeringDelegate::setEditorData(QWidget* editor, const QModelIndex& i
     return;
   }
   StyledItemDelegate::setEditorData(editor, index);
-  const auto* box = qobject_cast<QComboBox*>(editor);
-  if (box != nullptr && box->lineEdit() != nullptr) box->lineEdit()->selectAll();
   auto* line = qobject_cast<QLineEdit*>(editor);
   if (line != nullptr && refusedCell_.isValid() && refusedCell_ == index) {
     line->setText(refusedText_);
