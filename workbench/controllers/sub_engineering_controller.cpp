@@ -15,15 +15,30 @@ SubEngineeringController::~SubEngineeringController() {
   project_.removeObserver(this);
 }
 
-void SubEngineeringController::itemChanged(records::ResourceItem& /*item*/) {
+void SubEngineeringController::amountsChanged() {
   any_ = true;
   op_.forgetAmounts();  // a cell may be read before the step is over
 }
 
+void SubEngineeringController::itemChanged(records::ResourceItem& /*item*/) {
+  amountsChanged();
+}
+
 void SubEngineeringController::billChanged(records::Bill& bill) {
-  any_ = true;
-  op_.forgetAmounts();
+  amountsChanged();
   bills_.push_back(&bill);
+}
+
+void SubEngineeringController::subcontractChanged(records::Subcontract& /*entry*/) {
+  amountsChanged();
+}
+
+void SubEngineeringController::subcontractInserted() {
+  amountsChanged();
+}
+
+void SubEngineeringController::subcontractRemoved() {
+  amountsChanged();
 }
 
 void SubEngineeringController::stepFinished() {

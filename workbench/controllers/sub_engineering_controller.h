@@ -8,8 +8,8 @@
 
 namespace controllers {
 
-/// The way back from changed records to the page of bills: amounts follow from bills, cost items
-/// and bookings.
+/// The way back from changed records to the page of bills: amounts follow from bills, cost items,
+/// bookings and subcontracts.
 class SubEngineeringController : private records::Observer {
  public:
   /// Both must outlive the controller.
@@ -27,7 +27,12 @@ class SubEngineeringController : private records::Observer {
  private:
   void itemChanged(records::ResourceItem& item) override;
   void billChanged(records::Bill& bill) override;
+  void subcontractChanged(records::Subcontract& entry) override;
+  void subcontractInserted() override;
+  void subcontractRemoved() override;
   void stepFinished() override;
+
+  void amountsChanged();
 
   records::Project& project_;
   operators::SubEngineeringOperator& op_;

@@ -221,6 +221,7 @@ std::string explain(const SummaryLine& line) {
     case Kind::Structure:
     case Kind::Fees:
     case Kind::FeeGroup:
+    case Kind::Subcontracts:
       return text("下级各行之和。");
     case Kind::Element:
       return text("整个工程的" + records::nameOf(line.category) +
@@ -228,17 +229,19 @@ std::string explain(const SummaryLine& line) {
     case Kind::Margin:
       return text("收入为清单合价减去其人材机的预算合价；其成本列在间接费中。");
     case Kind::Bill:
-      return text("收入为清单合价，成本为清单在各成本工料机中的金额之和。");
+      return text("收入为清单合价，成本为清单在各成本工料机中的金额与其分包份额之和。");
     case Kind::LooseItems:
       return text("手工增加、没有清单的人材机。");
     case Kind::FeeItem:
       return text("间接费项目的金额。");
+    case Kind::Subcontract:
+      return text("分包的不含税合价；其清单和人材机的收入列在原处。");
     case Kind::Account:
-      return text("归入该成本科目及其下级科目的人材机和间接费。");
+      return text("归入该成本科目及其下级科目的人材机、间接费和分包。");
     case Kind::OwnAccount:
-      return text("直接归入该成本科目、不在其下级科目中的人材机和间接费。");
+      return text("直接归入该成本科目、不在其下级科目中的人材机、间接费和分包。");
     case Kind::NoAccount:
-      return text("没有成本科目的人材机和间接费。");
+      return text("没有成本科目的人材机、间接费和分包。");
     case Kind::Tax:
       return text("（清单合价 + 间接费）× 税率，代收代付，收入与成本相等。");
     case Kind::Rounding:

@@ -4,15 +4,64 @@ namespace records {
 
 using costing::Decimal;
 
+Decimal incomeOf(const Bill& bill) {
+  if (bill.amount) return bill.amount->value();
+  Decimal sum;
+  for (int row = 0; row < bill.rows().size(); ++row) {
+    const auto& item = *static_cast<const BudgetItem*>(bill.rows().at(row));
+    if (item.resourceItem != nullptr) sum += item.amount.value();
+  }
+  return sum;
+}
+
 BillCosts::BillCosts(const Project& project) : project_(project) {
   for (const ResourceItem* item : project_.bookings().touchedItems()) {
     for (const BillLine& line : project_.linesOf(*item)) booked_[line.bill] += line.excludedAmount;
   }
+  const RowList& entries = project_.subcontracts().rows();
+  for (int row = 0; row < entries.size(); ++row) {
+    share(*static_cast<const Subcontract*>(entries.at(row)));
+  }
+}
+
+void BillCosts::share(const Subcontract& entry) {
+  const int count = entry.rows().size();
+  std::vector<Decimal> weights;
+  weights.reserve(static_cast<std::size_t>(count));
+  const bool byQuantity = entry.metering == MeteringMethod::ByBills;
+  Decimal whole;
+  for (int row = 0; row < count; ++row) {
+    const Bill& bill = entry.billAt(row).bill;
+    weights.push_back(byQuantity ? bill.quantityForCost() : incomeOf(bill));
+    whole += weights.back();
+  }
+  if (!byQuantity && whole.isZero()) {
+    weights.assign(weights.size(), 1);
+    whole = count;
+  }
+  const Decimal amount = entry.amount();
+  Decimal upTo;
+  Decimal given;
+  for (int row = 0; row < count; ++row) {
+    upTo += weights[static_cast<std::size_t>(row)];
+    const bool last = row + 1 == count;
+    const Decimal until = last         ? amount
+                          : byQuantity ? costing::excludedTaxAmount(upTo, entry.price)
+                                       : costing::shareUpTo(amount, whole, upTo);
+    subcontracted_[&entry.billAt(row).bill] += until - given;
+    given = until;
+  }
+}
+
+Decimal BillCosts::subcontracted(const Bill& bill) const {
+  const auto found = subcontracted_.find(&bill);
+  return found != subcontracted_.end() ? found->second : Decimal();
 }
 
 Decimal BillCosts::of(const Bill& bill) const {
   const auto found = booked_.find(&bill);
-  Decimal cost = found != booked_.end() ? found->second : Decimal();
+  Decimal cost = subcontracted(bill);
+  if (found != booked_.end()) cost += found->second;
   const RowList& rows = bill.rows();
   for (int row = 0; row < rows.size(); ++row) {
     const auto& line = *static_cast<const BudgetItem*>(rows.at(row));

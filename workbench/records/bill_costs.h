@@ -6,18 +6,28 @@
 
 namespace records {
 
+/// What a bill brings: its amount, where the source prices bills, else those of its resources.
+costing::Decimal incomeOf(const Bill& bill);
+
 /// What the bills of a project cost, excluding tax, as the project is when this is made. A bill is
-/// the sum of its lines in all cost items, each rounded to 2 places.
+/// the sum of its lines in all cost items, each rounded to 2 places, and of its shares of the
+/// subcontract entries that it is assigned to.
 class BillCosts {
  public:
   /// The project must outlive it.
   explicit BillCosts(const Project& project);
 
   costing::Decimal of(const Bill& bill) const;
+  /// What of it are shares of subcontract entries. Those of all bills of an entry add up to its
+  /// amount.
+  costing::Decimal subcontracted(const Bill& bill) const;
 
  private:
+  void share(const Subcontract& entry);
+
   const Project& project_;
   std::unordered_map<const Bill*, costing::Decimal> booked_;  // in items that a booking has touched
+  std::unordered_map<const Bill*, costing::Decimal> subcontracted_;
 };
 
 }  // namespace records

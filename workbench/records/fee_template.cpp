@@ -16,6 +16,7 @@ using Source = FeeTemplate::Source;
 constexpr int MaxDepth = 8;
 constexpr char MarginName[] = "企业管理费和利润";
 constexpr char FeesName[] = "间接费";
+constexpr char SubcontractsName[] = "分包";
 constexpr char TaxName[] = "税金";
 
 [[noreturn]] void fail(const std::string& place, const std::string& what) {
@@ -61,7 +62,7 @@ costing::Decimal rateOf(const Json& rates, const char* key) {
 
 struct Reader {
   std::array<bool, CategoryCount> elements{};
-  bool margin = false, fees = false, tax = false;
+  bool margin = false, fees = false, subcontracts = false, tax = false;
 
   void take(bool& taken, const std::string& place, const std::string& source) {
     if (taken) fail(place, "的来源“" + source + "”已经被前面的行使用，请删去其中一行。");
@@ -86,6 +87,9 @@ struct Reader {
     if (source == MarginName) {
       take(margin, at, source);
       line.source = Source::Margin;
+    } else if (source == SubcontractsName) {
+      take(subcontracts, at, source);
+      line.source = Source::Subcontracts;
     } else if (source == TaxName) {
       take(tax, at, source);
       line.source = Source::Tax;
@@ -107,7 +111,7 @@ struct Reader {
     } else {
       fail(at, "的值“" + source +
                    "”未知，请改为下列之一：人工、材料、机械、主材、设备、企业管理费和利润、间接费、"
-                   "税金。");
+                   "分包、税金。");
     }
   }
 

@@ -23,7 +23,7 @@ class FeeTemplateError : public std::runtime_error {
 /// How the fees of a bid are set out (投标费用): a tree of lines, the leaves of which take the
 /// project's money from its sources, and the tax rates. docs/costing.md describes the file.
 struct FeeTemplate {
-  enum class Source { Element, Margin, Fees, Tax };
+  enum class Source { Element, Margin, Fees, Subcontracts, Tax };
   struct Line {
     std::string name;
     std::optional<Source> source;          ///< leaves only
@@ -39,7 +39,8 @@ struct FeeTemplate {
   bool rateOfTemplate = false;                   ///< even where the project has a rate of its own
 
   /// Reads the JSON text (UTF-8) of a template file.
-  /// @throws FeeTemplateError also when a source has no line or more than one
+  /// @throws FeeTemplateError also when a source has more than one line, or none (subcontracts can
+  /// do without)
   static FeeTemplate parse(std::string_view json);
 
   /// Per cent. The project's own rate counts where it names a method of taxation.

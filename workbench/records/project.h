@@ -106,6 +106,7 @@ class Project {
   Group& feeGroups() { return *feeGroups_; }
   /// The subcontract entries. Their rows are their stored places: a view must not order the group.
   Group& subcontracts() { return *subcontracts_; }
+  const Group& subcontracts() const { return *subcontracts_; }
   /// A row for each unit work, below it one for each category that has items, below these the
   /// items. Ordering this group is the order of a view: it is neither stored nor undone.
   Group& subProjects() { return *subProjects_; }

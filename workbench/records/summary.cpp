@@ -72,7 +72,15 @@ class Summarizer {
 
   SummaryLine bidFees() {
     readMargin();
-    for (const FeeTemplate::Line& line : template_.lines) addLine(total_, bidLine(line));
+    const auto subcontracts = FeeTemplate::Source::Subcontracts;
+    bool missing = project_.subcontracts().size() > 0;
+    for (const FeeTemplate::Line& line : template_.lines) missing &= !takes(line, subcontracts);
+    for (const FeeTemplate::Line& line : template_.lines) {
+      if (missing && takes(line, FeeTemplate::Source::Tax)) {
+        addLine(total_, subcontractsLine("分包", false));
+      }
+      addLine(total_, bidLine(line));
+    }
     return finish({});
   }
 
@@ -109,6 +117,8 @@ class Summarizer {
       addTax(ofProject, nullptr);
       addLine(total_, std::move(ofProject));
     }
+    SummaryLine unassigned = subcontractsLine("未分配到清单的分包", true);
+    if (!unassigned.lines.empty()) addLine(total_, std::move(unassigned));
     const Decimal once = taxOn(taxable) - taxes;
     return finish({once, once});
   }
@@ -127,6 +137,9 @@ class Summarizer {
     }
     forEachFee(project_.feeGroups().rows(),
                [this](const IndirectFeeItem& fee) { byAccount_[fee.account] += moneyOf(fee); });
+    forEachSubcontract([this](const Subcontract& entry) {
+      byAccount_[entry.account] += {Decimal(), entry.amount()};
+    });
     const RowList& tops = project_.accounts().rows();
     for (int row = 0; row < tops.size(); ++row) addAccount(total_, tops.at(row));
     const Money none = byAccount_[nullptr];
@@ -165,8 +178,20 @@ class Summarizer {
     return sum;
   }
 
-  static Decimal incomeOf(const Bill& bill, const Decimal& resources) {
-    return bill.amount ? bill.amount->value() : resources;
+  template <class Visit>
+  void forEachSubcontract(const Visit& visit) const {
+    const RowList& rows = project_.subcontracts().rows();
+    for (int row = 0; row < rows.size(); ++row) visit(*static_cast<Subcontract*>(rows.at(row)));
+  }
+
+  SummaryLine subcontractsLine(const std::string& name, bool onlyWithoutBills) const {
+    SummaryLine line = makeLine(Kind::Subcontracts, name, nullptr);
+    forEachSubcontract([&](Subcontract& entry) {
+      if (onlyWithoutBills && entry.rows().size() > 0) return;
+      addLine(line, makeLine(Kind::Subcontract, join(entry.code.str(), entry.name.str()), &entry,
+                             {{}, entry.amount()}));
+    });
+    return line;
   }
 
   void readMargin() {
@@ -176,6 +201,12 @@ class Summarizer {
   }
 
   // --- by bid fees
+
+  static bool takes(const FeeTemplate::Line& line, FeeTemplate::Source source) {
+    return line.source == source ||
+           std::any_of(line.lines.begin(), line.lines.end(),
+                       [&](const FeeTemplate::Line& below) { return takes(below, source); });
+  }
 
   SummaryLine bidLine(const FeeTemplate::Line& from) {
     if (!from.source) {
@@ -197,6 +228,8 @@ class Summarizer {
         return makeLine(Kind::Margin, from.name, nullptr, {margin_, {}});
       case FeeTemplate::Source::Fees:
         return feesLine(from);
+      case FeeTemplate::Source::Subcontracts:
+        return subcontractsLine(from.name, false);
       case FeeTemplate::Source::Tax:
         break;
     }
@@ -257,16 +290,17 @@ class Summarizer {
   /// Cost that is booked on bills, from the items that any booking has touched.
   SummaryLine unitWork(StructureNode& at) {
     SummaryLine line = makeLine(Kind::Structure, join(at.code, at.name), &at);
-    Decimal resources;  // those of the bills
-    addStructure(line, at.rows(), resources);
+    OfBills bills;
+    addStructure(line, at.rows(), bills);
 
     const costing::Totals& totals = project_.subProject(at)->totals();
-    Money loose{totals.budget - resources, {}};
+    Money loose{totals.budget - bills.resources, {}};
     for (int i = 0; i < CategoryCount; ++i) {
       const RowList& rows = project_.categoryGroup(at, static_cast<Category>(i))->rows();
       for (int row = 0; row < rows.size(); ++row) {
         const auto& item = *static_cast<ResourceItem*>(rows.at(row));
         const Bookings::Sums* sums = project_.bookings().sumsOf(item);
+        if (!item.counts()) continue;
         if (sums == nullptr) {
           if (!item.gathered()) loose.cost += item.excludedAmount().value();
         } else if (!sums->own.isZero()) {
@@ -274,7 +308,7 @@ class Summarizer {
         }
       }
     }
-    const Decimal rounding = totals.excluded - line.cost - loose.cost;
+    const Decimal rounding = totals.excluded - (line.cost - bills.subcontracted) - loose.cost;
     if (!loose.isZero()) {
       addLine(line, makeLine(Kind::LooseItems, "未列入清单的人材机", &at, loose));
     }
@@ -285,17 +319,22 @@ class Summarizer {
     return line;
   }
 
-  void addStructure(SummaryLine& parent, const RowList& rows, Decimal& resources) const {
+  /// Money of the bills below a unit work that comes from or goes elsewhere.
+  struct OfBills {
+    Decimal resources, subcontracted;
+  };
+
+  void addStructure(SummaryLine& parent, const RowList& rows, OfBills& sums) const {
     for (int row = 0; row < rows.size(); ++row) {
       if (auto* bill = dynamic_cast<Bill*>(rows.at(row))) {
-        const Decimal own = resourcesOf(*bill);
-        resources += own;
+        sums.resources += resourcesOf(*bill);
+        sums.subcontracted += costs_->subcontracted(*bill);
         addLine(parent, makeLine(Kind::Bill, join(bill->code.str(), bill->name.str()), bill,
-                                 {incomeOf(*bill, own), costs_->of(*bill)}));
+                                 {incomeOf(*bill), costs_->of(*bill)}));
       } else {
         auto& section = *static_cast<StructureNode*>(rows.at(row));
         SummaryLine line = makeLine(Kind::Structure, join(section.code, section.name), &section);
-        addStructure(line, section.rows(), resources);
+        addStructure(line, section.rows(), sums);
         addLine(parent, std::move(line));
       }
     }

@@ -12,21 +12,23 @@ namespace records {
 struct SummaryLine {
   /// What stands behind the line; the comment says which `source` it has.
   enum class Kind {
-    Total,       ///< the whole project; null
-    Heading,     ///< a line of the fee template with lines below it; null
-    Element,     ///< the resource items of `category`; null
-    Margin,      ///< bills less their resources: overhead and profit; null
-    Structure,   ///< single project, unit work or section; the StructureNode
-    Bill,        ///< the Bill
-    LooseItems,  ///< resource items of a unit work that no bill stands behind; the StructureNode
-    Fees,        ///< indirect fees below a heading of their own; null
-    FeeGroup,    ///< the IndirectFeeGroup
-    FeeItem,     ///< the IndirectFeeItem
-    Account,     ///< the CostAccount, with what lies below it
-    OwnAccount,  ///< what an account with others below it has itself; the CostAccount
-    NoAccount,   ///< what has no cost account; null
-    Tax,         ///< the StructureNode of a unit work; null for the project
-    Rounding,    ///< what rounding at each line makes up against rounding once; as for Tax
+    Total,         ///< the whole project; null
+    Heading,       ///< a line of the fee template with lines below it; null
+    Element,       ///< the resource items of `category`; null
+    Margin,        ///< bills less their resources: overhead and profit; null
+    Structure,     ///< single project, unit work or section; the StructureNode
+    Bill,          ///< the Bill
+    LooseItems,    ///< resource items of a unit work that no bill stands behind; the StructureNode
+    Fees,          ///< indirect fees below a heading of their own; null
+    FeeGroup,      ///< the IndirectFeeGroup
+    FeeItem,       ///< the IndirectFeeItem
+    Subcontracts,  ///< subcontract entries; null
+    Subcontract,   ///< the Subcontract
+    Account,       ///< the CostAccount, with what lies below it
+    OwnAccount,    ///< what an account with others below it has itself; the CostAccount
+    NoAccount,     ///< what has no cost account; null
+    Tax,           ///< the StructureNode of a unit work; null for the project
+    Rounding,      ///< what rounding at each line makes up against rounding once; as for Tax
   };
 
   Kind kind = Kind::Total;

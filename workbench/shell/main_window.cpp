@@ -505,9 +505,13 @@ void MainWindow::refreshTotals() {
     return;
   }
   const Session::Totals totals = session_->totals();
+  const QString subcontracts = totals.subcontracts.isEmpty()
+                                   ? QString()
+                                   : QStringLiteral("　　分包成本 ") + totals.subcontracts;
   totals_->setText(
-      QStringLiteral("预算合价 %1　　不含税成本合计 %2　　含税合计 %3　　间接费成本 %4　　共 %5 项")
-          .arg(totals.budget, totals.excludingTax, totals.includingTax, totals.fees)
+      QStringLiteral(
+          "预算合价 %1　　不含税成本合计 %2　　含税合计 %3　　间接费成本 %4%5　　共 %6 项")
+          .arg(totals.budget, totals.excludingTax, totals.includingTax, totals.fees, subcontracts)
           .arg(totals.items));
 }
 

@@ -130,6 +130,8 @@ QString sourceOf(const records::FeeTemplate::Line& line) {
       return names.isEmpty() ? QStringLiteral("间接费中未列在其他行的费用组")
                              : QStringLiteral("名称含“%1”的费用组").arg(names.join("”或“"));
     }
+    case Source::Subcontracts:
+      return QStringLiteral("各分包的不含税合价");
     case Source::Tax:
       return QStringLiteral("（清单合价 + 间接费）× 税率");
   }

@@ -46,8 +46,14 @@ QString Session::type() const {
 
 Session::Totals Session::totals() const {
   const costing::Totals& sums = project_->totals();
-  return {money(sums.budget), money(sums.excluded), money(sums.included),
-          money(project_->project().feeTotal()), project_->project().itemCount()};
+  const records::Project& project = project_->project();
+  const bool none = project.subcontracts().size() == 0;
+  return {money(sums.budget),
+          money(sums.excluded),
+          money(sums.included),
+          money(project.feeTotal()),
+          none ? QString() : money(project.subcontractTotals().excluded),
+          project.itemCount()};
 }
 
 bool Session::saveCopy(const QString& path, store::Failure& failure) {

@@ -54,7 +54,8 @@ class Session : public QObject {
     QString budget;
     QString excludingTax;
     QString includingTax;
-    QString fees;  ///< cost of the indirect fees
+    QString fees;          ///< cost of the indirect fees
+    QString subcontracts;  ///< cost of the subcontracts excluding tax; empty when there are none
     qint64 items = 0;
   };
   /// Hears how far opening is, 0 to 100; false cancels it.

@@ -46,6 +46,16 @@ Elements itemsOf(records::Project& project, const std::function<bool(ResourceIte
   return items;
 }
 
+/// The first subcontract entry for which `wanted` holds; null when there is none.
+records::Record* subcontractOf(records::Project& project,
+                               const std::function<bool(const records::Subcontract&)>& wanted) {
+  const records::RowList& rows = project.subcontracts().rows();
+  for (int row = 0; row < rows.size(); ++row) {
+    if (wanted(*static_cast<records::Subcontract*>(rows.at(row)))) return rows.at(row);
+  }
+  return nullptr;
+}
+
 /// The first fee for which `wanted` holds; null when there is none.
 records::Record* feeOf(const records::RowList& rows,
                        const std::function<bool(const records::IndirectFeeItem&)>& wanted) {
@@ -115,13 +125,15 @@ class Follower {
         return toFee(line.source);
       case Kind::Fees:
         return toFee(nullptr);
+      case Kind::Subcontract:
+      case Kind::Subcontracts:
+        return toSubcontract(line.source);
       case Kind::Account:
       case Kind::OwnAccount:
         return toAccount(*static_cast<records::CostAccount*>(line.source),
                          line.kind == Kind::OwnAccount);
       case Kind::NoAccount:
-        return toItems([](ResourceItem& item) { return item.account() == nullptr; },
-                       [](const records::IndirectFeeItem& fee) { return fee.account == nullptr; });
+        return toBooked([](const records::CostAccount* of) { return of == nullptr; });
       case Kind::Total:
       case Kind::Heading:
       case Kind::Tax:
@@ -160,12 +172,18 @@ class Follower {
     return true;
   }
 
-  bool toItems(const std::function<bool(ResourceItem&)>& isItem,
-               const std::function<bool(const records::IndirectFeeItem&)>& isFee) {
-    const Elements items = itemsOf(project_, isItem);
+  /// To what is booked on an account for which `isIn` holds: items, else a fee, else an entry.
+  bool toBooked(const std::function<bool(const records::CostAccount*)>& isIn) {
+    const Elements items =
+        itemsOf(project_, [&](ResourceItem& item) { return isIn(item.account()); });
     if (!items.empty()) return toResources(nullptr, {}, items);
-    records::Record* fee = feeOf(project_.feeGroups().rows(), isFee);
-    return fee != nullptr && toFee(fee);
+    records::Record* fee =
+        feeOf(project_.feeGroups().rows(),
+              [&](const records::IndirectFeeItem& each) { return isIn(each.account); });
+    if (fee != nullptr) return toFee(fee);
+    records::Record* entry = subcontractOf(
+        project_, [&](const records::Subcontract& each) { return isIn(each.account); });
+    return entry != nullptr && toSubcontract(entry);
   }
 
   bool toAccount(const records::CostAccount& account, bool alone) {
@@ -177,16 +195,23 @@ class Follower {
     if ((alone || account.childCount() == 0) && !itemsOf(project_, isItem).empty()) {
       return toResources(nullptr, account.label, {});
     }
-    return toItems(isItem, [&](const records::IndirectFeeItem& fee) { return isIn(fee.account); });
+    return toBooked(isIn);
   }
 
   bool toBill(records::Record* record) { return toPage(QStringLiteral("分部分项"), record); }
 
   bool toFee(records::Record* record) { return toPage(QStringLiteral("间接费"), record); }
 
+  bool toSubcontract(records::Record* record) {
+    return toPage(session_.page(QStringLiteral("subcontracts")), record);
+  }
+
   bool toPage(const QString& title, records::Record* record) {
-    const Page* page = pageOf(session_, title);
-    if (page == nullptr) return false;
+    return toPage(pageOf(session_, title), record);
+  }
+
+  bool toPage(const Page* page, records::Record* record) {
+    if (page == nullptr || page->widget == nullptr) return false;
     if (onlyAsking_) return true;
     emit session_.pageWanted(page->key);
     // A fee stands in a table that follows the group chosen beside it.

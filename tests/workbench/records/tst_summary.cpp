@@ -83,7 +83,8 @@ struct Plain {
         const Decimal own = sums != nullptr    ? sums->own
                             : item->gathered() ? Decimal()
                                                : item->quantity().value();
-        const Decimal byHand = (own * item->price().value()).rounded(2);
+        const bool counts = item->linked() && item->subcontract() == nullptr;
+        const Decimal byHand = counts ? (own * item->price().value()).rounded(2) : Decimal();
         linesCost[work] += inLines + byHand;
         loose[work].add(item->budgetAmount().value() - money, byHand);
         taxable += item->budgetAmount().value() - money;
@@ -93,13 +94,15 @@ struct Plain {
       }
     }
     fees(project.feeGroups().rows(), {});
+    subcontracts(project);
     for (StructureNode* work : project.unitWorks()) {
       of[work].income += loose[work].income;
       taxes[work] = (of[work].income * rate / 100).rounded(2);
     }
     for (const StructureNode* work : project.unitWorks()) {
       Money money = of[work];
-      money.cost = feesOf[work] + project.subProject(*work)->totals().excluded;
+      money.cost =
+          feesOf[work] + project.subProject(*work)->totals().excluded + subcontracted[work];
       money.add(taxes[work], taxes[work]);
       of[work] = money;
       if (work->parent() != nullptr) of[work->parent()].add(money.income, money.cost);
@@ -144,6 +147,7 @@ struct Plain {
       }
       const Decimal income = bill->amount ? bill->amount->value() : resources;
       above(bill, income, {});
+      incomes[bill] = income;
       margin += income - resources;
       taxable += income;
     }
@@ -168,8 +172,39 @@ struct Plain {
     }
   }
 
+  void subcontracts(Project& project) {
+    for (int i = 0; i < project.subcontracts().size(); ++i) {
+      auto& entry = *static_cast<records::Subcontract*>(project.subcontracts().member(i));
+      const bool byBills = entry.metering == records::MeteringMethod::ByBills;
+      account(entry.account, {}, entry.amount());
+      of[&entry].add({}, entry.amount());
+      allSubcontracts += entry.amount();
+      std::vector<std::pair<Bill*, Decimal>> parts;
+      Decimal whole;
+      for (int row = 0; row < entry.rows().size(); ++row) {
+        Bill& bill = entry.billAt(row).bill;
+        parts.emplace_back(&bill, byBills ? bill.quantityForCost() : incomes[&bill]);
+        whole += parts.back().second;
+      }
+      if (parts.empty()) withoutBills += entry.amount();
+      Decimal upTo, given;
+      for (auto& [bill, part] : parts) {
+        const bool even = !byBills && whole.isZero();
+        upTo += even ? Decimal(1) : part;
+        const Decimal most = even ? Decimal(int(parts.size())) : whole;
+        const Decimal exact = byBills ? entry.price * upTo : entry.amount() * upTo / most;
+        const Decimal share = exact.rounded(2) - given;
+        given += share;
+        above(bill, {}, share);
+        subcontracted[project.unitWorkOf(*bill)] += share;
+      }
+    }
+  }
+
   std::map<const CostAccount*, Money> direct;
-  std::map<const StructureNode*, Decimal> feesOf;
+  std::map<const StructureNode*, Decimal> feesOf, subcontracted;
+  std::map<const Bill*, Decimal> incomes;
+  Decimal allSubcontracts, withoutBills;
 };
 
 /// Why the summary is wrong; empty when it is not.
@@ -209,6 +244,7 @@ QString fault(Project& project, Plain& plain, SummaryKind kind, const SummaryLin
       case Kind::Bill:
       case Kind::Account:
       case Kind::FeeItem:
+      case Kind::Subcontract:
         expect(plain.of[line.source].income, plain.of[line.source].cost);
         ++seen[line.source];
         break;
@@ -218,6 +254,9 @@ QString fault(Project& project, Plain& plain, SummaryKind kind, const SummaryLin
         break;
       case Kind::NoAccount:
         expect(plain.direct[nullptr].income, plain.direct[nullptr].cost);
+        break;
+      case Kind::Subcontracts:
+        expect({}, kind == SummaryKind::BidFees ? plain.allSubcontracts : plain.withoutBills);
         break;
       case Kind::LooseItems:
         expect(plain.loose[node].income, plain.loose[node].cost);
@@ -243,7 +282,9 @@ QString fault(Project& project, Plain& plain, SummaryKind kind, const SummaryLin
   if (kind != SummaryKind::Structure && taxes != tax) faults << "tax";
   const Decimal fees = project.feeTotal();
   if (total.income != plain.taxable + tax) faults << "income of the total";
-  if (total.cost != project.totals().excluded + fees + tax) faults << "cost of the total";
+  if (total.cost != project.totals().excluded + plain.allSubcontracts + fees + tax) {
+    faults << "cost of the total";
+  }
   Decimal shares;
   for (const SummaryLine& line : total.lines) shares += line.share;
   if (shares != Decimal(100)) faults << "shares";
@@ -351,6 +392,19 @@ void editRandomly(Project& project, std::mt19937& random) {
     };
     collect(work.rows());
     Bill& bill = *pick(bills);
+    if (random() % 2 == 0) {
+      records::SubcontractData data;
+      data.name = project.texts.intern("分包");
+      data.price = price;
+      data.quantity = 7;
+      data.metering = static_cast<records::MeteringMethod>(random() % 3);
+      if (random() % 2 == 0) data.account = item.account();
+      records::Subcontract& entry = project.addSubcontract(data);
+      if (random() % 3 > 0) project.assign(entry, {&bill, pick(bills), pick(bills)});
+      project.setLinked({pick(items)}, random() % 2 == 0);
+      project.collect(item, entry);
+      return;
+    }
     if (bill.rows().size() > 0 && random() % 2 == 0) {
       auto& line = *static_cast<BudgetItem*>(
           bill.rows().at(static_cast<int>(random() % unsigned(bill.rows().size()))));
@@ -445,6 +499,7 @@ class SummaryTest : public QObject {
                      ">规费 1000.05 1000.05 1.17\n"
                      ">>规费 1000.05 1000.05 1.17\n"
                      ">>>规费 1000.05 1000.05 1.17\n"
+                     ">专业分包及劳务 0.00 0.00 0.00\n"
                      ">税金 7043.05 7043.05 8.26"));
     QCOMPARE(printed(project, SummaryKind::Structure),
              QString("合计 85299.20 74268.44 100.00\n"
@@ -477,13 +532,18 @@ class SummaryTest : public QObject {
 
   void agreesWithAPlainRecomputation() {
     std::mt19937 random(20261121);
+    QByteArray json = text();
+    json.replace("{ \"名称\": \"专业分包及劳务\", \"来源\": \"分包\" },", "");
+    const records::FeeTemplate lacking = records::FeeTemplate::parse(json.toStdString());
+    QVERIFY(lacking.lines.size() < feeTemplate().lines.size());
     for (int round = 0; round < 60; ++round) {
+      const records::FeeTemplate& fees = round % 2 == 0 ? feeTemplate() : lacking;
       Project project;
       fillRandomly(project, random);
       if (round % 3 > 0) editRandomly(project, random);
       Plain plain(project);
       for (const SummaryKind kind : kKinds) {
-        const SummaryLine total = records::summarize(project, kind, feeTemplate());
+        const SummaryLine total = records::summarize(project, kind, fees);
         QVERIFY2(total.income > Decimal(0), "a project without money says nothing");
         const QString why = fault(project, plain, kind, total);
         QVERIFY2(why.isEmpty(), qPrintable(QString("round %1, %2:\n%3")
@@ -552,11 +612,11 @@ class SummaryTest : public QObject {
     row("misspelt key", "\"来源\": \"人工\"", "\"来原\": \"人工\"",
         "“行[1].行[1].来原”不是可用的键，请改为下列之一：名称、来源、费用组、行");
     row("unknown source", "\"来源\": \"税金\"", "\"来源\": \"增值税\"",
-        "“行[4].来源”的值“增值税”未知");
+        "“行[5].来源”的值“增值税”未知");
     row("taken twice", "\"来源\": \"材料\"", "\"来源\": \"人工\"", "“人工”已经被前面的行使用");
     row("left out", "{ \"名称\": \"间接费\", \"来源\": \"间接费\" },", "",
         "间接费（不带“费用组”）");
-    row("no name", "\"名称\": \"税金\", ", "", "“行[4].名称”缺失");
+    row("no name", "\"名称\": \"税金\", ", "", "“行[5].名称”缺失");
     row("groups elsewhere", "\"来源\": \"税金\"", "\"来源\": \"税金\", \"费用组\": [\"a\"]",
         "只能用在来源为“间接费”的行上");
   }
