@@ -177,6 +177,11 @@ void QCESubEngineeringViewImpl::cancelFilter() {
   setConditionMark(false);
 }
 
+void QCESubEngineeringViewImpl::showElements(const std::vector<proxy::Element*>& elements) {
+  if (conditionsOn_) cancelFilter();
+  SubEngineeringViewImpl::showElements(elements);
+}
+
 void QCESubEngineeringViewImpl::showChildren(int checkState) {
   auto* filter = filterOf(*treeGrid());
   if (filter == nullptr) return;

@@ -30,6 +30,7 @@ class QCE_EXPORT QCESubEngineeringViewImpl : public gui::SubEngineeringViewImpl 
   /// Filters by the conditions again, where they are on: texts may have changed elsewhere.
   void activate() override;
   void deactivate() override;
+  void showElements(const std::vector<proxy::Element*>& elements) override;
   gui::TreeGridView* createTableGridView() override;
   gui::SubEngineeringDelegate* createSubEngineeringDelege() override;
 

@@ -27,6 +27,8 @@ void ResItemViewImpl::init() {
   treeGrid_->setItemDelegate(createDelegate());
   treeGrid_->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(treeGrid_, &QWidget::customContextMenuRequested, this, &ResItemViewImpl::showContextMenu);
+  connect(treeGrid_, &bwidgets::TreeGridView::currentElementChanged, this,
+          [this] { onCurrentRowChanged(); });
   setGrid(treeGrid_, domain::keys::BRIName, domain::keys::BRICode);
 
   auto* toolBar = new QHBoxLayout;
@@ -72,6 +74,7 @@ QWidget* ResItemViewImpl::createTextFilter() {
     types->addAction(action);
   }
   types->actions().last()->setChecked(true);
+  menu->setActiveAction(types->actions().last());
   connect(types, &QActionGroup::triggered, this, [this](const QAction* action) {
     if (textFilter_ != nullptr) textFilter_->filterType(action->text().toStdString());
     expandAll();
@@ -80,6 +83,9 @@ QWidget* ResItemViewImpl::createTextFilter() {
   auto* typeButton = new QPushButton("筛选条件", box);
   typeButton->setObjectName("ResItem_filterRCJButton");
   typeButton->setMenu(menu);
+  typeButton->setStyleSheet(
+      "QPushButton::menu-indicator:image{subcontrol-origin: margin;subcontrol-position: right "
+      "center;margin-right: 5px;}");
   textEdit_ = new QLineEdit(box);
   textEdit_->setObjectName("ResItem_filterText");
   textEdit_->setPlaceholderText("输入内容");

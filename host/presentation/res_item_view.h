@@ -53,6 +53,8 @@ class QCE_EXPORT ResItemViewImpl : public BasePage {
   virtual QWidget* createContent(gui::TreeGridView* grid);
   /// What stands below the content; null for nothing.
   virtual QWidget* createFooter() { return nullptr; }
+  /// The grid's current row is another one. Nothing here.
+  virtual void onCurrentRowChanged() {}
   /// Adds the entries of the grid's context menu.
   virtual void fillContextMenu(QMenu* menu);
 

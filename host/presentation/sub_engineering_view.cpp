@@ -305,6 +305,15 @@ void SubEngineeringViewImpl::chooseSubProject(int entry) {
   rowsChanged();
 }
 
+void SubEngineeringViewImpl::showElements(const std::vector<proxy::Element*>& elements) {
+  if (subProjectBox_->currentIndex() > 0) {
+    subProjectBox_->setCurrentIndex(0);
+    chooseSubProject(0);
+  }
+  treeGrid_->selectElements(elements);
+  treeGrid_->setFocus();
+}
+
 // Check boxes that leave the menu open: several columns are chosen in one go.
 void SubEngineeringViewImpl::fillColumnMenu() {
   columnMenu_->clear();

@@ -69,6 +69,8 @@ class QCE_EXPORT SubEngineeringViewImpl : public BasePage {
   /// Makes an element that was found current, unfolding what is above it. The element, or null when
   /// it is not shown.
   virtual proxy::Element* setCurrentIndexFromFind(proxy::Element* element);
+  /// Selects these rows, of the whole project and with no filter on.
+  virtual void showElements(const std::vector<proxy::Element*>& elements);
 
   /// Whether the quantity-detail dialog is open.
   virtual bool getQuantityDetailDialogState() const;

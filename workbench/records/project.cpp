@@ -646,7 +646,7 @@ std::shared_ptr<const LineTerms> shared(const LineTerms& terms) {
 
 }  // namespace
 
-void Project::setAmounts(ResourceItem& item) const {
+std::pair<costing::Decimal, costing::Decimal> Project::amountsOf(const ResourceItem& item) const {
   costing::Decimal quantity = item.quantity_.value();
   costing::Decimal excluded;
   costing::Decimal included;
@@ -659,7 +659,12 @@ void Project::setAmounts(ResourceItem& item) const {
   const costing::Decimal price = item.price_.value();
   excluded += costing::excludedTaxAmount(quantity, price);
   included += costing::includedTaxAmount(quantity, price, item.taxRate_.value());
+  return {excluded, included};
+}
+
+void Project::setAmounts(ResourceItem& item) const {
   // Also of an item that does not count, so that it can count at any time.
+  const auto [excluded, included] = amountsOf(item);
   const costing::PackedDecimal checkedExcluded = excluded;
   const costing::PackedDecimal checkedIncluded = included;
   const bool counts = item.counts();

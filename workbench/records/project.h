@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "workbench/costing/expression.h"
@@ -148,6 +149,10 @@ class Project {
   std::vector<ResourceItem*> collectedItems(const Subcontract& entry) const;
   /// Items that are neither linked nor collected: their cost counts nowhere yet.
   std::int64_t itemsWaiting() const { return itemsWaiting_; }
+  /// The cost of an item excluding tax, or what it would be if the item counted.
+  costing::Decimal amountIfCounted(const ResourceItem& item) const {
+    return item.counts() ? item.excludedAmount().value() : amountsOf(item).first;
+  }
   /// Cost of all entries; the budget is 0.
   costing::Totals subcontractTotals() const;
 
@@ -289,6 +294,8 @@ class Project {
   void link(const StructureNode& unitWork, const scoped_refptr<ResourceItem>& item);
   void unlink(ResourceItem& item);
   void place(const Reposition& change, Direction direction);
+  /// Excluding and including tax, as the item has them while it counts.
+  std::pair<costing::Decimal, costing::Decimal> amountsOf(const ResourceItem& item) const;
   void setAmounts(ResourceItem& item) const;
   void refresh(ResourceItem& item, const costing::Decimal& budgetAmount);
   void tell(ResourceItem& item, const costing::Totals& before);

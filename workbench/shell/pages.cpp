@@ -21,6 +21,7 @@
 #include "workbench/controllers/open_project.h"
 #include "workbench/records/summary.h"
 #include "workbench/services/fee_template.h"
+#include "workbench/shell/des_res_item_page.h"
 #include "workbench/shell/indirect_fee_page.h"
 #include "workbench/shell/project_info.h"
 #include "workbench/shell/session.h"
@@ -264,9 +265,9 @@ Page makeSubEngineeringPage(Session& session) {
 }  // namespace
 
 const std::vector<PageMaker>& pageMakers() {
-  static const std::vector<PageMaker> makers{makeResItemPage, makeSubEngineeringPage,
-                                             makeIndirectFeePage, makeFeeSummaryPage,
-                                             makeProjectInfoPage};
+  static const std::vector<PageMaker> makers{makeResItemPage,        makeDesResItemPage,
+                                             makeSubEngineeringPage, makeIndirectFeePage,
+                                             makeFeeSummaryPage,     makeProjectInfoPage};
   return makers;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/gui/view_model.h"
+#include "host/presentation/sub_engineering_view.h"
 #include "resitem/view.h"
 #include "workbench/controllers/open_project.h"
 #include "workbench/shell/session.h"
@@ -229,6 +230,15 @@ class Follower {
 
 bool followSummaryLine(Session& session, const SummaryLine& line, bool onlyAsking) {
   return Follower(session, onlyAsking).follow(line);
+}
+
+bool followBills(Session& session, const std::vector<proxy::Element*>& bills) {
+  const Page* page = pageOf(session, QStringLiteral("分部分项"));
+  auto* view = page != nullptr ? qobject_cast<gui::SubEngineeringViewImpl*>(page->widget) : nullptr;
+  if (view == nullptr) return false;
+  emit session.pageWanted(page->key);
+  view->showElements(bills);
+  return true;
 }
 
 }  // namespace shell

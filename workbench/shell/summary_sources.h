@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "workbench/records/summary.h"
 
 namespace shell {
@@ -11,5 +13,8 @@ class Session;
 /// selected. Lines without such a page, or whose page is not there, lead nowhere. With
 /// `onlyAsking`, answers whether it would lead somewhere and goes nowhere.
 bool followSummaryLine(Session& session, const records::SummaryLine& line, bool onlyAsking);
+
+/// Leads to the page of bills and selects these there; false where that page is not there.
+bool followBills(Session& session, const std::vector<proxy::Element*>& bills);
 
 }  // namespace shell

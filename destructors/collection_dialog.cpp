@@ -1,0 +1,137 @@
+#include "destructors/collection_dialog.h"
+
+#include <QComboBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSplitter>
+#include <QVBoxLayout>
+#include <utility>
+
+namespace gui::qce::destructors {
+
+DesCollectionDialog::DesCollectionDialog(Offer offer, Confirm confirm, QWidget* parent)
+    : Dialog(parent),
+      offer_(std::move(offer)),
+      confirm_(std::move(confirm)),
+      target_(new QComboBox(this)),
+      accountText_(new QLineEdit(this)),
+      accountButton_(new QPushButton("选择…", this)),
+      features_(new QPlainTextEdit(this)),
+      price_(new QLineEdit(this)),
+      metering_(new QLabel(this)),
+      bills_(new DesSourceBillView(this)) {
+  setWindowTitle("设置归集");
+  target_->setObjectName("DesCollection_target");
+  for (const auto& target : offer_.targets) {
+    const QString name = QString::fromStdString(target.name);
+    target_->addItem(target.entry == nullptr ? QString("新建分包：%1").arg(name) : name);
+  }
+  target_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  target_->setMinimumContentsLength(24);
+  accountText_->setObjectName("DesCollection_account");
+  accountText_->setReadOnly(true);
+  accountText_->setPlaceholderText("（无成本科目）");
+  accountButton_->setObjectName("DesCollection_chooseAccount");
+  accountButton_->setAutoDefault(false);
+  features_->setObjectName("DesCollection_features");
+  features_->setTabChangesFocus(true);
+  price_->setObjectName("DesCollection_price");
+  price_->setToolTip("不含税单价（元），可输入数字或计算式，例如 120*0.95");
+  metering_->setObjectName("DesCollection_metering");
+  metering_->setWordWrap(true);
+
+  auto* account = new QHBoxLayout;
+  account->addWidget(accountText_, 1);
+  account->addWidget(accountButton_);
+  auto* form = new QFormLayout;
+  form->addRow("归集到", target_);
+  form->addRow("成本科目", account);
+  form->addRow("项目特征", features_);
+  form->addRow("劳务、专业分包单价", price_);
+  form->addRow("计量", metering_);
+  auto* fields = new QWidget(this);
+  fields->setLayout(form);
+  form->setContentsMargins(0, 0, 0, 0);
+
+  auto* splitter = new QSplitter(this);
+  splitter->setHandleWidth(8);
+  splitter->setChildrenCollapsible(false);
+  splitter->addWidget(fields);
+  splitter->addWidget(bills_);
+  splitter->setSizes({420, 460});
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(
+      new QLabel(QString("把选中的 %1 项人材机归集到一条分包。归集后它们的费用由分包计入成本。")
+                     .arg(offer_.items),
+                 this));
+  layout->addWidget(splitter, 1);
+  layout->addWidget(createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel));
+  resize(920, 420);
+
+  bills_->setBills(offer_.bills);
+  showTarget();
+  connect(target_, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+          &DesCollectionDialog::showTarget);
+  connect(accountButton_, &QPushButton::clicked, this, &DesCollectionDialog::chooseAccount);
+  // The features of the bill that was clicked are what a new subcontract is about.
+  connect(bills_, &DesSourceBillView::currentBillChanged, this, [this] {
+    const auto* bill = bills_->currentBill();
+    if (bill == nullptr || features_->isReadOnly() || features_->document()->isModified()) return;
+    features_->setPlainText(QString::fromStdString(bill->features));
+  });
+  price_->setFocus();
+  price_->selectAll();
+}
+
+DesCollectionDialog::~DesCollectionDialog() = default;
+
+void DesCollectionDialog::showTarget() {
+  const int number = target_->currentIndex();
+  if (number < 0 || number >= static_cast<int>(offer_.targets.size())) return;
+  const auto& target = offer_.targets[static_cast<std::size_t>(number)];
+  const bool isNew = target.entry == nullptr;
+  setAccount(target.account);
+  features_->setPlainText(QString::fromStdString(target.features));
+  price_->setText(QString::fromStdString(target.price));
+  metering_->setText(QString::fromStdString(target.metering));
+  accountButton_->setEnabled(isNew);
+  features_->setReadOnly(!isNew);
+  price_->setReadOnly(!isNew);
+}
+
+void DesCollectionDialog::setAccount(proxy::Element* account) {
+  account_ = account;
+  accountText_->clear();
+  for (const auto& entry : offer_.accounts) {
+    if (account != nullptr && entry.account == account) {
+      accountText_->setText(QString::fromStdString(entry.code + " " + entry.name).trimmed());
+    }
+  }
+}
+
+void DesCollectionDialog::chooseAccount() {
+  DesCostAccountDialog dialog("新建分包的成本科目:", offer_.accounts, account_, this);
+  if (dialog.exec() == 1) setAccount(dialog.account());
+}
+
+void DesCollectionDialog::accept() {
+  const int number = target_->currentIndex();
+  if (number < 0) return;
+  Setting setting;
+  setting.entry = offer_.targets.at(static_cast<std::size_t>(number)).entry;
+  setting.account = account_;
+  setting.features = features_->toPlainText().trimmed().toStdString();
+  setting.price = price_->text().trimmed().toStdString();
+  if (confirm_(setting)) {
+    Dialog::accept();
+    return;
+  }
+  price_->setFocus();
+  price_->selectAll();
+}
+
+}  // namespace gui::qce::destructors

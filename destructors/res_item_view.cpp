@@ -1,0 +1,447 @@
+#include "destructors/res_item_view.h"
+
+#include <QAbstractItemModel>
+#include <QAction>
+#include <QActionGroup>
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QItemSelectionModel>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QTimer>
+#include <QToolButton>
+#include <cmath>
+
+#include "destructors/collection_dialog.h"
+#include "destructors/cost_account_dialog.h"
+#include "destructors/source_bill_view.h"
+#include "framework/cell_value.h"
+#include "host/app/services.h"
+#include "host/app/spreadsheet.h"
+#include "host/base/number_text.h"
+#include "host/bwidgets/grid_sheet.h"
+#include "host/domain/field_keys.h"
+#include "host/domain/operator.h"
+#include "host/domain/qce/destructors/des_res_item_keys.h"
+#include "host/gui/styled_item_delegate.h"
+#include "host/gui/tree_grid_view.h"
+#include "host/gui/view_model.h"
+#include "host/presentation/res_item_filter_model.h"
+#include "host/proxy/element.h"
+
+namespace gui::qce::destructors {
+
+namespace keys = domain::keys;
+
+DesResItemViewImpl::DesResItemViewImpl(QWidget* parent) : ResItemViewImpl(parent) {
+  setWindowTitle("人材机归集");
+  timer_ = new QTimer(this);
+  timer_->setSingleShot(true);
+  timer_->setInterval(RefreshDelay);
+  connect(timer_, &QTimer::timeout, this, &DesResItemViewImpl::onTimeOut);
+  statusTimer_ = new QTimer(this);
+  statusTimer_->setSingleShot(true);
+  statusTimer_->setInterval(0);
+  connect(statusTimer_, &QTimer::timeout, this, &DesResItemViewImpl::refreshStatus);
+  init();
+}
+
+DesResItemViewImpl::~DesResItemViewImpl() = default;
+
+void DesResItemViewImpl::setController(Controller* controller) {
+  controller_ = controller;
+  onStateChanged(localBox_->checkState());
+}
+
+// ---------------------------------------------------------------------------------------------
+// Widgets
+
+void DesResItemViewImpl::init() {
+  using Page = DesResItemViewImpl;
+  linkAction_ = addCommand("关联到成本", "把选中的人材机关联到成本，其费用计入成本", "Ctrl+L",
+                           &Page::batchLinkCB);
+  unlinkAction_ = addCommand("取消关联到成本", "取消选中的人材机与成本的关联，其费用不再计入成本",
+                             "Ctrl+Shift+L", &Page::unBatchLinkCB);
+  accountAction_ = addCommand("设置成本科目", "选择选中的人材机的成本科目", "Ctrl+K",
+                              &Page::batchSetCostAccount);
+  setContractAction_ = addCommand("设置归集", "把选中的人材机归集到一条分包，由分包计入成本",
+                                  "Ctrl+G", &Page::onBtnSetContractPush);
+  cancelContractAction_ = addCommand("取消归集", "取消选中的人材机的归集，恢复归集前的计价",
+                                     "Ctrl+Shift+G", &Page::onBtnCancelContractPush);
+  sourceAction_ =
+      addCommand("查看来源", "转到当前人材机所来自的清单", "Ctrl+J", &Page::onFindSource);
+  regroupAction_ = addCommand("恢复原顺序", "恢复排序前的顺序", "F5", &Page::regroup);
+  groupedAction_ = new QAction("按工程和类别分组", this);
+  groupedAction_->setCheckable(true);
+  groupedAction_->setChecked(true);
+  groupedAction_->setShortcut(QKeySequence("Ctrl+Shift+D"));
+  groupedAction_->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+  connect(groupedAction_, &QAction::triggered, this, &Page::setGrouped);
+  addAction(groupedAction_);
+  ResItemViewImpl::init();
+}
+
+QAction* DesResItemViewImpl::addCommand(const QString& text, const QString& toolTip,
+                                        const QString& keys, void (DesResItemViewImpl::*slot)()) {
+  auto* action = new QAction(text, this);
+  action->setShortcut(QKeySequence(keys));
+  action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+  action->setToolTip(QString("%1（%2）").arg(toolTip, keys));
+  connect(action, &QAction::triggered, this, slot);
+  addAction(action);
+  return action;
+}
+
+QPushButton* DesResItemViewImpl::addButton(QBoxLayout* toolBar, QAction* action,
+                                           const QString& name) {
+  auto* button = new QPushButton(action->text(), this);
+  button->setObjectName(name);
+  button->setToolTip(action->toolTip());
+  connect(button, &QPushButton::clicked, action, &QAction::trigger);
+  connect(action, &QAction::changed, button,
+          [button, action] { button->setEnabled(action->isEnabled()); });
+  toolBar->addWidget(button);
+  return button;
+}
+
+gui::StyledItemDelegate* DesResItemViewImpl::createDelegate() {
+  return new gui::StyledItemDelegate(treeGrid());
+}
+
+void DesResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
+  const std::pair<const char*, void (DesResItemViewImpl::*)()> hidden[] = {
+      {"插入", &DesResItemViewImpl::insertItem},
+      {"删除", &DesResItemViewImpl::deleteItem},
+      {"查询", &DesResItemViewImpl::searchRCJ}};
+  int place = 0;
+  for (const auto& [text, slot] : hidden) {
+    auto* button = new QToolButton(this);
+    button->setText(text);
+    button->setAutoRaise(true);
+    button->setFixedWidth(30);
+    button->hide();
+    connect(button, &QToolButton::clicked, this, slot);
+    toolBar->insertWidget(place++, button);
+  }
+  addButton(toolBar, accountAction_, "ResItem_setCostAccount");
+  localBox_ = new QCheckBox("成本科目设置仅对当前起作用", this);
+  localBox_->setStyleSheet("color: rgb(241, 70, 62)");
+  localBox_->setToolTip("勾选后，设置成本科目只写入当前行，不写入其他选中的行");
+  connect(localBox_, &QCheckBox::stateChanged, this, &DesResItemViewImpl::onStateChanged);
+  toolBar->addWidget(localBox_);
+  addButton(toolBar, linkAction_, "ResItem_setLinkCB");
+  addButton(toolBar, unlinkAction_, "ResItem_setUnLinkCB");
+  addButton(toolBar, setContractAction_, "ResItem_setContract");
+  addButton(toolBar, cancelContractAction_, "ResItem_cancelContract");
+  addButton(toolBar, sourceAction_, "ResItem_findSource");
+}
+
+QWidget* DesResItemViewImpl::createContent(gui::TreeGridView* grid) {
+  grid->setEmptyText("没有符合条件的人材机。请放宽筛选条件，或清空过滤的文字。");
+  return grid;
+}
+
+QWidget* DesResItemViewImpl::createFooter() {
+  auto* footer = new QWidget(this);
+  status_ = new QLabel(footer);
+  status_->setObjectName("DesResItem_status");
+  currentBill_ = new QLabel(footer);
+  currentBill_->setObjectName("DesResItem_currentBill");
+  for (QLabel* label : {status_, currentBill_}) {
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  }
+  // A long name must not keep the window from being made narrow.
+  currentBill_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  currentBill_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  auto* layout = new QHBoxLayout(footer);
+  layout->setContentsMargins(6, 3, 6, 3);
+  layout->addWidget(status_);
+  layout->addWidget(currentBill_, 1);
+  return footer;
+}
+
+void DesResItemViewImpl::fillContextMenu(QMenu* menu) {
+  treeGrid()->addEditActions(menu);
+  menu->addSeparator();
+  menu->addActions({accountAction_, linkAction_, unlinkAction_});
+  menu->addSeparator();
+  menu->addActions({setContractAction_, cancelContractAction_, sourceAction_});
+  menu->addSeparator();
+  ResItemViewImpl::fillContextMenu(menu);
+  menu->addActions({groupedAction_, regroupAction_});
+}
+
+// ---------------------------------------------------------------------------------------------
+// Life cycle
+
+void DesResItemViewImpl::setModel(abst::BaseModel* model) {
+  ResItemViewImpl::setModel(model);
+  model_ = dynamic_cast<abst::qce::destructors::DesResItemFilterModel*>(abstractModel());
+  if (model_ == nullptr || getViewModel() == nullptr) return;
+  treeGrid()->setTreePosition(getViewModel()->getColumnIndex(keys::BRIName));
+  treeGrid()->setRootIsDecorated(model_->isGrouped());
+  groupedAction_->setChecked(model_->isGrouped());
+  connect(treeGrid()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+          &DesResItemViewImpl::refreshStatusLater);
+  wasEmpty_ = treeGrid()->model()->rowCount() == 0;
+  expandAll();
+  refreshStatusLater();
+}
+
+gui::ViewModel* DesResItemViewImpl::getViewModel() const {
+  return dynamic_cast<gui::ViewModel*>(abstractModel());
+}
+
+void DesResItemViewImpl::activate() {
+  ResItemViewImpl::activate();
+  updateView();
+  onCurrentRowChanged();
+}
+
+void DesResItemViewImpl::deactivate() {
+  timer_->stop();
+  ResItemViewImpl::deactivate();
+}
+
+void DesResItemViewImpl::showEvent(QShowEvent* event) {
+  ResItemViewImpl::showEvent(event);
+  onCurrentRowChanged();
+}
+
+void DesResItemViewImpl::updateView() {
+  ResItemViewImpl::updateView();
+  refreshStatusLater();
+}
+
+// The grid keeps open what was open; a model that was empty had nothing to keep.
+void DesResItemViewImpl::onModelReset() {
+  if (wasEmpty_) expandAll();
+  wasEmpty_ = treeGrid()->model()->rowCount() == 0;
+  updateView();
+  onCurrentRowChanged();
+}
+
+void DesResItemViewImpl::onDataChanged() {
+  updateView();
+  onCurrentRowChanged();  // it may have been closed or opened
+}
+
+// ---------------------------------------------------------------------------------------------
+// Current row
+
+void DesResItemViewImpl::onCurrentRowChanged() {
+  ResItemViewImpl::onCurrentRowChanged();
+  if (controller_ == nullptr || !isSeen()) return;
+  proxy::Element* current = treeGrid()->currentElement();
+  const bool closed = current != nullptr && controller_->isClosed(current);
+  for (QAction* action : {linkAction_, unlinkAction_, setContractAction_}) {
+    action->setEnabled(!closed);
+  }
+  controller_->setCurrentItem(current);
+  timer_->start();
+}
+
+void DesResItemViewImpl::onTimeOut() {
+  if (controller_ == nullptr || !isSeen()) return;
+  proxy::Element* current = treeGrid()->currentElement();
+  const bool item = model_ != nullptr && model_->isItem(current);
+  const QString caption =
+      DesSourceBillView::caption(item ? controller_->getSourceBills(current)
+                                      : std::vector<abst::qce::destructors::SourceBill>());
+  currentBill_->setText(caption);
+  currentBill_->setToolTip(caption);
+  emit refreshed(current);
+}
+
+void DesResItemViewImpl::onSubEngineeringChange() {
+  updateView();
+  onTimeOut();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Commands
+
+DesResItemViewImpl::Controller::Items DesResItemViewImpl::selectedItems() const {
+  Controller::Items items;
+  for (proxy::Element* element : treeGrid()->selectedElements()) {
+    if (model_ != nullptr && model_->isItem(element)) items.push_back(element);
+  }
+  return items;
+}
+
+bool DesResItemViewImpl::requireItems(const Controller::Items& items) const {
+  if (!items.empty()) return true;
+  app::qce::GetQCEChannel()->message("没有选中人材机，请先在表格中选择要处理的人材机。",
+                                     QMessageBox::Ok);
+  return false;
+}
+
+void DesResItemViewImpl::batchLinkCB() {
+  const Controller::Items items = selectedItems();
+  if (controller_ == nullptr || !requireItems(items)) return;
+  controller_->linkToCost(items);
+  treeGrid()->update();
+  updateView();
+}
+
+void DesResItemViewImpl::unBatchLinkCB() {
+  const Controller::Items items = selectedItems();
+  if (controller_ == nullptr || !requireItems(items)) return;
+  controller_->unlinkFromCost(items);
+  updateView();
+}
+
+bool DesResItemViewImpl::isSetCostAccountToLocal() const {
+  return localBox_->isChecked();
+}
+
+void DesResItemViewImpl::onStateChanged(int state) {
+  if (controller_ != nullptr) controller_->setCostAccountToLocal(state == Qt::Checked);
+}
+
+void DesResItemViewImpl::batchSetCostAccount() {
+  if (controller_ == nullptr || model_ == nullptr) return;
+  Controller::Items items = selectedItems();
+  proxy::Element* current = treeGrid()->currentElement();
+  if (isSetCostAccountToLocal()) {
+    items.clear();
+    if (model_->isItem(current)) items.push_back(current);
+  }
+  if (!requireItems(items)) return;
+  controller_->setCurrentItem(current);
+  const QString caption = isSetCostAccountToLocal()
+                              ? QString("仅对当前的人材机设置成本科目:")
+                              : QString("为选中的 %1 项人材机设置成本科目:").arg(items.size());
+  DesCostAccountDialog dialog(caption, controller_->getCostAccounts(),
+                              controller_->getCostAccount(items.front()), this);
+  if (dialog.exec() != 1) return;
+  controller_->setCostAccount(items, dialog.account());
+  updateView();
+}
+
+void DesResItemViewImpl::onBtnSetContractPush() {
+  popupSetContract();
+}
+
+void DesResItemViewImpl::popupSetContract() {
+  const Controller::Items items = selectedItems();
+  if (controller_ == nullptr || !requireItems(items)) return;
+  proxy::Element* current = treeGrid()->currentElement();
+  DesCollectionDialog::Offer offer;
+  offer.items = items.size();
+  offer.targets = controller_->getCollectionTargets(items);
+  offer.accounts = controller_->getCostAccounts();
+  offer.bills = controller_->getSourceBills(model_->isItem(current) ? current : items.front());
+  DesCollectionDialog dialog(
+      std::move(offer),
+      [this, &items](const DesCollectionDialog::Setting& setting) {
+        return controller_->setCollection(items, setting);
+      },
+      this);
+  dialog.exec();
+  updateView();
+}
+
+void DesResItemViewImpl::onBtnCancelContractPush() {
+  const Controller::Items items = selectedItems();
+  if (controller_ == nullptr || !requireItems(items)) return;
+  controller_->cancelCollection(items);
+  updateView();
+}
+
+void DesResItemViewImpl::onFindSource() {
+  proxy::Element* current = treeGrid()->currentElement();
+  if (controller_ == nullptr || model_ == nullptr) return;
+  if (requireItems(model_->isItem(current) ? Controller::Items{current} : Controller::Items{})) {
+    controller_->findSource(current);
+  }
+}
+
+void DesResItemViewImpl::insertItem() {
+  if (controller_ != nullptr) controller_->insertItem(treeGrid()->currentElement());
+}
+
+void DesResItemViewImpl::deleteItem() {
+  const Controller::Items items = selectedItems();
+  if (controller_ != nullptr && requireItems(items)) controller_->deleteItems(items);
+}
+
+void DesResItemViewImpl::searchRCJ() {
+  find();
+}
+
+void DesResItemViewImpl::exportExcel() {
+  app::Sheet sheet = bwidgets::makeSheet(*treeGrid(), tabTitle());
+  app::AddTotals(
+      sheet, "合计",
+      {keys::BRIBudgetTotalCost, keys::BRIMarketTotalCost, keys::BRIExcludedTaxTotalCost});
+  app::GetSpreadsheets()->save(tabTitle(), {sheet});
+}
+
+void DesResItemViewImpl::setGrouped(bool grouped) {
+  if (model_ == nullptr) return;
+  model_->setGrouped(grouped);
+  treeGrid()->setRootIsDecorated(grouped);
+  treeGrid()->clearSortIndicator();
+  expandAll();
+}
+
+void DesResItemViewImpl::regroup() {
+  if (model_ == nullptr) return;
+  model_->rebuildGroup();
+  treeGrid()->clearSortIndicator();
+}
+
+void DesResItemViewImpl::showItems(const std::vector<proxy::Element*>& items) {
+  if (auto* filter = dynamic_cast<gui::ResItemTextFilter*>(abstractModel())) {
+    filter->filter({});
+    filter->filterType({});
+  }
+  findChild<QLineEdit*>("ResItem_filterText")->clear();
+  QMenu* types = findChild<QPushButton*>("ResItem_filterRCJButton")->menu();
+  types->actions().last()->setChecked(true);
+  treeGrid()->selectElements(items);
+  treeGrid()->setFocus();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Status line
+
+// Selections and edits come in bursts; what follows from them is worked out once.
+void DesResItemViewImpl::refreshStatusLater() {
+  if (!statusTimer_->isActive()) statusTimer_->start();
+}
+
+void DesResItemViewImpl::refreshStatus() {
+  const domain::Operator* op = model_ != nullptr ? model_->getOperator() : nullptr;
+  if (op == nullptr) {
+    status_->clear();
+    return;
+  }
+  const Controller::Items items = selectedItems();
+  double market = 0.0;
+  double counted = 0.0;
+  domain::Value value;
+  for (const proxy::Element* item : items) {
+    for (auto& [key, sum] :
+         {std::pair<const std::string*, double*>{&keys::BRIMarketTotalCost, &market},
+          {&keys::BRIExcludedTaxTotalCost, &counted}}) {
+      if (op->getValue(item, *key, domain::EditRole, value)) {
+        *sum += std::llround(gui::toNumber(value).value_or(0.0) * 100.0);
+      }
+    }
+  }
+  const auto money = [](double cents) {
+    return QString::fromStdString(base::ToThousandthsString(cents / 100.0, 2));
+  };
+  status_->setText(QString("待归集：%1 项　　已选 %2 项　　不含税合价 %3 元，计入成本 %4 元")
+                       .arg(model_->getItemWaitForCollectNum())
+                       .arg(items.size())
+                       .arg(money(market), money(counted)));
+}
+
+}  // namespace gui::qce::destructors

@@ -1,0 +1,333 @@
+#include "workbench/controllers/des_res_item_controller.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "host/app/scoped_undo.h"
+#include "host/base/number_text.h"
+#include "workbench/costing/expression.h"
+
+namespace controllers {
+
+using abst::qce::destructors::CollectionSetting;
+using abst::qce::destructors::CollectionTarget;
+using abst::qce::destructors::CostAccountEntry;
+using abst::qce::destructors::SourceBill;
+using costing::Decimal;
+using records::CostAccount;
+using records::ItemField;
+using records::MeteringMethod;
+using records::ResourceItem;
+using records::Subcontract;
+using records::SubcontractData;
+
+namespace {
+
+constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbers are the toolkit's
+
+void tell(const std::string& message) {
+  app::qce::GetQCEChannel()->message(message, OkButton);
+}
+
+std::string nameOf(const ResourceItem& item) {
+  return "“" + item.code().str() + " " + item.name().str() + "”";
+}
+
+std::string quantityText(const Decimal& quantity) {
+  return base::ToThousandthsStringWithStripTrailingZeros(quantity.toDouble(),
+                                                         costing::MaxQuantityPlaces);
+}
+
+/// What the price of an entry is for.
+std::string meteringText(const SubcontractData& data, const Decimal& quantity) {
+  const std::string unit = data.unit.empty() ? "单位" : data.unit.str();
+  if (data.metering == MeteringMethod::LumpSum) {
+    return records::nameOf(data.metering) + "：单价即总价（元，不含税）";
+  }
+  return records::nameOf(data.metering) + "：" + quantityText(quantity) + " " + data.unit.str() +
+         "，单价为每" + unit + "的价格（元，不含税）";
+}
+
+}  // namespace
+
+DesResItemController::DesResItemController(records::Project& project,
+                                           operators::DesResItemOperator& rows)
+    : project_(project), rows_(rows) {
+  project_.addObserver(this);
+}
+
+DesResItemController::~DesResItemController() {
+  project_.removeObserver(this);
+}
+
+DesResItemController::ResourceItems DesResItemController::itemsOf(const Items& rows) {
+  ResourceItems items;
+  for (const proxy::Element* row : rows) {
+    if (ResourceItem* item = operators::DesResItemOperator::itemOf(row)) items.push_back(item);
+  }
+  return items;
+}
+
+bool DesResItemController::write(const char* name, const std::function<void()>& change) {
+  std::string refusal;
+  {
+    app::ScopedUndo undo(name);
+    try {
+      change();
+    } catch (const records::Refusal& refused) {
+      refusal = refused.what();
+    } catch (const std::overflow_error&) {
+      refusal = "金额超出可计算的范围，未作任何改动；请检查数量和单价。";
+    }
+    if (!refusal.empty()) undo.abandon();
+  }
+  if (!refusal.empty()) tell(refusal);
+  return refusal.empty();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Commands
+
+void DesResItemController::setCurrentItem(proxy::Element* row) {
+  current_.reset(row);
+}
+
+bool DesResItemController::isClosed(proxy::Element* row) const {
+  const ResourceItem* item = operators::DesResItemOperator::itemOf(row);
+  return item != nullptr && item->subcontract() != nullptr;
+}
+
+void DesResItemController::linkToCost(const Items& rows) {
+  write("关联到成本", [&] { project_.setLinked(itemsOf(rows), true); });
+}
+
+void DesResItemController::unlinkFromCost(const Items& rows) {
+  write("取消关联到成本", [&] { project_.setLinked(itemsOf(rows), false); });
+}
+
+std::vector<CostAccountEntry> DesResItemController::getCostAccounts() const {
+  std::vector<CostAccountEntry> entries;
+  for (CostAccount* account : project_.allAccounts()) {
+    int level = 0;
+    for (const proxy::Element* at = account->parent(); at != nullptr; at = at->parent()) ++level;
+    entries.push_back({account, account->code, account->name, level});
+  }
+  return entries;
+}
+
+proxy::Element* DesResItemController::getCostAccount(proxy::Element* row) const {
+  const ResourceItem* item = operators::DesResItemOperator::itemOf(row);
+  return item != nullptr ? item->account() : nullptr;
+}
+
+void DesResItemController::setCostAccount(const Items& rows, proxy::Element* account) {
+  auto* chosen = dynamic_cast<CostAccount*>(account);
+  const ResourceItems items = itemsOf(local_ ? Items{current_.get()} : rows);
+  write("设置成本科目", [&] {
+    for (ResourceItem* item : items) project_.set(*item, ItemField::Account, chosen);
+  });
+}
+
+// One unit: what is paid for is what the items add up to. Several: there is nothing to count.
+SubcontractData DesResItemController::newEntry(const ResourceItems& items) const {
+  SubcontractData data;
+  if (items.empty()) return data;
+  const ResourceItem& first = *items.front();
+  Decimal quantity;
+  Decimal amount;
+  bool oneUnit = true;
+  bool oneAccount = true;
+  for (const ResourceItem* item : items) {
+    quantity += item->quantity().value();
+    amount += project_.amountIfCounted(*item);
+    oneUnit = oneUnit && item->unit() == first.unit();
+    oneAccount = oneAccount && item->account() == first.account();
+  }
+  data.account = oneAccount ? first.account() : nullptr;
+  std::string name = first.name().str();
+  if (items.size() > 1) {
+    name = data.account != nullptr ? data.account->name
+                                   : name + "等 " + std::to_string(items.size()) + " 项";
+  }
+  data.name = project_.texts.intern(name);
+  const auto bills = project_.linesOf(first);
+  if (!bills.empty()) data.features = bills.front().bill->features;
+  if (oneUnit) {
+    data.unit = first.unit();
+    data.metering = MeteringMethod::ByQuantity;
+    data.quantity = quantity;
+    data.price = quantity.isZero() ? Decimal() : costing::unitPrice(amount, quantity);
+  } else {
+    data.unit = project_.texts.intern("项");
+    data.metering = MeteringMethod::LumpSum;
+    data.price = amount;
+  }
+  return data;
+}
+
+std::vector<CollectionTarget> DesResItemController::getCollectionTargets(const Items& rows) const {
+  std::vector<CollectionTarget> targets;
+  const auto add = [&targets](proxy::Element* entry, const SubcontractData& data,
+                              const Decimal& quantity) {
+    targets.push_back({entry, data.name.str(), data.account, data.features.str(),
+                       data.price.toString(costing::UnitPricePlaces),
+                       meteringText(data, quantity)});
+  };
+  const SubcontractData proposal = newEntry(itemsOf(rows));
+  add(nullptr, proposal, proposal.quantity);
+  const records::RowList& entries = project_.subcontracts().rows();
+  for (int row = 0; row < entries.size(); ++row) {
+    auto* entry = static_cast<Subcontract*>(entries.at(row));
+    add(entry, entry->data(), entry->quantityNow());
+    if (!entry->code.empty()) {
+      targets.back().name = entry->code.str() + " " + targets.back().name;
+    }
+  }
+  return targets;
+}
+
+bool DesResItemController::setCollection(const Items& rows, const CollectionSetting& setting) {
+  const ResourceItems items = itemsOf(rows);
+  if (items.empty()) return false;
+  for (const ResourceItem* item : items) {
+    if (item->subcontract() == nullptr) continue;
+    tell(nameOf(*item) + "已归集到分包“" + item->subcontract()->name.str() +
+         "”，未作任何改动；请先取消归集，或取消选择该项后重试。");
+    return false;
+  }
+  auto* entry = dynamic_cast<Subcontract*>(setting.entry);
+  SubcontractData data;
+  if (entry == nullptr) {
+    data = newEntry(items);
+    data.account = dynamic_cast<CostAccount*>(setting.account);
+    data.features = project_.texts.intern(setting.features);
+    try {
+      data.price = costing::evaluate(setting.price).rounded(costing::UnitPricePlaces);
+    } catch (const costing::ExpressionError& error) {
+      tell("劳务、专业分包单价“" + setting.price + "”无法计算：" + error.what() +
+           "请输入数字或计算式，例如 120*0.95。");
+      return false;
+    }
+    if (data.price.isNegative()) {
+      tell("劳务、专业分包单价“" + setting.price + "”小于 0，请输入不小于 0 的单价。");
+      return false;
+    }
+  }
+  return write("设置归集", [&] {
+    Subcontract& into = entry != nullptr ? *entry : project_.addSubcontract(data);
+    for (ResourceItem* item : items) project_.collect(*item, into);
+  });
+}
+
+void DesResItemController::cancelCollection(const Items& rows) {
+  const ResourceItems items = itemsOf(rows);
+  const bool any = std::any_of(items.begin(), items.end(),
+                               [](ResourceItem* item) { return item->subcontract() != nullptr; });
+  if (!any) {
+    tell("选中的人材机都没有归集，无需取消。");
+    return;
+  }
+  write("取消归集", [&] {
+    for (ResourceItem* item : items) {
+      if (item->subcontract() != nullptr) project_.uncollect(*item);
+    }
+  });
+}
+
+std::vector<SourceBill> DesResItemController::getSourceBills(proxy::Element* row) const {
+  std::vector<SourceBill> bills;
+  const ResourceItem* item = operators::DesResItemOperator::itemOf(row);
+  if (item == nullptr) return bills;
+  for (const records::BillLine& line : project_.linesOf(*item)) {
+    records::Bill& bill = *line.bill;
+    bills.push_back({&bill, bill.code.str(), bill.name.str(), bill.features.str(), bill.unit.str(),
+                     quantityText(bill.quantityForCost())});
+  }
+  return bills;
+}
+
+void DesResItemController::findSource(proxy::Element* row) {
+  const ResourceItem* item = operators::DesResItemOperator::itemOf(row);
+  if (item == nullptr) return;
+  std::vector<proxy::Element*> bills;
+  for (const records::BillLine& line : project_.linesOf(*item)) bills.push_back(line.bill);
+  if (bills.empty()) {
+    tell(nameOf(*item) + "没有来源清单：它不是从清单归集的，也没有关联清单。");
+  } else if (!follow_ || !follow_(bills)) {
+    tell(nameOf(*item) + "的来源清单无法显示。");
+  }
+}
+
+void DesResItemController::insertItem(proxy::Element* current) {
+  const ResourceItem* beside = operators::DesResItemOperator::itemOf(current);
+  if (beside == nullptr || beside->group() == nullptr) {
+    tell("请先选择一项人材机，新的人材机加入它所在的工程和类别。");
+    return;
+  }
+  records::ResourceItemData data;
+  data.category = beside->category();
+  data.account = beside->account();
+  data.code = project_.texts.intern("补充");
+  data.name = project_.texts.intern("新增人材机");
+  data.unit = beside->unit();
+  write("插入人材机", [&] { project_.add(beside->group()->unitWork(), data); });
+}
+
+void DesResItemController::deleteItems(const Items& rows) {
+  write("删除人材机", [&] {
+    std::vector<scoped_refptr<ResourceItem>> kept;
+    for (ResourceItem* item : itemsOf(rows)) kept.emplace_back(item);
+    for (const auto& item : kept) {
+      if (project_.remove(*item)) continue;
+      throw records::Refusal(nameOf(*item) +
+                             "由清单归集而来或已有归集、关联，不能删除；请取消选择该项后重试。");
+    }
+  });
+}
+
+// ---------------------------------------------------------------------------------------------
+// Changed records
+
+void DesResItemController::itemChanged(ResourceItem& item) {
+  edited_.emplace_back(&item);
+}
+
+void DesResItemController::bookingChanged(ResourceItem& item) {
+  edited_.emplace_back(&item);
+  bills_ = true;
+}
+
+void DesResItemController::billChanged(records::Bill& /*bill*/) {
+  bills_ = true;
+}
+
+// The name of an entry stands in the rows of its items.
+void DesResItemController::subcontractChanged(Subcontract& entry) {
+  for (ResourceItem* item : project_.collectedItems(entry)) edited_.emplace_back(item);
+}
+
+void DesResItemController::aboutToInsert(records::ResourceGroup& /*parent*/, int /*row*/) {
+  rebuild_ = true;
+}
+
+void DesResItemController::aboutToRemove(records::ResourceGroup& /*parent*/, int /*row*/) {
+  rebuild_ = true;
+}
+
+void DesResItemController::stepFinished() {
+  // Handlers may edit in their turn, so that the lists are taken first.
+  const auto edited = std::exchange(edited_, {});
+  Changes changes;
+  changes.rebuild = std::exchange(rebuild_, false);
+  changes.bills = std::exchange(bills_, false);
+  for (const auto& item : edited) {
+    rows_.forget(*item);
+    if (proxy::Element* row = rows_.rowOf(*item)) changes.rows.push_back(row);
+  }
+  std::sort(changes.rows.begin(), changes.rows.end());
+  changes.rows.erase(std::unique(changes.rows.begin(), changes.rows.end()), changes.rows.end());
+  if (changed_ && (changes.rebuild || changes.bills || !changes.rows.empty())) changed_(changes);
+}
+
+}  // namespace controllers
