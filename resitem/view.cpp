@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QInputDialog>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
@@ -81,6 +82,13 @@ QCEResItemViewImpl::~QCEResItemViewImpl() = default;
 
 void QCEResItemViewImpl::setController(abst::qce::QCEResItemController* controller) {
   controller_ = controller;
+  insertMenu_->clear();
+  if (controller_ != nullptr) {
+    for (const std::string& type : controller_->getItemTypes()) {
+      insertMenu_->addAction(QString::fromStdString(type), this,
+                             [this, type] { insertItemOf(type); });
+    }
+  }
   refillSubProjects();
 }
 
@@ -119,6 +127,11 @@ void QCEResItemViewImpl::createActions() {
   paneAction_->setToolTip("在下方显示或隐藏当前人材机的清单（Ctrl+D）");
   connect(paneAction_, &QAction::toggled, this, &Page::showPane);
   addAction(paneAction_);
+  insertAction_ = addCommand("新增", "在当前人材机所在的工程中新增一项同类的人材机",
+                             QKeySequence(Qt::Key_Insert), &Page::insertItem);
+  insertMenu_ = new QMenu("新增", this);
+  deleteAction_ = addCommand("删除", "删除选中的人材机（由清单汇总而来的不能删除）",
+                             QKeySequence("Ctrl+Delete"), &Page::deleteItem);
   moveUpAction_ = addCommand("上移", "把选中的行上移一行", QKeySequence("Alt+Up"), &Page::moveUp);
   moveDownAction_ =
       addCommand("下移", "把选中的行下移一行", QKeySequence("Alt+Down"), &Page::moveDown);
@@ -182,10 +195,14 @@ void QCEResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
   toolBar->addWidget(createSeparator(this));
   // In a narrow window it keeps what does not fit behind an arrow.
   auto* commands = new QToolBar(this);
-  for (QAction* action : {conditionAction_, poolingAction_, associationAction_, paneAction_,
-                          batchPriceAction_, editCommentAction_, moveUpAction_, moveDownAction_}) {
+  for (QAction* action :
+       {conditionAction_, poolingAction_, associationAction_, paneAction_, insertAction_,
+        deleteAction_, batchPriceAction_, editCommentAction_, moveUpAction_, moveDownAction_}) {
     commands->addAction(action);
   }
+  auto* insertButton = qobject_cast<QToolButton*>(commands->widgetForAction(insertAction_));
+  insertButton->setMenu(insertMenu_);
+  insertButton->setPopupMode(QToolButton::MenuButtonPopup);
   conditionButton_ = qobject_cast<QToolButton*>(commands->widgetForAction(conditionAction_));
   QAction* findAction = commands->addAction("查找", this, &QCEResItemViewImpl::find);
   findAction->setToolTip("在表格中查找，可输入拼音首字母（Ctrl+F）");
@@ -246,6 +263,9 @@ void QCEResItemViewImpl::fillContextMenu(QMenu* menu) {
   menu->addAction(poolingAction_);
   menu->addAction(associationAction_);
   menu->addAction(paneAction_);
+  menu->addSeparator();
+  menu->addMenu(insertMenu_);
+  menu->addAction(deleteAction_);
   menu->addSeparator();
   menu->addAction(batchPriceAction_);
   menu->addAction(editCommentAction_);
@@ -518,6 +538,66 @@ void QCEResItemViewImpl::associateBills() {
   updateView();
 }
 
+// Where no row says which sub-project is meant, the range does; else the user is asked.
+proxy::Element* QCEResItemViewImpl::placeForItem() {
+  if (proxy::Element* current = treeGrid()->currentElement()) return current;
+  const int chosen = subProjectBox_->currentIndex();
+  if (chosen > 0) return subProjects_[static_cast<std::size_t>(chosen)].get();
+  QStringList names;
+  for (int i = 1; i < subProjectBox_->count(); ++i) names << subProjectBox_->itemText(i);
+  if (names.size() == 1) return subProjects_[1].get();
+  if (names.isEmpty()) return nullptr;
+  bool ok = false;
+  const QString name =
+      QInputDialog::getItem(this, "新增人材机", "新增到哪个单位工程:", names, 0, false, &ok);
+  return ok ? subProjects_[static_cast<std::size_t>(names.indexOf(name)) + 1].get() : nullptr;
+}
+
+void QCEResItemViewImpl::insertItem() {
+  if (controller_ == nullptr) return;
+  const std::vector<std::string> types = controller_->getItemTypes();
+  if (types.empty()) return;
+  domain::Value value;
+  proxy::Element* current = treeGrid()->currentElement();
+  std::string type = types.front();
+  if (current != nullptr && filter_ != nullptr &&
+      filter_->getOperator()->getValue(current, domain::keys::BRIType, domain::DisplayRole,
+                                       value)) {
+    const auto* own = std::get_if<std::string>(&value);
+    if (own != nullptr && std::find(types.begin(), types.end(), *own) != types.end()) type = *own;
+  }
+  insertItemOf(type);
+}
+
+void QCEResItemViewImpl::insertItemOf(const std::string& type) {
+  if (controller_ == nullptr || !commands_.isValid()) return;
+  proxy::Element* at = placeForItem();
+  const scoped_refptr<proxy::Element> item(at != nullptr ? controller_->insertItem(at, type)
+                                                         : nullptr);
+  if (item == nullptr) return;
+  updateView();
+  treeGrid()->selectElements({item.get()});
+  if (treeGrid()->currentElement() != item.get()) {
+    app::qce::GetQCEChannel()->message(
+        "新增的人材机不符合当前的过滤条件，暂时不显示。请放宽范围、标志、关联或条件过滤。",
+        QMessageBox::Ok);
+    return;
+  }
+  const auto* columns = dynamic_cast<const gui::ViewModel*>(abstractModel());
+  const QModelIndex current = treeGrid()->currentIndex();
+  const QModelIndex name =
+      current.sibling(current.row(), columns->getColumnIndex(domain::keys::BRIName));
+  treeGrid()->setCurrentIndex(name);
+  treeGrid()->edit(name);
+}
+
+void QCEResItemViewImpl::deleteItem() {
+  const ResItemCommands::Items items = selectedItems();
+  if (controller_ == nullptr || !controller_->canDeleteItems(items)) return;
+  controller_->deleteItems(items);
+  updateView();
+}
+
 void QCEResItemViewImpl::moveUp() {
   move(true);
 }
@@ -579,6 +659,9 @@ void QCEResItemViewImpl::refreshActions() {
       return filter_->getComment(item, text) && !text.empty();
     });
   }
+  insertAction_->setEnabled(movable && !insertMenu_->isEmpty());
+  insertMenu_->setEnabled(insertAction_->isEnabled());
+  deleteAction_->setEnabled(controller_ != nullptr && controller_->canDeleteItems(items));
   batchPriceAction_->setEnabled(!items.empty());
   editCommentAction_->setEnabled(commentable);
   deleteCommentAction_->setEnabled(annotated);

@@ -63,6 +63,10 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
                  const std::vector<proxy::Element*>& selected);
 
  public slots:
+  /// Makes an item of the current row's type below it, and lets its name be typed.
+  void insertItem() override;
+  /// Deletes the selected items.
+  void deleteItem() override;
   void startFilter();
   void cancelFilter();
   /// Asks for a price and sets it as the unit price excluding tax of the selected items.
@@ -92,6 +96,8 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
 
  private:
   void createActions();
+  void insertItemOf(const std::string& type);
+  proxy::Element* placeForItem();
   QAction* addCommand(const QString& text, const QString& toolTip, const QKeySequence& keys,
                       void (QCEResItemViewImpl::*slot)());
   void addChoice(QBoxLayout* toolBar, const QString& label, QActionGroup* group);
@@ -128,6 +134,9 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   bool conditionsOn_ = false;
   bool wasEmpty_ = true;
   QAction* batchPriceAction_ = nullptr;
+  QAction* insertAction_ = nullptr;
+  QAction* deleteAction_ = nullptr;
+  QMenu* insertMenu_ = nullptr;
   QAction* editCommentAction_ = nullptr;
   QAction* deleteCommentAction_ = nullptr;
   QAction* poolingAction_ = nullptr;

@@ -1,3 +1,4 @@
+#include <QComboBox>
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <QUndoStack>
@@ -133,6 +134,71 @@ class TestViewOnProject : public QObject {
     QCOMPARE(grid_->selectedElements().size(), std::size_t(2));
     project_->undo().stack()->undo();
     QCOMPARE(shownCodes(), before);
+  }
+
+  void addsItemsOfOnesOwn() {
+    auto* first = static_cast<records::ResourceItem*>(selectItems(1).front());
+    const std::string before = project_->project().dump();
+    const costing::Decimal total = project_->totals().excluded;
+    const int items = shownCodes().size();
+    QTest::keyClick(grid_, Qt::Key_Insert);
+    auto* added = dynamic_cast<records::ResourceItem*>(grid_->currentElement());
+    QVERIFY(added != nullptr && added != first);
+    auto* edit = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    QVERIFY(edit != nullptr);  // the name is being typed
+    edit->selectAll();
+    edit->insert("临时用工");
+    QTest::keyClick(edit, Qt::Key_Return);
+    QCoreApplication::processEvents();  // the editor writes from the event loop
+    QCOMPARE(shownCodes().size(), items + 1);
+    QCOMPARE(added->name().str(), std::string("临时用工"));
+    QVERIFY(added->group() == first->group() && added->account() != nullptr);
+    const auto type = [this](proxy::Element* item, const std::string& key, const char* text) {
+      return filter_->setData(filter_->makeIndex(item, filter_->getColumnIndex(key)), text);
+    };
+    QVERIFY(type(added, keys::BRIUnit, "工日"));
+    QVERIFY(type(added, keys::BRIAmount, "12.5"));
+    QVERIFY(type(added, keys::BRIExcludedTaxFee, "200"));
+    QVERIFY(project_->totals().excluded - total == costing::Decimal(2500));
+    QVERIFY(!type(added, keys::BRIAmount, "-1"));
+    QCOMPARE(channel_.messages().size(), std::size_t(1));
+    for (const std::string& key : {keys::BRIUnit, keys::BRIAmount}) {  // those of the bills
+      const QModelIndex cell = filter_->makeIndex(first, filter_->getColumnIndex(key));
+      QVERIFY(!cell.flags().testFlag(Qt::ItemIsEditable));
+      QVERIFY(!type(first, key, "3"));
+    }
+
+    grid_->selectElements({first, added});
+    QTest::keyClick(grid_, Qt::Key_Delete, Qt::ControlModifier);
+    QVERIFY(channel_.messages().back().text.find("没有删除任何人材机") != std::string::npos);
+    QCOMPARE(shownCodes().size(), items + 1);
+    grid_->selectElements({added});
+    QTest::keyClick(grid_, Qt::Key_Delete, Qt::ControlModifier);
+    QCOMPARE(shownCodes().size(), items);
+    QCOMPARE(project_->totals().excluded.toString(), total.toString());
+    while (project_->undo().stack()->canUndo()) project_->undo().stack()->undo();
+    QCOMPARE(project_->project().dump(), before);
+  }
+
+  void addsTheFirstItem() {
+    path_ = folder_.filePath("空.qcp");
+    store::Failure failure;
+    QVERIFY(store::ProjectFile::create(path_, nullptr, {"空", "投标成本测算", {}}, failure));
+    cleanup();
+    init();
+    path_ = folder_.filePath("办公楼.qcp");
+    QTimer::singleShot(0, [] {
+      auto* dialog = QApplication::activeModalWidget();
+      QTest::keyClick(dialog->findChild<QComboBox*>(), Qt::Key_Down);
+      QTest::keyClick(dialog, Qt::Key_Return);
+    });
+    grid_->setCurrentIndex({});  // no row says where the item goes
+    page_->insertItem();
+    auto* added = dynamic_cast<records::ResourceItem*>(grid_->currentElement());
+    QVERIFY(added != nullptr);
+    QVERIFY(&added->group()->unitWork() == project_->project().unitWorks().at(1));
+    QCOMPARE(added->category(), records::Category::Labour);
+    QCOMPARE(added->code().str(), std::string("补充人工001"));
   }
 
   // A caption names no item, and a group goes with the last item that is shown for it.

@@ -1,8 +1,12 @@
 #include "workbench/controllers/res_item_controller.h"
 
+#include <QMessageBox>
+#include <algorithm>
+#include <set>
 #include <utility>
 
 #include "host/app/scoped_undo.h"
+#include "host/app/services.h"
 #include "workbench/controllers/association_bill_controller.h"
 #include "workbench/controllers/notional_pooling_controller.h"
 
@@ -38,6 +42,76 @@ bool ResItemController::moveDown(proxy::Element* element) {
   if (item == nullptr) return false;
   const app::ScopedUndo undo("下移");
   return project_.moveDown(*item);
+}
+
+std::vector<std::string> ResItemController::getItemTypes() const {
+  std::vector<std::string> types;
+  for (int i = 0; i < records::CategoryCount; ++i) {
+    types.push_back(records::nameOf(static_cast<records::Category>(i)));
+  }
+  return types;
+}
+
+proxy::Element* ResItemController::insertItem(proxy::Element* at, const std::string& type) {
+  records::StructureNode* unitWork = at != nullptr ? project_.unitWorkOf(*at) : nullptr;
+  const std::vector<std::string> types = getItemTypes();
+  const auto found = std::find(types.begin(), types.end(), type);
+  if (unitWork == nullptr || found == types.end()) return nullptr;
+  records::ResourceItemData item;
+  item.category = static_cast<records::Category>(found - types.begin());
+  const auto& accounts = project_.allAccounts();
+  const auto account = std::find_if(accounts.begin(), accounts.end(), [&item](const auto* each) {
+    return each->defaultFor == item.category;
+  });
+  if (account != accounts.end()) item.account = *account;
+  item.code = freeCode(*unitWork, item.category);
+  item.name = project_.texts.intern("新增" + type);
+  item.taxRate = item.category == records::Category::Labour ? 3 : 13;
+  const app::ScopedUndo undo("新增" + type);
+  return project_.add(*unitWork, item);
+}
+
+// "补充人工001" and so on, as supplements to a list of prices are numbered.
+records::Text ResItemController::freeCode(const records::StructureNode& unitWork,
+                                          records::Category category) {
+  const records::RowList& rows = project_.categoryGroup(unitWork, category)->rows();
+  std::set<std::string> taken;
+  for (int row = 0; row < rows.size(); ++row) {
+    taken.insert(static_cast<const records::ResourceItem*>(rows.at(row))->code().str());
+  }
+  std::string code;
+  int number = 0;
+  do {
+    const std::string digits = std::to_string(++number);
+    code = "补充" + records::nameOf(category) +
+           std::string(digits.size() < 3 ? 3 - digits.size() : 0, '0') + digits;
+  } while (taken.count(code) > 0);
+  return project_.texts.intern(code);
+}
+
+bool ResItemController::canDeleteItems(const std::vector<proxy::Element*>& items) const {
+  return !items.empty();
+}
+
+void ResItemController::deleteItems(const std::vector<proxy::Element*>& items) {
+  std::vector<scoped_refptr<records::ResourceItem>> going;
+  for (proxy::Element* element : items) {
+    auto* item = dynamic_cast<records::ResourceItem*>(element);
+    if (item == nullptr) continue;
+    const bool booked = project_.bookings().isBooked(*item);
+    if (item->gathered() || booked) {
+      app::qce::GetQCEChannel()->message(
+          "“" + item->code().str() + " " + item->name().str() +
+              (item->gathered() ? "”由清单工料机汇总而来，不能删除；不需要时可把单价设为 0。"
+                                : "”已归集工料机或关联清单，不能删除；请先取消归集和关联。") +
+              "\n本次没有删除任何人材机。",
+          QMessageBox::Ok);
+      return;
+    }
+    going.emplace_back(item);
+  }
+  const app::ScopedUndo undo("删除人材机");
+  for (const auto& item : going) project_.remove(*item);
 }
 
 bool ResItemController::canCollectToCost(proxy::Element* item) const {

@@ -46,6 +46,11 @@ class ResItemController : public abst::qce::QCEResItemController, private record
   std::vector<std::pair<std::string, proxy::Element*>> getSubProjects() const override;
   bool moveUp(proxy::Element* item) override;
   bool moveDown(proxy::Element* item) override;
+  std::vector<std::string> getItemTypes() const override;
+  /// With an account by its type and the usual tax rate, named "新增人工" and so on.
+  proxy::Element* insertItem(proxy::Element* at, const std::string& type) override;
+  bool canDeleteItems(const std::vector<proxy::Element*>& items) const override;
+  void deleteItems(const std::vector<proxy::Element*>& items) override;
   bool canCollectToCost(proxy::Element* item) const override;
   void collectToCost(proxy::Element* item) override;
   bool canAssociateBills(const std::vector<proxy::Element*>& items) const override;
@@ -62,6 +67,7 @@ class ResItemController : public abst::qce::QCEResItemController, private record
   void swapped() override;
   void rearranged(records::ResourceGroup& group) override;
   void stepFinished() override;
+  records::Text freeCode(const records::StructureNode& unitWork, records::Category category);
   void note(proxy::Element* element);
   /// Whether the element is among the model's rows; those of other sub-projects may not be.
   bool isShown(const proxy::Element* element) const;

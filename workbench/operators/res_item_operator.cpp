@@ -73,8 +73,8 @@ const std::array<ColumnInfo, ColumnCount>& columns() {
       {keys::BRICode, "编码", StringField, 110, ItemField::Code},
       {keys::BRIName, "名称", StringField, 180, ItemField::Name},
       {keys::BRISpec, "规格型号", StringField, 140, ItemField::Spec},
-      {keys::BRIUnit, "单位", StringField, 60, {}},
-      {keys::BRIAmount, "数量", FloatingPointField, 110, {}},
+      {keys::BRIUnit, "单位", StringField, 60, ItemField::Unit},
+      {keys::BRIAmount, "数量", FloatingPointField, 110, ItemField::Quantity},
       {keys::BRIBudgetTotalCost, "预算合价（元）", FloatingPointField, 130, {}, true},
       {keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 130, ItemField::Price,
        true},
@@ -430,6 +430,8 @@ bool ResItemOperator::setValue(proxy::Element* element, const std::string& key, 
       project_.set(*item, *field, content);
     } catch (const std::overflow_error&) {
       return refuse(nameOf(*item) + "的" + title + "过大，合价超出可计算的范围，未修改。");
+    } catch (const records::Refusal& refusal) {
+      return refuse(refusal.what());
     }
     return true;
   };
@@ -442,20 +444,23 @@ bool ResItemOperator::setValue(proxy::Element* element, const std::string& key, 
       return on && write(*on);
     }
     case ItemField::Price:
-    case ItemField::TaxRate: {
+    case ItemField::TaxRate:
+    case ItemField::Quantity: {
       // A cleared price is no price: 0, as in a list that is still to be priced.
       std::optional<Decimal> number;
       if (!readDecimal(value, number)) {
         return refuse(nameOf(*item) + "的" + title + "应为数字，请重新输入。");
       }
       const Decimal content = number.value_or(Decimal());
-      const bool price = *field == ItemField::Price;
-      const Decimal limit = price ? Decimal(1000000000) : Decimal(100);
+      const bool rate = *field == ItemField::TaxRate;
+      const Decimal limit = rate ? Decimal(100) : Decimal(1000000000);
       if (content.isNegative() || content > limit) {
         return refuse(nameOf(*item) + "的" + title + "应在 0 到 " +
-                      (price ? "1,000,000,000" : "100") + " 之间，请重新输入。");
+                      (rate ? "100" : "1,000,000,000") + " 之间，请重新输入。");
       }
-      const int places = price ? MaxPricePlaces : MaxTaxRatePlaces;
+      const int places = rate                         ? MaxTaxRatePlaces
+                         : *field == ItemField::Price ? MaxPricePlaces
+                                                      : costing::MaxQuantityPlaces;
       if (content.rounded(places) != content) {
         return refuse(nameOf(*item) + "的" + title + "最多 " + std::to_string(places) +
                       " 位小数，请重新输入。");
@@ -501,8 +506,11 @@ bool ResItemOperator::isEnabled(const proxy::Element* element, const std::string
 
 bool ResItemOperator::isEditable(const proxy::Element* element, const std::string& key) const {
   const int column = columnOf(key);
-  return column >= 0 && !isFlag(column) && itemOf(element) != nullptr &&
-         columns()[static_cast<std::size_t>(column)].field.has_value();
+  const ResourceItem* item = itemOf(element);
+  if (column < 0 || isFlag(column) || item == nullptr) return false;
+  if (column == Amount) return !project_.bookings().quantityFollows(*item);
+  if (column == Unit) return !item->gathered();
+  return columns()[static_cast<std::size_t>(column)].field.has_value();
 }
 
 bool ResItemOperator::isCheckable(const proxy::Element* element, const std::string& key) const {

@@ -6,9 +6,9 @@
 namespace records {
 
 const std::string& nameOf(ItemField field) {
-  static const std::array<std::string, 12> names = {"成本科目",   "编码", "名称",     "规格型号",
-                                                    "不含税单价", "税率", "甲供标记", "暂估标记",
-                                                    "可调价标记", "批注", "数量",     "关联到成本"};
+  static const std::array<std::string, 13> names = {
+      "成本科目", "编码",       "名称", "规格型号", "不含税单价", "税率", "甲供标记",
+      "暂估标记", "可调价标记", "批注", "数量",     "关联到成本", "单位"};
   return names[static_cast<std::size_t>(field)];
 }
 

@@ -24,6 +24,7 @@ enum class ItemField {
   Annotation,
   Quantity,
   Linked,  ///< 关联到成本; written by Project::setLinked
+  Unit,
 };
 /// "不含税单价" and so on.
 const std::string& nameOf(ItemField field);

@@ -93,6 +93,8 @@ FieldValue Project::value(const ResourceItem& item, ItemField field) const {
       return item.quantity_;
     case ItemField::Linked:
       return item.linked_;
+    case ItemField::Unit:
+      return item.unit_;
   }
   return false;
 }
@@ -105,20 +107,25 @@ void Project::set(ResourceItem& item, ItemField field, const FieldValue& after) 
                   "的数量由清单汇总而来，不能直接修改；请修改所在清单的实际含量或系数。");
   }
   if (field == ItemField::Linked) return setLinked({&item}, std::get<bool>(after));
+  if (field == ItemField::Unit && item.gathered()) {
+    throw Refusal(label(item) + "由清单工料机汇总而来，单位不能修改；请新增一项人材机。");
+  }
   record(SetField{scoped_refptr<ResourceItem>(&item), field, before, after});
 }
 
-void Project::add(StructureNode& unitWork, const ResourceItemData& data) {
+ResourceItem* Project::add(StructureNode& unitWork, const ResourceItemData& data) {
   ResourceItemData placed = data;
   const ResourceGroup* group = categoryGroup(unitWork, data.category);
-  if (group == nullptr) return;
+  if (group == nullptr) return nullptr;
   if (placed.position < 0) {
     placed.position = 0;
     for (int row = 0; row < group->rows().size(); ++row) {
       placed.position = std::max(placed.position, itemAt(*group, row).position() + 1);
     }
   }
-  record(AddItem{makeItem(placed), &unitWork});
+  const scoped_refptr<ResourceItem> item = makeItem(placed);
+  record(AddItem{item, &unitWork});
+  return item.get();
 }
 
 bool Project::remove(ResourceItem& item) {
@@ -303,6 +310,9 @@ void Project::write(ResourceItem& item, ItemField field, const FieldValue& value
       item.linked_ = std::get<bool>(value);
       countWaiting(item, 1);
       setAmounts(item);
+      break;
+    case ItemField::Unit:
+      item.unit_ = std::get<Text>(value);
       break;
   }
   if (item.group() != nullptr) count(*item.group(), before, item.totals());

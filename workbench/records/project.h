@@ -159,7 +159,8 @@ class Project {
   // Editing. An unchanged value records nothing. std::overflow_error: an amount would not fit, and
   // nothing has changed.
 
-  /// Throws Refusal for a quantity that follows from bill lines.
+  /// Throws Refusal for a quantity that follows from bill lines, and for another unit than that of
+  /// what was gathered.
   void set(ResourceItem& item, ItemField field, const FieldValue& value);
   /// Writes what can be edited of a bill, all of it or nothing. Its cost quantity is worked out
   /// here and scales the cost of all that the bill uses; the budget stays. Throws Refusal for a
@@ -167,8 +168,8 @@ class Project {
   void set(Bill& bill, BillData data);
   /// The names that the calculation of a bill's cost quantity can use, with their values.
   costing::Variables variablesFor(const Bill& bill) const;
-  /// Appends an item to the group of its category.
-  void add(StructureNode& unitWork, const ResourceItemData& data);
+  /// Appends an item to the group of its category; null for a node that is no unit work.
+  ResourceItem* add(StructureNode& unitWork, const ResourceItemData& data);
   /// False, and nothing removed, for an item that budget items were gathered to or that anything is
   /// booked on.
   bool remove(ResourceItem& item);

@@ -16,6 +16,21 @@ std::string QCENewProjectView::getProjectTemplate() const {
 QCENewProjectController::~QCENewProjectController() = default;
 QCEResItemController::~QCEResItemController() = default;
 
+std::vector<std::string> QCEResItemController::getItemTypes() const {
+  return {};
+}
+
+proxy::Element* QCEResItemController::insertItem(proxy::Element* /*at*/,
+                                                 const std::string& /*type*/) {
+  return nullptr;
+}
+
+bool QCEResItemController::canDeleteItems(const std::vector<proxy::Element*>& /*items*/) const {
+  return false;
+}
+
+void QCEResItemController::deleteItems(const std::vector<proxy::Element*>& /*items*/) {}
+
 bool QCEResItemController::canCollectToCost(proxy::Element* /*item*/) const {
   return false;
 }

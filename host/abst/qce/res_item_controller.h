@@ -23,6 +23,16 @@ class QCE_CONTRACT_EXPORT QCEResItemController {
   virtual bool moveUp(proxy::Element* item) = 0;
   virtual bool moveDown(proxy::Element* item) = 0;
 
+  /// The types of item (人工, 材料, ...) that insertItem can make; empty, the default: none.
+  virtual std::vector<std::string> getItemTypes() const;
+  /// Makes an item of the type in the sub-project that `at` is or belongs to; null where that is
+  /// not possible.
+  virtual proxy::Element* insertItem(proxy::Element* at, const std::string& type);
+  /// Whether the items can be deleted.
+  virtual bool canDeleteItems(const std::vector<proxy::Element*>& items) const;
+  /// Deletes all of them, or none and tells the user why.
+  virtual void deleteItems(const std::vector<proxy::Element*>& items);
+
   /// Whether budget resource items can be pooled into `item`.
   virtual bool canCollectToCost(proxy::Element* item) const;
   /// Asks the user what to pool into `item`, and books it; returns when that is done. By default
