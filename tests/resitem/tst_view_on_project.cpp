@@ -169,10 +169,12 @@ class TestViewOnProject : public QObject {
     }
 
     grid_->selectElements({first, added});
+    QCoreApplication::processEvents();
     QTest::keyClick(grid_, Qt::Key_Delete, Qt::ControlModifier);
     QVERIFY(channel_.messages().back().text.find("没有删除任何人材机") != std::string::npos);
     QCOMPARE(shownCodes().size(), items + 1);
     grid_->selectElements({added});
+    QCoreApplication::processEvents();
     QTest::keyClick(grid_, Qt::Key_Delete, Qt::ControlModifier);
     QCOMPARE(shownCodes().size(), items);
     QCOMPARE(project_->totals().excluded.toString(), total.toString());
