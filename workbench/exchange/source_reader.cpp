@@ -60,6 +60,7 @@ constexpr NumberRule Content{"100000", 6, 5};
 constexpr NumberRule UnitPrice{"1000000000", 2, 9};
 constexpr NumberRule ResourcePrice{"1000000000", 4, 9};
 constexpr NumberRule Rate{"1000", 4, 3};
+constexpr NumberRule ProjectRate{"100", 4, 3};
 constexpr NumberRule Area{"1000000000", 2, 9};
 constexpr NumberRule Amount{"10000000000000", 2, 13};
 constexpr NumberRule Sum{"10000000000000000000", 2, 19};
@@ -369,7 +370,7 @@ void Parser::readFacts(ProjectFacts& facts) {
                .arg(clipped(text(method))));
   }
   facts.taxMethod = *taxMethod;
-  facts.taxRate = attributes.requiredNumber("taxRate", "税率", Rate);
+  facts.taxRate = attributes.requiredNumber("taxRate", "税率", ProjectRate);
   facts.buildingArea =
       attributes.number("buildingArea", "建筑面积", Area, false).value_or(Decimal());
   attributes.finish();

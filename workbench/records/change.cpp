@@ -75,6 +75,8 @@ std::string describe(const ChangeSet& changes) {
       kinds.insert("分包关联清单");
     } else if (std::holds_alternative<UnassignBill>(change)) {
       kinds.insert("分包取消关联清单");
+    } else if (std::holds_alternative<SetTaxation>(change)) {
+      kinds.insert("修改计税方法");
     } else {
       kinds.insert("移动工料机");
     }

@@ -7,6 +7,7 @@
 
 #include "workbench/records/bill_line.h"
 #include "workbench/records/elements.h"
+#include "workbench/records/taxation.h"
 
 namespace records {
 
@@ -132,10 +133,14 @@ struct UnassignBill {
   int row;
 };
 
+struct SetTaxation {
+  Taxation before, after;
+};
+
 using Change =
     std::variant<SetField, AddItem, RemoveItem, Reposition, SetPooling, SetTerms, SetBill, SetFee,
                  AddFee, RemoveFee, SetCollection, SetSubcontract, AddSubcontract,
-                 RemoveSubcontract, MoveSubcontract, AssignBill, UnassignBill>;
+                 RemoveSubcontract, MoveSubcontract, AssignBill, UnassignBill, SetTaxation>;
 using ChangeSet = std::vector<Change>;
 
 /// What an undo menu calls these changes: "修改不含税单价", "移动", ...

@@ -197,8 +197,9 @@ FeeTemplate FeeTemplate::parse(std::string_view json) {
 }
 
 costing::Decimal FeeTemplate::taxRate(const Facts& facts) const {
-  if (!rateOfTemplate && !facts.taxMethod.empty()) return facts.taxRate;
-  return facts.taxMethod == "简易计税" ? simplifiedRate : generalRate;
+  const bool own = facts.taxMethod == tax_methods::Own;
+  if (own || (!rateOfTemplate && !facts.taxMethod.empty())) return facts.taxRate;
+  return facts.taxMethod == tax_methods::Simplified ? simplifiedRate : generalRate;
 }
 
 }  // namespace records

@@ -36,14 +36,15 @@ struct FeeTemplate {
 
   std::vector<Line> lines;
   costing::Decimal generalRate, simplifiedRate;  ///< per cent
-  bool rateOfTemplate = false;                   ///< even where the project has a rate of its own
+  /// These count even where the project names a rate, save one that the user has set.
+  bool rateOfTemplate = false;
 
   /// Reads the JSON text (UTF-8) of a template file.
   /// @throws FeeTemplateError also when a source has more than one line, or none (subcontracts can
   /// do without)
   static FeeTemplate parse(std::string_view json);
 
-  /// Per cent. The project's own rate counts where it names a method of taxation.
+  /// Per cent. The project's rate counts where it names a method of taxation.
   costing::Decimal taxRate(const Facts& facts) const;
 };
 

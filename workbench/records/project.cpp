@@ -174,6 +174,13 @@ bool Project::swapWithNext(ResourceGroup& group, int upper) {
   return true;
 }
 
+void Project::setTaxation(const Taxation& taxation) {
+  if (taxation == this->taxation()) return;
+  const std::string problem = problemOf(taxation);
+  if (!problem.empty()) throw Refusal(problem);
+  record(SetTaxation{this->taxation(), taxation});
+}
+
 ChangeSet Project::takeRecorded() {
   return std::exchange(recorded_, {});
 }
@@ -246,6 +253,10 @@ void Project::perform(const Change& change, Direction direction) {
   } else if (const auto* unassigned = std::get_if<UnassignBill>(&change)) {
     forward ? unlink(*unassigned->entry, unassigned->bill)
             : link(*unassigned->entry, unassigned->row, unassigned->bill);
+  } else if (const auto* taxed = std::get_if<SetTaxation>(&change)) {
+    const Taxation& next = forward ? taxed->after : taxed->before;
+    facts.taxMethod = next.method;
+    facts.taxRate = next.rate;
   } else {
     place(std::get<Reposition>(change), direction);
   }
@@ -449,6 +460,7 @@ std::string Project::dump() const {
           totals.included.toString(2)});
   };
   money("project", totals_);
+  line({"tax", facts.taxMethod, facts.taxRate.toString()});
   for (const StructureNode* unitWork : unitWorks_) {
     money("sub-project " + unitWork->code, subProject(*unitWork)->totals());
     for (int i = 0; i < CategoryCount; ++i) {

@@ -261,6 +261,10 @@ class Project {
   void collect(ResourceItem& item, Subcontract& into);
   void uncollect(ResourceItem& item);
 
+  Taxation taxation() const { return {facts.taxMethod, facts.taxRate}; }
+  /// Throws Refusal where problemOf has something against it. Nothing that is kept follows from it.
+  void setTaxation(const Taxation& taxation);
+
   bool hasRecorded() const { return !recorded_.empty(); }
   ChangeSet takeRecorded();
   enum class Direction { Forward, Backward };

@@ -5,6 +5,7 @@
 #include <QPair>
 #include <QScrollArea>
 #include <QTreeView>
+#include <QVBoxLayout>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -15,6 +16,7 @@
 #include "host/base/number_text.h"
 #include "workbench/controllers/open_project.h"
 #include "workbench/services/fee_template.h"
+#include "workbench/shell/tax_settings.h"
 
 namespace shell {
 
@@ -146,17 +148,44 @@ void addLines(const std::vector<records::FeeTemplate::Line>& lines, const QStrin
   }
 }
 
-Facts taxFacts(const records::Facts& project) {
+records::FeeTemplate feeTemplate() {
+  return services::loadFeeTemplate(text(app::GetPathMgr()->getTemplatePath()));
+}
+
+Facts templateFacts() {
   const QString directory = text(app::GetPathMgr()->getTemplatePath());
-  const records::FeeTemplate fees = services::loadFeeTemplate(directory);
-  Facts facts{{QStringLiteral("计税方法"), text(project.taxMethod)},
-              {QStringLiteral("汇总所用税率"),
-               text(fees.taxRate(project).toString()) + QStringLiteral(" %")},
-              {QStringLiteral("自定义费用模板"),
+  const records::FeeTemplate fees = feeTemplate();
+  Facts facts{{QStringLiteral("自定义费用模板"),
                directory + QStringLiteral("/费用模板/投标费用.json（没有此文件时用内置模板）")}};
   addLines(fees.lines, QStringLiteral("　"), facts);
   return facts;
 }
+
+/// How the project is taxed, and below it how it is summed up.
+class TaxView : public QWidget, public abst::BaseView {
+ public:
+  explicit TaxView(Session& session)
+      : settings_(new TaxSettings(session, feeTemplate())), facts_(new FactsView(templateFacts)) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(settings_);
+    layout->addWidget(facts_, 1);
+    connect(&session, &Session::changed, settings_, &TaxSettings::refresh);
+  }
+
+  void setModel(abst::BaseModel* /*model*/) override {}
+  void activate() override { updateView(); }
+  void deactivate() override {}
+  void updateView() override {
+    settings_->refresh();
+    facts_->updateView();
+  }
+
+ private:
+  TaxSettings* settings_;
+  FactsView* facts_;
+};
 
 }  // namespace
 
@@ -170,8 +199,7 @@ Page makeProjectInfoPage(Session& session) {
   view->addSubView(std::string("基本信息"),
                    new FactsView([&facts] { return projectFacts(facts); }));
   view->addSubView(std::string("金额核对"), new FactsView([&facts] { return moneyFacts(facts); }));
-  view->addSubView(std::string("计税与费用模板"),
-                   new FactsView([&facts] { return taxFacts(facts); }));
+  view->addSubView(std::string("计税与费用模板"), new TaxView(session));
 
   Page page;
   page.key = QStringLiteral("info");

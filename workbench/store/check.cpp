@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "workbench/costing/expression.h"
+#include "workbench/records/taxation.h"
 #include "workbench/store/database.h"
 #include "workbench/store/project_file.h"
 
@@ -490,6 +491,11 @@ class Checker {
         {{"bills", "清单合价", bills},
          {"resources", "预算工料机合价", computed_.value({0, -1}).budget},
          {"fees", "间接费", fees_}}};
+    const QString rate = facts.value(QStringLiteral("tax_rate"), QStringLiteral("0"));
+    const std::string taxed =
+        records::problemOf({facts.value(QStringLiteral("tax_method")).toStdString(),
+                            number(rate, QStringLiteral("工程的税率"))});
+    if (!taxed.empty()) find(QString::fromStdString(taxed));
     for (const Line& line : lines) {
       const QString name = QString::fromUtf8(line.name);
       const QString key = QString::fromLatin1(line.key);

@@ -178,6 +178,7 @@ constexpr char UpdateItem[] =
     " provisional = ?, price_adjustable = ?, associated = ?, annotation = ?, linked = ?,"
     " subcontract_id = ? WHERE id = ?";
 
+constexpr char InsertFact[] = "INSERT INTO project_fact (name, value) VALUES (?, ?)";
 constexpr char InsertSubcontract[] =
     "INSERT INTO subcontract (position, code, name, features, unit, contract_type, metering,"
     " attachment, content_quota, price_expiry_date, applicable_area, remark, price, tax_rate,"
@@ -278,7 +279,7 @@ class Writer {
   bool counted() { return ++rows_ % ReportEvery != 0 || !progress_ || progress_(rows_); }
 
   void facts() {
-    Statement insert(database_, "INSERT INTO project_fact (name, value) VALUES (?, ?)");
+    Statement insert(database_, InsertFact);
     const records::Facts& facts = project_.facts;
     for (const FactRow& row : TextFacts)
       insert.run({cell(std::string(row.name)), cell(facts.*row.text)});
@@ -874,6 +875,7 @@ void writeChanges(Database& database, records::Project& project,
   std::set<const records::Subcontract*> entries;
   std::set<const records::Subcontract*> assignments;  // entries with other bills than before
   bool entriesMoved = false;
+  bool taxed = false;
   std::set<const records::IndirectFeeItem*> fees;
   std::set<const records::IndirectFeeGroup*> feeGroups;  // with other rows than before
   const records::Bookings& bookings = project.bookings();
@@ -932,6 +934,8 @@ void writeChanges(Database& database, records::Project& project,
     } else if (const auto* unassigned = std::get_if<records::UnassignBill>(&change)) {
       entries.insert(unassigned->entry.get());
       assignments.insert(unassigned->entry.get());
+    } else if (std::holds_alternative<records::SetTaxation>(change)) {
+      taxed = true;
     } else {
       for (const auto& place : std::get<records::Reposition>(change).places) {
         touch(place.item.get());
@@ -1017,6 +1021,17 @@ void writeChanges(Database& database, records::Project& project,
     }
     const std::vector<QVariant> cells = feeCells(*fee);
     if (updateFee.run(cells) == 0) insertFee.run(cells);
+  }
+
+  if (taxed) {
+    Statement removeFact(database, "DELETE FROM project_fact WHERE name = ?");
+    Statement insertFact(database, InsertFact);
+    const auto writeFact = [&](const std::string& name, const QVariant& value) {
+      removeFact.run({cell(name)});
+      insertFact.run({cell(name), value});
+    };
+    writeFact("tax_method", cell(project.facts.taxMethod));
+    writeFact("tax_rate", cell(project.facts.taxRate));
   }
 
   Statement total(database,

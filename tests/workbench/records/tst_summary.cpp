@@ -24,6 +24,10 @@ using Kind = SummaryLine::Kind;
 
 namespace {
 
+// What indirect fees are reckoned on.
+constexpr char kLabourBase[] = "人工费*1.5";
+constexpr char kDirectBase[] = "直接费";
+
 constexpr SummaryKind kKinds[] = {SummaryKind::BidFees, SummaryKind::Structure,
                                   SummaryKind::Accounts};
 
@@ -75,8 +79,9 @@ struct Plain {
       for (const ResourceItem* item : itemsOf(project, *work)) {
         Decimal inLines, money;
         for (const records::BillLine& line : project.linesOf(*item)) {
-          above(line.bill, {}, line.excludedAmount);
-          inLines += line.excludedAmount;
+          const Decimal cost = costOf(line, *item);
+          above(line.bill, {}, cost);
+          inLines += cost;
           money += line.budgetAmount;
         }
         const auto* sums = project.bookings().sumsOf(*item);
@@ -91,6 +96,11 @@ struct Plain {
         elements[item->category()].add(item->budgetAmount().value(),
                                        item->excludedAmount().value());
         account(item->account(), item->budgetAmount().value(), item->excludedAmount().value());
+        const bool isLabour = item->category() == records::Category::Labour;
+        for (const StructureNode* node : {work, static_cast<const StructureNode*>(nullptr)}) {
+          directCost[node] += item->excludedAmount().value();
+          if (isLabour) labourCost[node] += item->excludedAmount().value();
+        }
       }
     }
     fees(project.feeGroups().rows(), {});
@@ -107,6 +117,27 @@ struct Plain {
       of[work] = money;
       if (work->parent() != nullptr) of[work->parent()].add(money.income, money.cost);
     }
+  }
+
+  static Decimal costOf(const records::BillLine& line, const ResourceItem& item) {
+    if (!item.linked() || item.subcontract() != nullptr) return {};
+    const Decimal tender = line.bill->quantity.value();
+    const Decimal made = line.bill->costQuantity ? line.bill->costQuantity->value() : tender;
+    if (line.terms.price) return (made * *line.terms.price).rounded(2);
+    const Decimal quantity = line.terms.content ? made * *line.terms.content
+                             : tender.isZero()  ? line.budgetQuantity
+                                                : line.budgetQuantity * made / tender;
+    return (quantity * line.terms.coefficient * item.price().value()).rounded(2);
+  }
+
+  /// Of a fee of `work`; null: of the project.
+  Decimal costOf(const records::IndirectFeeItem& fee, const StructureNode* work) {
+    if (!fee.cost) return fee.amount;
+    if (fee.cost->base.empty() || !fee.cost->rate) return fee.cost->amount;
+    const Decimal base = fee.cost->base == kLabourBase   ? labourCost[work] * dec("1.5")
+                         : fee.cost->base == kDirectBase ? directCost[work]
+                                                         : dec(fee.cost->base.c_str());
+    return (base * *fee.cost->rate / 100).rounded(2);
   }
 
   static std::vector<ResourceItem*> itemsOf(Project& project, const StructureNode& work) {
@@ -160,14 +191,16 @@ struct Plain {
         continue;
       }
       const auto* fee = static_cast<records::IndirectFeeItem*>(rows.at(row));
+      const Decimal cost = costOf(*fee, work);
       for (const proxy::Element* at = fee; at != nullptr; at = at->parent()) {
-        of[at].add(fee->amount, fee->amount);
+        of[at].add(fee->amount, cost);
       }
-      account(fee->account, fee->amount, fee->amount);
+      account(fee->account, fee->amount, cost);
       if (work != nullptr) {
-        of[work].add(fee->amount, fee->amount);
-        feesOf[work] += fee->amount;
+        of[work].add(fee->amount, cost);
+        feesOf[work] += cost;
       }
+      allFees += cost;
       taxable += fee->amount;
     }
   }
@@ -205,6 +238,8 @@ struct Plain {
   std::map<const StructureNode*, Decimal> feesOf, subcontracted;
   std::map<const Bill*, Decimal> incomes;
   Decimal allSubcontracts, withoutBills;
+  std::map<const StructureNode*, Decimal> labourCost, directCost;  // null: of the project
+  Decimal allFees;
 };
 
 /// Why the summary is wrong; empty when it is not.
@@ -280,9 +315,8 @@ QString fault(Project& project, Plain& plain, SummaryKind kind, const SummaryLin
   }
   const Decimal tax = (plain.taxable * plain.rate / 100).rounded(2);
   if (kind != SummaryKind::Structure && taxes != tax) faults << "tax";
-  const Decimal fees = project.feeTotal();
   if (total.income != plain.taxable + tax) faults << "income of the total";
-  if (total.cost != project.totals().excluded + plain.allSubcontracts + fees + tax) {
+  if (total.cost != project.totals().excluded + plain.allSubcontracts + plain.allFees + tax) {
     faults << "cost of the total";
   }
   Decimal shares;
@@ -329,6 +363,7 @@ void fillRandomly(Project& project, std::mt19937& random) {
         section->name = "分部";
       }
       Bill& bill = builder.addBill(*section, 0);
+      bill.code = bill.name = project.texts.intern("清单" + std::to_string(b));
       bill.quantity = number(999999, 4);
       if (priced) {
         bill.unitPrice = number(99999, 2);
@@ -360,6 +395,7 @@ void fillRandomly(Project& project, std::mt19937& random) {
       below.name = upTo(1) == 0 ? "规费组" : "其他";
       for (int i = upTo(3); i > 0; --i) {
         records::IndirectFeeItem& fee = builder.addFeeItem(below, 0);
+        fee.name = "费";
         fee.account = anAccount();
         fee.amount = number(9999999, 2);
       }
@@ -371,6 +407,28 @@ void fillRandomly(Project& project, std::mt19937& random) {
 void editRandomly(Project& project, std::mt19937& random) {
   const auto pick = [&random](const auto& list) { return list[random() % list.size()]; };
   const auto edit = [&] {
+    std::vector<records::IndirectFeeItem*> fees;
+    records::forEachFee(project.feeGroups().rows(),
+                        [&fees](records::IndirectFeeItem& fee) { fees.push_back(&fee); });
+    if (!fees.empty() && random() % 3 == 0) {
+      records::IndirectFeeItem& fee = *pick(fees);
+      records::FeeData data = fee;
+      const std::string bases[] = {kLabourBase, kDirectBase, "1234.5", ""};
+      records::FeeCost cost;
+      cost.base = bases[random() % 4];
+      if (!cost.base.empty()) {
+        cost.rate = Decimal::fromDigits(static_cast<std::int64_t>(random() % 2000), 2);
+      } else {
+        cost.amount = Decimal::fromDigits(static_cast<std::int64_t>(random() % 99999), 2);
+      }
+      data.cost = cost;
+      project.setFee(fee, data);
+      return;
+    }
+    if (random() % 8 == 0) {
+      const auto rate = Decimal::fromDigits(static_cast<std::int64_t>(random() % 2000), 2);
+      project.setTaxation({records::tax_methods::Own, rate});
+    }
     StructureNode& work = *pick(project.unitWorks());
     const auto items = Plain::itemsOf(project, work);
     if (items.empty()) return;
@@ -403,6 +461,12 @@ void editRandomly(Project& project, std::mt19937& random) {
       if (random() % 3 > 0) project.assign(entry, {&bill, pick(bills), pick(bills)});
       project.setLinked({pick(items)}, random() % 2 == 0);
       project.collect(item, entry);
+      return;
+    }
+    if (random() % 4 == 0) {
+      records::BillData data = bill.data();
+      data.expression = project.texts.intern("工程量*1.35+" + price.toString());
+      project.set(bill, std::move(data));
       return;
     }
     if (bill.rows().size() > 0 && random() % 2 == 0) {
@@ -592,6 +656,7 @@ class SummaryTest : public QObject {
     row("a project from nothing", "", "0", "工程", "9");
     row("general", "一般计税", "6", "模板", "9");
     row("simplified", "简易计税", "6", "模板", "3");
+    row("set by the user", "自定税率", "6", "模板", "6");
   }
   void taxesByTheProjectOrByTheTemplate() {
     const auto [method, rate, from, expected] = tests::fetch<QString, QString, QString, QString>();
