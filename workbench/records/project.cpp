@@ -361,7 +361,6 @@ scoped_refptr<ResourceItem> Project::makeItem(const ResourceItemData& data) {
   item->priceAdjustable_ = data.priceAdjustable;
   item->position_ = data.position;
   item->linked_ = data.linked;
-  item->subcontract_ = data.subcontract;
   setAmounts(*item);
   return item;
 }
@@ -516,6 +515,9 @@ std::string Project::dump() const {
             bill->account != nullptr ? bill->account->label : "", bill->quantity.value().toString(),
             bill->expression.str(),
             bill->costQuantity ? bill->costQuantity->value().toString() : ""});
+      for (const Subcontract* entry : subcontractsOf(*bill)) {
+        line({"given to", std::to_string(entry->id())});
+      }
       for (const QuantityLine& quantity : bill->quantityLines) {
         line({"quantity", quantity.remark.str(), quantity.expression.str()});
       }
@@ -566,6 +568,9 @@ std::string Project::dump() const {
     for (int i = 0; i < entry.rows().size(); ++i) {
       line({"of bill", std::to_string(entry.billAt(i).id()),
             std::to_string(entry.billAt(i).bill.id())});
+    }
+    for (const ResourceItem* item : collectedItems(entry)) {
+      line({"collected", std::to_string(item->id())});
     }
   }
   line({"waiting", std::to_string(itemsWaiting_)});

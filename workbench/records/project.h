@@ -40,7 +40,6 @@ struct ResourceItemData {
   costing::Decimal quantity, price, taxRate, budgetAmount;
   bool ownerSupplied = false, provisional = false, priceAdjustable = false;
   bool linked = true;
-  Subcontract* subcontract = nullptr;
   int position = -1;
 };
 

@@ -67,7 +67,6 @@ ResourceItem& ProjectBuilder::addItem(StructureNode& unitWork, const ResourceIte
   }
   const scoped_refptr<ResourceItem> item = project_.makeItem(placed);
   project_.link(unitWork, item);
-  if (item->subcontract() != nullptr) project_.noteCollected(*item);
   return *item;
 }
 
@@ -111,6 +110,10 @@ Subcontract& ProjectBuilder::addSubcontract(std::int64_t id) {
 void ProjectBuilder::assign(Subcontract& entry, Bill& bill, std::int64_t id) {
   entry.rows().append(scoped_refptr<Record>(new SubcontractBill(use(id), bill)));
   project_.subcontractsOfBills_[&bill].push_back(&entry);
+}
+
+void ProjectBuilder::collect(ResourceItem& item, Subcontract& into) {
+  project_.write(item, &into);
 }
 
 void ProjectBuilder::finishSubcontracts() {

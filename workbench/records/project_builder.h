@@ -25,9 +25,10 @@ class ProjectBuilder {
   /// After the items that the bill's budget items were gathered to, before what is booked.
   void setCostQuantity(Bill& bill, const costing::Decimal& quantity);
   void finishBookings();
-  /// Before the items that are collected into it. Its figures are checked with finishSubcontracts.
+  /// Its figures are checked with finishSubcontracts.
   Subcontract& addSubcontract(std::int64_t id);
   void assign(Subcontract& entry, Bill& bill, std::int64_t id);
+  void collect(ResourceItem& item, Subcontract& into);
   /// @throws std::overflow_error
   void finishSubcontracts();
   IndirectFeeGroup& addFeeGroup(IndirectFeeGroup* parent, std::int64_t id);

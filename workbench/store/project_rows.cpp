@@ -703,8 +703,10 @@ class Reader {
       data.priceAdjustable = rows.flag();
       texts(rows, data.annotation);
       data.linked = rows.flag();
-      data.subcontract = rows.reference(subcontracts_);
-      items_[data.id] = &builder_.addItem(unitWork, data);
+      records::Subcontract* collected = rows.reference(subcontracts_);
+      records::ResourceItem& item = builder_.addItem(unitWork, data);
+      if (collected != nullptr) builder_.collect(item, *collected);
+      items_[data.id] = &item;
       if (!counted()) return false;
     }
     return true;
