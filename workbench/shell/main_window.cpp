@@ -220,7 +220,9 @@ void MainWindow::createActions() {
 void MainWindow::createStatusBar() {
   sourceMoney_ = new ElidedLabel;
   sourceMoney_->setObjectName(QStringLiteral("sourceMoneyText"));
-  totals_ = new QLabel;
+  // Only what the totals leave: they give way last.
+  sourceMoney_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  totals_ = new ElidedLabel;
   totals_->setObjectName(QStringLiteral("totalsText"));
   saved_ = new QLabel;
   saved_->setObjectName(QStringLiteral("savedText"));
@@ -502,6 +504,7 @@ void MainWindow::refreshState() {
 void MainWindow::refreshTotals() {
   if (!session_) {
     totals_->clear();
+    totals_->setToolTip({});
     return;
   }
   const Session::Totals totals = session_->totals();
@@ -513,6 +516,7 @@ void MainWindow::refreshTotals() {
           "预算合价 %1　　不含税成本合计 %2　　含税合计 %3　　间接费成本 %4%5　　共 %6 项")
           .arg(totals.budget, totals.excludingTax, totals.includingTax, totals.fees, subcontracts)
           .arg(totals.items));
+  totals_->setToolTip(totals_->text());
 }
 
 void MainWindow::saveWindowState() {
