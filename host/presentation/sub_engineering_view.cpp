@@ -484,6 +484,9 @@ void SubEngineeringViewImpl::showQuantityDetailDialog() {
   const scoped_refptr<proxy::Element> bill(treeGrid_->currentElement());
   domain::QuantityLines lines;
   if (op == nullptr || !bill || !op->getQuantityDetail(bill.get(), lines)) return;
+  // A quantity that is calculated already is gone on with.
+  const QString expression = cellText(bill.get(), domain::keys::SECalcExpr).trimmed();
+  if (lines.empty() && !expression.isEmpty()) lines.push_back({{}, expression.toStdString()});
   const QString title =
       cellText(bill.get(), getSECodeKey()) + " " + cellText(bill.get(), getSENameKey());
   // The operator is asked for anew each time: the page may get another model meanwhile.

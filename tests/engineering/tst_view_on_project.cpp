@@ -1,7 +1,9 @@
 #include <QCheckBox>
 #include <QClipboard>
+#include <QDialog>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QUndoStack>
 #include <QtTest>
 
@@ -181,6 +183,19 @@ class TestViewOnProject : public QObject {
     QCOMPARE(s_->text(s_->bill, keys::SEQuantity),
              s_->text(s_->bill, keys::SEQuantityBillTendering));
     QVERIFY(op.getQuantityDetail(s_->bill, lines) && lines.empty());
+  }
+
+  void goesOnFromTheCalculationThatIsThere() {
+    const QModelIndex cell = s_->cell(s_->bill, keys::SECalcExpr);
+    QVERIFY(s_->grid->model()->setData(cell, "工程量*2"));
+    s_->grid->selectionModel()->setCurrentIndex(cell, QItemSelectionModel::ClearAndSelect);
+    s_->page.showQuantityDetailDialog();
+    auto* dialog = s_->page.findChild<QDialog*>("QuantityDetailDialog");
+    auto* table = dialog->findChild<QTableWidget*>();
+    QCOMPARE(table->rowCount(), 1);
+    QCOMPARE(table->item(0, 1)->text(), QString("工程量*2"));
+    dialog->accept();  // nothing was changed
+    QCOMPARE(s_->text(s_->bill, keys::SECalcExpr), QString("工程量*2"));
   }
 
   void filtersByConditionsOnTheProject() {

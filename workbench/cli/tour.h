@@ -3,17 +3,28 @@
 #include <QDir>
 #include <QString>
 #include <QStringList>
+#include <QWidget>
+#include <array>
 #include <functional>
+#include <map>
 #include <memory>
 #include <stdexcept>
 
 #include "workbench/cli/driver.h"
+#include "workbench/costing/decimal.h"
+#include "workbench/exchange/spreadsheet_reader.h"
 
 class QAction;
 class QTreeView;
 
+namespace bwidgets {
+class TreeGridView;
+}
 namespace proxy {
 class Element;
+}
+namespace records {
+class Record;
 }
 namespace services {
 class Installed;
@@ -21,7 +32,8 @@ class RecordingChannel;
 }  // namespace services
 namespace shell {
 class MainWindow;
-}
+class SummaryView;
+}  // namespace shell
 
 namespace cli {
 
@@ -68,8 +80,23 @@ class Tour {
   void exportGrid();
   void feeSummaries();
   void indirectFees();
+  void report();
   void zoom();
   void reopen();
+
+  /// What the page of summaries shows of one of them.
+  struct Summary {
+    costing::Decimal income, cost;  ///< of the total
+    /// Of the lines of bills and of indirect fees.
+    std::map<const records::Record*, costing::Decimal> costs;
+  };
+  shell::SummaryView& shownSummary() const;
+  /// Goes to the page of summaries and reads all three; they have one total, that of the status
+  /// bar.
+  std::array<Summary, 3> readSummaries();
+  /// The summaries after an edit that changes what the project costs by `cost`, and nothing else.
+  std::array<Summary, 3> followed(const std::array<Summary, 3>& before,
+                                  const costing::Decimal& cost);
 
   void step(const QString& name, void (Tour::*what)());
   void require(bool holds, const QString& what) const {
@@ -80,8 +107,19 @@ class Tour {
   /// Takes a picture of the window, with `dialog` over it where one is open.
   void picture(const QString& name, QWidget* dialog = nullptr);
 
+  /// In the window, or in another widget.
   template <class Widget>
-  Widget* find(const QString& name, QWidget* in = nullptr) const;
+  Widget* find(const QString& name, QWidget* in = nullptr) const {
+    auto* found = (in != nullptr ? in : window())->findChild<Widget*>(name);
+    require(found != nullptr, "找不到控件 " + name);
+    return found;
+  }
+  QWidget* window() const;
+  /// Clicks the page in the list.
+  void goTo(const QString& key);
+  /// Exports the current page to a spreadsheet of that name, with what `shown` shows, and reads it
+  /// back cell by cell.
+  exchange::ReadSheet exported(const QString& name, const bwidgets::TreeGridView& shown);
   QAction* action(const QString& text) const;
   void clickAction(const QString& text);
   /// The button with this text in a dialog.

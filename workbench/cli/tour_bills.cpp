@@ -1,12 +1,12 @@
 #include <QCheckBox>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QPushButton>
 #include <QTreeView>
 #include <QUndoStack>
 #include <algorithm>
 
 #include "framework/des_filter_view.h"
+#include "host/bwidgets/tree_grid_view.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/view_model.h"
 #include "workbench/cli/tour.h"
@@ -20,15 +20,50 @@ namespace cli {
 
 namespace keys = domain::keys;
 
+namespace {
+
+using costing::Decimal;
+
+/// What a line of the cost comes to with a cost quantity of its bill.
+Decimal moneyOf(const records::BillLine& line, const records::ResourceItem& item,
+                const Decimal& made, Decimal& quantity) {
+  if (line.terms.price) return (made * *line.terms.price).rounded(costing::MoneyPlaces);
+  const Decimal tender = line.bill->quantity.value();
+  Decimal used = line.terms.content ? made * *line.terms.content
+                 : tender.isZero()  ? line.budgetQuantity
+                                    : line.budgetQuantity * made / tender;
+  used = used * line.terms.coefficient;
+  quantity += used;
+  return (used * item.price().value()).rounded(costing::MoneyPlaces);
+}
+
+/// How much more the resource items of a bill cost with another cost quantity of it; and what the
+/// bill then costs itself.
+Decimal costDifference(records::Project& project, const records::Bill& bill, const Decimal& made,
+                       Decimal& costOfBill) {
+  Decimal difference;
+  for (const records::ResourceItem* item : project.bookings().itemsOf(bill)) {
+    if (!item->counts()) continue;
+    Decimal quantity = project.bookings().ownQuantity(*item);
+    Decimal money;
+    for (const records::BillLine& line : project.linesOf(*item)) {
+      const bool changed = line.bill == &bill;
+      const Decimal cost =
+          moneyOf(line, *item, changed ? made : line.bill->quantityForCost(), quantity);
+      if (changed) costOfBill += cost;
+      if (line.terms.price) money += cost;
+    }
+    money += (costing::storedQuantity(quantity, item->unit().str()) * item->price().value())
+                 .rounded(costing::MoneyPlaces);
+    difference += money - item->excludedAmount().value();
+  }
+  return difference;
+}
+
+}  // namespace
+
 void Tour::bills() {
-  auto* list = window_->findChild<QListWidget*>("pageList");
-  require(list != nullptr, "没有页面列表");
-  const auto goTo = [this, list](const QString& key) {
-    const int row = window_->pages()->pages().indexOf(key);
-    require(row >= 0, "没有页面 " + key);
-    driver_.clickCell(list, list->model()->index(row, 0));
-    require(window_->pages()->currentPage() == key, "没有切换到页面 " + key);
-  };
+  const std::array<Summary, 3> before = readSummaries();
   goTo("bills");
   QTreeView* tree = grid();
   const auto& rows = dynamic_cast<const gui::ViewModel&>(*tree->model());
@@ -54,6 +89,13 @@ void Tour::bills() {
   for (records::StructureNode* work : project.unitWorks()) look(work);
   require(bill != nullptr, "没有可用的清单");
   picture("分部分项");
+  const auto& grid = dynamic_cast<const bwidgets::TreeGridView&>(*tree);
+  const exchange::ReadSheet sheet = exported("分部分项", grid);
+  const auto deepest = std::max_element(
+      sheet.rows.begin(), sheet.rows.end(),
+      [](const exchange::ReadRow& a, const exchange::ReadRow& b) { return a.level < b.level; });
+  require(deepest->level >= 3, "导出的大纲没有到工料机");
+  require(sheet.frozenColumns > 1, "导出的名称列没有冻结");
 
   clickAction("条件过滤");
   QWidget* page = window_->pages()->currentWidget();
@@ -92,6 +134,12 @@ void Tour::bills() {
   channel_->clear();
   require(shown(bill, keys::SEQuantity) == tender, "有误的计算式改变了工程量");
   driver_.key(Qt::Key_Escape);
+  // Worked out from what the records hold, apart from how they reckon.
+  const Decimal made =
+      costing::storedQuantity(bill->quantity.value() * *Decimal::parse("1.2"), bill->unit.str());
+  Decimal costOfBill;
+  const Decimal difference = costDifference(project, *bill, made, costOfBill) - project.feeTotal() -
+                             project.subcontractTotals().excluded;
   express("工程量*1.2");
   require(shown(bill, keys::SEQuantity) != tender, "计算式没有改变成本工程量");
   require(shown(bill, keys::SEQuantityBillTendering) == tender, "招标工程量变了");
@@ -99,6 +147,13 @@ void Tour::bills() {
   require(shown(bill, keys::SECostTotalCost) != cost && project.totals().excluded != total,
           "成本没有随工程量变化");
   picture("成本工程量");
+  // Fees and subcontracts may be reckoned on what has changed.
+  const auto after =
+      followed(before, difference + project.feeTotal() + project.subcontractTotals().excluded);
+  if (project.subcontractsOf(*bill).empty()) {
+    require(after[1].costs.at(bill) == costOfBill, "汇总中的清单没有随工程量变化");
+  }
+  goTo("bills");
   driver_.key(Qt::Key_Z, Qt::ControlModifier);
   require(shown(bill, keys::SECostTotalCost) == cost && project.totals().excluded == total,
           "撤销没有恢复成本");
