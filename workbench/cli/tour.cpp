@@ -81,6 +81,7 @@ void Tour::walk() {
   step("关联清单", &Tour::associateBills);
   step("清单明细", &Tour::billTerms);
   step("分部分项", &Tour::bills);
+  step("人材机归集", &Tour::designItems);
   step("范围", &Tour::subProject);
   step("导出", &Tour::exportGrid);
   step("费用汇总", &Tour::feeSummaries);

@@ -76,6 +76,7 @@ class Tour {
   void associateBills();
   void billTerms();
   void bills();
+  void designItems();
   void subProject();
   void exportGrid();
   void feeSummaries();
