@@ -62,7 +62,7 @@ DesCollectionDialog::DesCollectionDialog(Offer offer, Confirm confirm, QWidget* 
   splitter->setChildrenCollapsible(false);
   splitter->addWidget(fields);
   splitter->addWidget(bills_);
-  splitter->setSizes({420, 460});
+  splitter->setSizes({440, 580});
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(
       new QLabel(QString("把选中的 %1 项人材机归集到一条分包。归集后它们的费用由分包计入成本。")
@@ -70,14 +70,13 @@ DesCollectionDialog::DesCollectionDialog(Offer offer, Confirm confirm, QWidget* 
                  this));
   layout->addWidget(splitter, 1);
   layout->addWidget(createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel));
-  resize(920, 420);
+  resize(1040, 460);
 
   bills_->setBills(offer_.bills);
   showTarget();
   connect(target_, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
           &DesCollectionDialog::showTarget);
   connect(accountButton_, &QPushButton::clicked, this, &DesCollectionDialog::chooseAccount);
-  // The features of the bill that was clicked are what a new subcontract is about.
   connect(bills_, &DesSourceBillView::currentBillChanged, this, [this] {
     const auto* bill = bills_->currentBill();
     if (bill == nullptr || features_->isReadOnly() || features_->document()->isModified()) return;
@@ -95,7 +94,10 @@ void DesCollectionDialog::showTarget() {
   const auto& target = offer_.targets[static_cast<std::size_t>(number)];
   const bool isNew = target.entry == nullptr;
   setAccount(target.account);
-  features_->setPlainText(QString::fromStdString(target.features));
+  // The features of the bill that is current are what a new subcontract is about.
+  const auto* bill = bills_->currentBill();
+  features_->setPlainText(
+      QString::fromStdString(isNew && bill != nullptr ? bill->features : target.features));
   price_->setText(QString::fromStdString(target.price));
   metering_->setText(QString::fromStdString(target.metering));
   accountButton_->setEnabled(isNew);

@@ -203,7 +203,7 @@ DesResItemSummaryViewImpl::DesResItemSummaryViewImpl(QWidget* parent)
   splitter->addWidget(table_);
   splitter->setStretchFactor(0, 0);
   splitter->setStretchFactor(1, 1);
-  splitter->setSizes({340, 1000});
+  splitter->setSizes({390, 1000});
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(splitter);
@@ -264,11 +264,26 @@ void DesResItemSummaryViewImpl::rebuild() {
   rebuilding_ = true;  // the grid puts its current entry back
   entries_->rebuild();
   rebuilding_ = false;
-  rows_->setGuideEntry(guide_->tree()->currentElement());
+  if (proxy::Element* entry = guide_->tree()->currentElement()) {
+    showEntry(entry);
+  } else {
+    guide_->activate();  // chooses the first
+  }
 }
 
 void DesResItemSummaryViewImpl::onGuideChanged(proxy::Element* entry) {
-  if (rows_ != nullptr && !rebuilding_) rows_->setGuideEntry(entry);
+  if (rows_ == nullptr || rebuilding_) return;
+  showEntry(entry);
+  table_->table()->scrollToTop();
+}
+
+// A reset takes the sort mark off, but a user who goes from entry to entry goes on comparing.
+void DesResItemSummaryViewImpl::showEntry(proxy::Element* entry) {
+  QHeaderView* header = table_->table()->header();
+  const int section = header->sortIndicatorSection();
+  const Qt::SortOrder order = header->sortIndicatorOrder();
+  rows_->setGuideEntry(entry);
+  if (section >= 0) header->setSortIndicator(section, order);
 }
 
 }  // namespace gui::qce::destructors

@@ -105,6 +105,7 @@ class QCE_EXPORT DesResItemSummaryViewImpl : public gui::BasePage {
  private:
   void rebuild();
   void onGuideChanged(proxy::Element* entry);
+  void showEntry(proxy::Element* entry);
 
   DesResItemSummaryGuideViewImpl* guide_;
   DesResItemSummaryTableViewImpl* table_;

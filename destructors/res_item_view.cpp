@@ -386,14 +386,12 @@ void DesResItemViewImpl::setGrouped(bool grouped) {
   if (model_ == nullptr) return;
   model_->setGrouped(grouped);
   treeGrid()->setRootIsDecorated(grouped);
-  treeGrid()->clearSortIndicator();
   expandAll();
 }
 
 void DesResItemViewImpl::regroup() {
   if (model_ == nullptr) return;
   model_->rebuildGroup();
-  treeGrid()->clearSortIndicator();
 }
 
 void DesResItemViewImpl::showItems(const std::vector<proxy::Element*>& items) {
@@ -438,8 +436,11 @@ void DesResItemViewImpl::refreshStatus() {
   const auto money = [](double cents) {
     return QString::fromStdString(base::ToThousandthsString(cents / 100.0, 2));
   };
-  status_->setText(QString("待归集：%1 项　　已选 %2 项　　不含税合价 %3 元，计入成本 %4 元")
-                       .arg(model_->getItemWaitForCollectNum())
+  // In the colour of the rows that wait.
+  const int waiting = model_->getItemWaitForCollectNum();
+  const QString note = QString("待归集：%1 项").arg(waiting);
+  status_->setText(QString("%1　　已选 %2 项　　不含税合价 %3 元，计入成本 %4 元")
+                       .arg(waiting == 0 ? note : "<b style=\"color:#b06000\">" + note + "</b>")
                        .arg(items.size())
                        .arg(money(market), money(counted)));
 }

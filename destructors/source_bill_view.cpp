@@ -20,11 +20,11 @@ DesSourceBillView::DesSourceBillView(QWidget* parent)
   label_->setObjectName("DesSourceBill_current");
   label_->setWordWrap(true);
   list_->setObjectName("DesSourceBill_list");
-  list_->setHeaderLabels({"清单编码", "清单名称", "项目特征", "单位", "工程量"});
+  list_->setHeaderLabels({"清单编码", "清单名称", "单位", "工程量", "项目特征"});
   list_->setRootIsDecorated(false);
   list_->setUniformRowHeights(true);
   list_->setAlternatingRowColors(true);
-  const int widths[] = {120, 140, 180, 50};
+  const int widths[] = {120, 150, 46, 80};
   for (int column = 0; column < 4; ++column) list_->header()->resizeSection(column, widths[column]);
   connect(list_, &QTreeWidget::currentItemChanged, this, [this] {
     showCurrent();
@@ -46,12 +46,12 @@ void DesSourceBillView::setBills(const Bills& bills) {
     auto* row = new QTreeWidgetItem(list_);
     int column = 0;
     for (const std::string* text :
-         {&bill.code, &bill.name, &bill.features, &bill.unit, &bill.quantity}) {
+         {&bill.code, &bill.name, &bill.unit, &bill.quantity, &bill.features}) {
       // One line a row; the whole text stands in the tool tip.
       row->setText(column, QString::fromStdString(*text).simplified());
       row->setToolTip(column++, QString::fromStdString(*text));
     }
-    row->setTextAlignment(4, int(Qt::AlignRight | Qt::AlignVCenter));
+    row->setTextAlignment(3, int(Qt::AlignRight | Qt::AlignVCenter));
   }
   list_->setCurrentItem(list_->topLevelItem(0));
   showCurrent();

@@ -304,7 +304,7 @@ class TestDesResItemView : public QObject {
     });
     s.click("ResItem_setContract");
     QCOMPARE(s.controller.calls,
-             (QStringList{"collect - A2 特征二 bad|s|l", "collect - A2 特征一 800*2|s|l"}));
+             (QStringList{"collect - A2 特征二 bad|s|l", "collect - A2 特征二 800*2|s|l"}));
   }
 
   void followsTheCurrentRowWhileItIsSeen() {

@@ -52,8 +52,9 @@ std::string meteringText(const SubcontractData& data, const Decimal& quantity) {
 }  // namespace
 
 DesResItemController::DesResItemController(records::Project& project,
-                                           operators::DesResItemOperator& rows)
-    : project_(project), rows_(rows) {
+                                           operators::DesResItemOperator& rows,
+                                           abst::qce::QCEResItemController& items)
+    : project_(project), rows_(rows), items_(items) {
   project_.addObserver(this);
 }
 
@@ -151,8 +152,6 @@ SubcontractData DesResItemController::newEntry(const ResourceItems& items) const
                                    : name + "等 " + std::to_string(items.size()) + " 项";
   }
   data.name = project_.texts.intern(name);
-  const auto bills = project_.linesOf(first);
-  if (!bills.empty()) data.features = bills.front().bill->features;
   if (oneUnit) {
     data.unit = first.unit();
     data.metering = MeteringMethod::ByQuantity;
@@ -260,30 +259,17 @@ void DesResItemController::findSource(proxy::Element* row) {
 }
 
 void DesResItemController::insertItem(proxy::Element* current) {
-  const ResourceItem* beside = operators::DesResItemOperator::itemOf(current);
-  if (beside == nullptr || beside->group() == nullptr) {
+  ResourceItem* beside = operators::DesResItemOperator::itemOf(current);
+  if (beside == nullptr) {
     tell("请先选择一项人材机，新的人材机加入它所在的工程和类别。");
     return;
   }
-  records::ResourceItemData data;
-  data.category = beside->category();
-  data.account = beside->account();
-  data.code = project_.texts.intern("补充");
-  data.name = project_.texts.intern("新增人材机");
-  data.unit = beside->unit();
-  write("插入人材机", [&] { project_.add(beside->group()->unitWork(), data); });
+  items_.insertItem(beside, records::nameOf(beside->category()));
 }
 
 void DesResItemController::deleteItems(const Items& rows) {
-  write("删除人材机", [&] {
-    std::vector<scoped_refptr<ResourceItem>> kept;
-    for (ResourceItem* item : itemsOf(rows)) kept.emplace_back(item);
-    for (const auto& item : kept) {
-      if (project_.remove(*item)) continue;
-      throw records::Refusal(nameOf(*item) +
-                             "由清单归集而来或已有归集、关联，不能删除；请取消选择该项后重试。");
-    }
-  });
+  const ResourceItems items = itemsOf(rows);
+  items_.deleteItems({items.begin(), items.end()});
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -312,6 +298,14 @@ void DesResItemController::aboutToInsert(records::ResourceGroup& /*parent*/, int
 }
 
 void DesResItemController::aboutToRemove(records::ResourceGroup& /*parent*/, int /*row*/) {
+  rebuild_ = true;
+}
+
+void DesResItemController::aboutToSwap(records::ResourceGroup& /*group*/, int /*upper*/) {
+  rebuild_ = true;
+}
+
+void DesResItemController::rearranged(records::ResourceGroup& /*group*/) {
   rebuild_ = true;
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/abst/qce/destructors/des_res_item_controller.h"
+#include "host/abst/qce/res_item_controller.h"
 #include "workbench/operators/des_res_item_operator.h"
 #include "workbench/records/project.h"
 
@@ -15,8 +16,9 @@ namespace controllers {
 class DesResItemController : public abst::qce::destructors::DesResItemController,
                              private records::Observer {
  public:
-  /// Both must outlive the controller.
-  DesResItemController(records::Project& project, operators::DesResItemOperator& rows);
+  /// All must outlive the controller. `items` makes and deletes items.
+  DesResItemController(records::Project& project, operators::DesResItemOperator& rows,
+                       abst::qce::QCEResItemController& items);
   ~DesResItemController() override;
   DesResItemController(const DesResItemController&) = delete;
   DesResItemController& operator=(const DesResItemController&) = delete;
@@ -61,6 +63,8 @@ class DesResItemController : public abst::qce::destructors::DesResItemController
   void subcontractChanged(records::Subcontract& entry) override;
   void aboutToInsert(records::ResourceGroup& parent, int row) override;
   void aboutToRemove(records::ResourceGroup& parent, int row) override;
+  void aboutToSwap(records::ResourceGroup& group, int upper) override;
+  void rearranged(records::ResourceGroup& group) override;
   void stepFinished() override;
 
   static ResourceItems itemsOf(const Items& rows);
@@ -71,6 +75,7 @@ class DesResItemController : public abst::qce::destructors::DesResItemController
 
   records::Project& project_;
   operators::DesResItemOperator& rows_;
+  abst::qce::QCEResItemController& items_;
   std::function<void(const Changes&)> changed_;
   std::function<bool(const std::vector<proxy::Element*>&)> follow_;
   scoped_refptr<proxy::Element> current_;

@@ -59,18 +59,18 @@ std::unique_ptr<domain::DisplayTable> makeDesResItemTable() {
   };
   add(keys::BRIType, "类别", StringField, 50);
   add(keys::BRICode, "编码", StringField, 100);
-  add(keys::BRIName, "名称", StringField, 190);
+  add(keys::BRIName, "名称", StringField, 170);
   add(keys::BRISpec, "规格型号", StringField, 110);
   add(keys::BRIUnit, "单位", StringField, 50);
+  add(keys::BRILinkCB, "关联成本", StringField, 64);
+  add(keys::BRIContract, "归集到", StringField, 130);
+  add(keys::CostAccount, "成本科目", StringField, 130);
   add(keys::BRIAmount, "数量", FloatingPointField, 90, costing::MaxQuantityPlaces);
-  add(keys::BRIBudgetTotalCost, "预算合价（元）", FloatingPointField, 110, costing::MoneyPlaces);
-  add(keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 110, costing::MoneyPlaces);
+  add(keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 122, costing::MoneyPlaces);
   add(keys::BRIMarketTotalCost, "不含税合价（元）", FloatingPointField, 120, costing::MoneyPlaces);
   add(keys::BRIExcludedTaxTotalCost, "计入成本（元）", FloatingPointField, 120,
       costing::MoneyPlaces);
-  add(keys::CostAccount, "成本科目", StringField, 140);
-  add(keys::BRILinkCB, "关联成本", StringField, 64);
-  add(keys::BRIContract, "归集到", StringField, 150);
+  add(keys::BRIBudgetTotalCost, "预算合价（元）", FloatingPointField, 110, costing::MoneyPlaces);
   add(keys::BRIBillCount, "清单数", IntegerField, 60);
   return table;
 }
@@ -212,7 +212,8 @@ bool DesResItemOperator::itemValue(const Row& row, const std::string& key, int r
 bool DesResItemOperator::groupValue(const GroupRow& row, const std::string& key, int role,
                                     Value& out) const {
   const bool shown = role == domain::DisplayRole || role == domain::EditRole;
-  if (!shown) return items_.getValue(row.group.get(), key, role, out);
+  // Font and colours are those of the whole row.
+  if (!shown) return items_.getValue(row.group.get(), keys::BRIName, role, out);
   if (key == keys::BRIMarketTotalCost) {
     if (!row.market) {
       Decimal sum;

@@ -89,12 +89,12 @@ std::unique_ptr<domain::DisplayTable> makeDesResItemGuideTable() {
   using namespace domain;
   auto table = std::make_unique<DisplayTable>("QCE_DesResItemGuide");
   DisplayRow& header = *table->getHeader();
-  header.addColumn(keys::BRIName, fieldOf("汇总范围", StringField, 0)).width = 180;
+  header.addColumn(keys::BRIName, fieldOf("汇总范围", StringField, 0)).width = 170;
   header.addColumn(keys::BRIItemCount, fieldOf("项数", IntegerField, 0)).width = 50;
   header
       .addColumn(keys::BRIMarketTotalCost,
-                 fieldOf("不含税合价（元）", FloatingPointField, costing::MoneyPlaces))
-      .width = 110;
+                 fieldOf("合价（元）", FloatingPointField, costing::MoneyPlaces))
+      .width = 112;
   return table;
 }
 
@@ -217,11 +217,11 @@ std::unique_ptr<domain::DisplayTable> makeDesResItemSummaryTable() {
   };
   add(keys::BRIType, "类别", StringField, 50);
   add(keys::BRICode, "编码", StringField, 100);
-  add(keys::BRIName, "名称", StringField, 180);
+  add(keys::BRIName, "名称", StringField, 150);
   add(keys::BRISpec, "规格型号", StringField, 110);
   add(keys::BRIUnit, "单位", StringField, 50);
   add(keys::BRIAmount, "数量", FloatingPointField, 90, costing::MaxQuantityPlaces);
-  add(keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 110, costing::MoneyPlaces);
+  add(keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 122, costing::MoneyPlaces);
   add(keys::BRIMarketTotalCost, "不含税合价（元）", FloatingPointField, 120, costing::MoneyPlaces);
   add(keys::BRIExcludedTaxTotalCost, "计入成本（元）", FloatingPointField, 120,
       costing::MoneyPlaces);

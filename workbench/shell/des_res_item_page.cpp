@@ -27,8 +27,11 @@ using gui::qce::destructors::DesResItemViewImpl;
 
 /// What stands behind the page, bound to the project as long as it lives.
 struct DesResItems {
-  DesResItems(records::Project& project, operators::ResItemOperator& items)
-      : rows(project, items), controller(project, rows), guide(project), summary(project) {
+  explicit DesResItems(controllers::OpenProject& open)
+      : rows(open.project(), open.resItemOperator()),
+        controller(open.project(), rows, open.resItemController()),
+        guide(open.project()),
+        summary(open.project()) {
     model.setDisplayTable(table.get());
     model.setOperator(&rows);
     guideModel.setDisplayTable(guideTable.get());
@@ -158,8 +161,7 @@ class Tabs : public gui::BasePage {
 }  // namespace
 
 Page makeDesResItemPage(Session& session) {
-  auto behind = std::make_shared<DesResItems>(session.project().project(),
-                                              session.project().resItemOperator());
+  auto behind = std::make_shared<DesResItems>(session.project());
   behind->controller.setSourceFollower([&session](const std::vector<proxy::Element*>& bills) {
     return followBills(session, bills);
   });

@@ -1,0 +1,302 @@
+#include <QTabBar>
+#include <QUndoStack>
+#include <QtTest>
+#include <map>
+#include <tuple>
+
+#include "destructors/res_item_summary_models.h"
+#include "destructors/res_item_summary_view.h"
+#include "destructors/res_item_view.h"
+#include "host/app/scoped_undo.h"
+#include "host/bwidgets/table_view.h"
+#include "host/domain/field_keys.h"
+#include "host/domain/qce/destructors/des_res_item_keys.h"
+#include "host/gui/tree_grid_view.h"
+#include "host/gui/view_model.h"
+#include "tests/support/tester_proxy.h"
+#include "workbench/controllers/des_res_item_controller.h"
+#include "workbench/controllers/open_project.h"
+#include "workbench/exchange/sample_generator.h"
+#include "workbench/services/install.h"
+#include "workbench/shell/application.h"
+#include "workbench/shell/main_window.h"
+#include "workbench/shell/page_stack.h"
+#include "workbench/shell/session.h"
+
+namespace keys = domain::keys;
+using costing::Decimal;
+using gui::qce::destructors::DesResItemViewImpl;
+using operators::DesResItemOperator;
+using records::ResourceItem;
+
+// What the commands do to the project and to other pages; the tour works them with the mouse.
+class TestDesResItemPage : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase() { shell::setUpApplication(*qApp); }
+
+  void init() {
+    dir_ = std::make_unique<QTemporaryDir>();
+    auto channel = std::make_unique<services::RecordingChannel>();
+    channel_ = channel.get();
+    services_ = services::install(std::make_unique<services::PathManager>(dir_->path()),
+                                  std::move(channel));
+    const exchange::SourceDocument source =
+        exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
+    store::Failure failure;
+    QVERIFY(store::ProjectFile::create(path(), &source, {"办公楼", "投标成本测算", {}}, failure));
+    window_ = std::make_unique<shell::MainWindow>(*services_);
+    window_->resize(1440, 700);
+    window_->show();
+    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
+    QVERIFY(window_->openProject(path()));
+    page_ = window_->session()->page("design-resources")->widget;
+    view_ = page_->findChild<DesResItemViewImpl*>();
+    grid_ = view_->findChild<gui::TreeGridView*>();
+    tests::attachTester(grid_->model());
+    open();
+    rows_ = std::make_unique<DesResItemOperator>(project(), openProject().resItemOperator());
+    rows_->rebuildGroup();
+    controller_ = std::make_unique<controllers::DesResItemController>(
+        project(), *rows_, openProject().resItemController());
+  }
+
+  void cleanup() {
+    controller_.reset();
+    rows_.reset();
+    window_.reset();
+    services_.reset();
+  }
+
+  void collectsIntoANewEntryOrOneThatIsThere() {
+    const std::string before = project().dump();
+    const Decimal cost = project().totals().excluded;
+    const auto labour = itemsOf(records::Category::Labour);
+    const auto material = itemsOf(records::Category::Material);
+    const Rows pair{row(labour[0]), row(labour[1])};
+    const auto proposal = controller_->getCollectionTargets(pair);
+    QCOMPARE(proposal.size(), std::size_t(1));
+    QVERIFY(proposal[0].metering.find("按实际数量") == 0);
+
+    for (const char* price : {"", "12*(", "-3", "abc"}) {
+      QVERIFY(!controller_->setCollection(pair, {nullptr, nullptr, "特征", price}));
+      QVERIFY2(message().contains("劳务、专业分包单价"), qPrintable(message()));
+    }
+    QVERIFY(project().dump() == before);
+    records::CostAccount* account = project().allAccounts().back();
+    QVERIFY(controller_->setCollection(pair, {nullptr, account, "特征", "100/3"}));
+    auto& entry = *static_cast<records::Subcontract*>(project().subcontracts().rows().at(0));
+    const Decimal quantity = labour[0]->quantity().value() + labour[1]->quantity().value();
+    QCOMPARE(entry.amount().toString(),
+             (quantity * *Decimal::parse("33.33")).rounded(2).toString());
+    QVERIFY(entry.account == account && entry.features.str() == "特征");
+    QVERIFY(controller_->isClosed(pair[0]) && !controller_->isClosed(row(labour[2])));
+
+    // One that is collected already is named, and no other one is touched.
+    QVERIFY(!controller_->setCollection({row(labour[2]), pair[1]}, {&entry, nullptr, "", ""}));
+    QVERIFY2(message().contains(QString::fromStdString(labour[1]->code().str())),
+             qPrintable(message()));
+    QVERIFY(labour[2]->subcontract() == nullptr);
+    controller_->unlinkFromCost(pair);
+    QVERIFY(message().contains("取消归集"));
+
+    // Units that differ make a lump sum of what the items cost.
+    const Rows mixed{row(labour[2]), row(material[0])};
+    const auto offers = controller_->getCollectionTargets(mixed);
+    QCOMPARE(offers.size(), std::size_t(2));
+    QVERIFY(offers[0].metering.find("总价包干") == 0);
+    QVERIFY(controller_->setCollection(mixed, {nullptr, nullptr, "", offers[0].price}));
+    QCOMPARE(project().subcontracts().size(), 2);
+    QVERIFY(controller_->setCollection({row(material[1])}, {&entry, nullptr, "", "不算"}));
+    QVERIFY(material[1]->subcontract() == &entry);
+
+    Decimal out;
+    for (const ResourceItem* item : {labour[0], labour[1], labour[2], material[0], material[1]}) {
+      out += project().amountIfCounted(*item);
+    }
+    QVERIFY(project().totals().excluded == cost - out);
+    controller_->cancelCollection({pair[0], pair[1], mixed[0], mixed[1], row(material[1])});
+    QVERIFY(project().totals().excluded == cost);
+    controller_->cancelCollection(pair);
+    QVERIFY(message().contains("没有归集"));
+    while (window_->session()->undoStack().canUndo()) window_->session()->undoStack().undo();
+    QVERIFY(project().dump() == before);
+  }
+
+  void summaryAddsUpEqualResources() {
+    // The same resource at another price in one sub-project, and one that waits.
+    const auto labour = itemsOf(records::Category::Labour);
+    controller_->unlinkFromCost({row(labour[0])});
+    controller_->setCollection({row(labour[1])}, {nullptr, nullptr, "", "1"});
+    auto* tabs = page_->findChild<QTabBar*>();
+    QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
+    auto* summary = page_->findChild<gui::qce::destructors::DesResItemSummaryViewImpl*>();
+    QAbstractItemModel& table = *summary->tableView()->table()->model();
+    gui::TreeGridView& guide = *summary->guideView()->tree();
+    tests::attachTester(&table);
+    tests::attachTester(guide.model());
+
+    using Key = std::tuple<std::string, std::string, std::string, std::string, double>;
+    std::map<Key, double> quantities;
+    for (const ResourceItem* item : allItems()) {
+      quantities[{records::nameOf(item->category()), item->name().str(), item->spec().str(),
+                  item->unit().str(), item->price().toDouble()}] += item->quantity().toDouble();
+    }
+    QCOMPARE(table.rowCount(), int(quantities.size()));
+    QVERIFY(quantities.size() < allItems().size());
+    const auto cell = [&](int at, const std::string& key) {
+      return table.index(at, summary->tableView()->table()->viewModel()->getColumnIndex(key))
+          .data(Qt::EditRole);
+    };
+    for (int at = 0; at < table.rowCount(); ++at) {
+      const auto text = [&](const std::string& key) {
+        return cell(at, key).toString().toStdString();
+      };
+      const Key key{text(keys::BRIType), text(keys::BRIName), text(keys::BRISpec),
+                    text(keys::BRIUnit), cell(at, keys::BRIExcludedTaxFee).toDouble()};
+      QVERIFY(std::fabs(quantities.at(key) - cell(at, keys::BRIAmount).toDouble()) < 1e-6);
+    }
+
+    // What an entry of the guide says is what its rows add up to.
+    int entries = 0;
+    const std::function<void(const QModelIndex&)> visit = [&](const QModelIndex& parent) {
+      for (int at = 0; at < guide.model()->rowCount(parent); ++at) {
+        const QModelIndex entry = guide.model()->index(at, 0, parent);
+        guide.setCurrentIndex(entry);
+        visit(entry);
+        guide.setCurrentIndex(entry);
+        if (guide.model()->rowCount(entry) > 0) continue;
+        double sum = 0;
+        for (int i = 0; i < table.rowCount(); ++i) {
+          sum += cell(i, keys::BRIMarketTotalCost).toDouble();
+        }
+        QVERIFY(std::fabs(sum - entry.sibling(at, 2).data(Qt::EditRole).toDouble()) < 0.005);
+        ++entries;
+      }
+    };
+    visit({});
+    QVERIFY(entries > 8);
+    guide.setCurrentIndex(guide.model()->index(1, 0));  // what waits
+    QCOMPARE(table.rowCount(), 1);
+    QCOMPARE(cell(0, keys::BRIName).toString().toStdString(), labour[0]->name().str());
+    window_->session()->undoStack().undo();
+    window_->session()->undoStack().undo();
+    QTRY_COMPARE(table.rowCount(), 0);
+  }
+
+  void hearsOfOtherPagesAndKeepsItsOrderToItself() {
+    ResourceItem& item = *itemsOf(records::Category::Labour).front();
+    const std::string before = project().dump();
+    const auto rowOrder = [&] {
+      std::vector<std::int64_t> ids;
+      for (const ResourceItem* each : allItems()) ids.push_back(each->id());
+      return ids;
+    };
+    const auto order = rowOrder();
+    const auto* view = grid_->viewModel();
+    const QModelIndex first =
+        grid_->model()->index(0, 0, grid_->model()->index(0, 0, grid_->model()->index(0, 0)));
+    const proxy::Element* top = grid_->elementAt(first);
+    grid_->sortByColumn(view->getColumnIndex(keys::BRIMarketTotalCost), Qt::DescendingOrder);
+    QTRY_VERIFY(grid_->elementAt(grid_->model()->index(0, 0, first.parent())) != top);
+    QVERIFY(rowOrder() == order && project().dump() == before);
+
+    QVERIFY(window_->pages()->setCurrentPage("resources"));
+    {
+      const app::ScopedUndo undo("");
+      project().set(item, records::ItemField::Price, costing::PackedDecimal(Decimal(777)));
+    }
+    open();
+    const auto shown = [&](const ResourceItem& of) {
+      const QModelIndexList found = grid_->model()->match(
+          grid_->model()->index(0, view->getColumnIndex(keys::BRICode)), Qt::DisplayRole,
+          QString::fromStdString(of.code().str()), 1, Qt::MatchExactly | Qt::MatchRecursive);
+      return found.value(0);
+    };
+    QCOMPARE(shown(item)
+                 .sibling(shown(item).row(), view->getColumnIndex(keys::BRIExcludedTaxFee))
+                 .data()
+                 .toString(),
+             QString("777.00"));
+
+    // An item of one's own comes in, has no source, and goes.
+    controller_->insertItem(row(&item));
+    const auto labour = itemsOf(records::Category::Labour);
+    const auto& own = *std::find_if(labour.begin(), labour.end(), [](const ResourceItem* each) {
+      return each->code().str() == "补充人工001";
+    });
+    QVERIFY(shown(*own).isValid());
+    view_->showItems({grid_->elementAt(shown(*own))});
+    view_->onFindSource();
+    QVERIFY2(message().contains("没有来源清单"), qPrintable(message()));
+    const auto count = project().itemCount();
+    view_->deleteItem();
+    QCOMPARE(project().itemCount(), count - 1);
+    QCOMPARE(grid_->model()
+                 ->match(grid_->model()->index(0, 1), Qt::DisplayRole, "补充人工001", 1,
+                         Qt::MatchRecursive)
+                 .size(),
+             0);
+  }
+
+  void closesWithARefreshPending() {
+    grid_->selectElements(
+        {grid_->elementAt(grid_->model()->index(0, 0, grid_->model()->index(0, 0)))});
+    controller_.reset();
+    rows_.reset();
+    bool later = false;
+    QTimer::singleShot(2 * DesResItemViewImpl::RefreshDelay, this, [&later] { later = true; });
+    window_->closeProject();
+    QTRY_VERIFY(later);
+    QVERIFY(window_->session() == nullptr);
+  }
+
+ private:
+  using Rows = std::vector<proxy::Element*>;
+
+  QString path() const { return dir_->filePath("办公楼.qcp"); }
+  controllers::OpenProject& openProject() { return window_->session()->project(); }
+  records::Project& project() { return openProject().project(); }
+  void open() { QVERIFY(window_->pages()->setCurrentPage("design-resources")); }
+  proxy::Element* row(const ResourceItem* item) const { return rows_->rowOf(*item); }
+  QString message() const {
+    return channel_->messages().empty() ? QString()
+                                        : QString::fromStdString(channel_->messages().back().text);
+  }
+  /// Of the first unit work.
+  std::vector<ResourceItem*> itemsOf(records::Category category) {
+    std::vector<ResourceItem*> items;
+    const auto& rows = project().categoryGroup(*project().unitWorks().front(), category)->rows();
+    for (int at = 0; at < rows.size(); ++at) {
+      items.push_back(static_cast<ResourceItem*>(rows.at(at)));
+    }
+    return items;
+  }
+  std::vector<ResourceItem*> allItems() {
+    std::vector<ResourceItem*> items;
+    for (const records::StructureNode* work : project().unitWorks()) {
+      for (int i = 0; i < records::CategoryCount; ++i) {
+        const auto& rows =
+            project().categoryGroup(*work, static_cast<records::Category>(i))->rows();
+        for (int at = 0; at < rows.size(); ++at) {
+          items.push_back(static_cast<ResourceItem*>(rows.at(at)));
+        }
+      }
+    }
+    return items;
+  }
+
+  std::unique_ptr<QTemporaryDir> dir_;
+  services::RecordingChannel* channel_ = nullptr;
+  std::unique_ptr<services::Installed> services_;
+  std::unique_ptr<shell::MainWindow> window_;
+  std::unique_ptr<DesResItemOperator> rows_;
+  std::unique_ptr<controllers::DesResItemController> controller_;
+  QWidget* page_ = nullptr;
+  DesResItemViewImpl* view_ = nullptr;
+  gui::TreeGridView* grid_ = nullptr;
+};
+
+QTEST_MAIN(TestDesResItemPage)
+#include "tst_des_res_item_page.moc"
