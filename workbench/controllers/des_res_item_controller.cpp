@@ -139,13 +139,16 @@ SubcontractData DesResItemController::newEntry(const ResourceItems& items) const
   Decimal amount;
   bool oneUnit = true;
   bool oneAccount = true;
+  bool oneRate = true;
   for (const ResourceItem* item : items) {
     quantity += item->quantity().value();
     amount += project_.amountIfCounted(*item);
     oneUnit = oneUnit && item->unit() == first.unit();
     oneAccount = oneAccount && item->account() == first.account();
+    oneRate = oneRate && item->taxRate() == first.taxRate();
   }
   data.account = oneAccount ? first.account() : nullptr;
+  if (oneRate) data.taxRate = first.taxRate().value();
   std::string name = first.name().str();
   if (items.size() > 1) {
     name = data.account != nullptr ? data.account->name

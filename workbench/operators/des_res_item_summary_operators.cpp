@@ -89,7 +89,7 @@ std::unique_ptr<domain::DisplayTable> makeDesResItemGuideTable() {
   using namespace domain;
   auto table = std::make_unique<DisplayTable>("QCE_DesResItemGuide");
   DisplayRow& header = *table->getHeader();
-  header.addColumn(keys::BRIName, fieldOf("汇总范围", StringField, 0)).width = 170;
+  header.addColumn(keys::BRIName, fieldOf("汇总范围", StringField, 0)).width = 206;
   header.addColumn(keys::BRIItemCount, fieldOf("项数", IntegerField, 0)).width = 50;
   header
       .addColumn(keys::BRIMarketTotalCost,
@@ -216,14 +216,14 @@ std::unique_ptr<domain::DisplayTable> makeDesResItemSummaryTable() {
     header.addColumn(key, fieldOf(name, type, places)).width = width;
   };
   add(keys::BRIType, "类别", StringField, 50);
-  add(keys::BRICode, "编码", StringField, 100);
-  add(keys::BRIName, "名称", StringField, 150);
-  add(keys::BRISpec, "规格型号", StringField, 110);
+  add(keys::BRICode, "编码", StringField, 84);
+  add(keys::BRIName, "名称", StringField, 140);
+  add(keys::BRISpec, "规格型号", StringField, 100);
   add(keys::BRIUnit, "单位", StringField, 50);
-  add(keys::BRIAmount, "数量", FloatingPointField, 90, costing::MaxQuantityPlaces);
-  add(keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 122, costing::MoneyPlaces);
-  add(keys::BRIMarketTotalCost, "不含税合价（元）", FloatingPointField, 120, costing::MoneyPlaces);
-  add(keys::BRIExcludedTaxTotalCost, "计入成本（元）", FloatingPointField, 120,
+  add(keys::BRIAmount, "数量", FloatingPointField, 86, costing::MaxQuantityPlaces);
+  add(keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 118, costing::MoneyPlaces);
+  add(keys::BRIMarketTotalCost, "不含税合价（元）", FloatingPointField, 116, costing::MoneyPlaces);
+  add(keys::BRIExcludedTaxTotalCost, "计入成本（元）", FloatingPointField, 110,
       costing::MoneyPlaces);
   add(keys::CostAccount, "成本科目", StringField, 130);
   add(keys::BRIContract, "归集到", StringField, 130);

@@ -451,6 +451,8 @@ void MainWindow::showHelp() {
       "<tr><td>Ctrl+C / Ctrl+V / Delete</td><td>复制 / 粘贴 / 清除一块单元格</td></tr>"
       "<tr><td>Ctrl+Z / Ctrl+Y</td><td>撤销 / 恢复</td></tr>"
       "<tr><td>Ctrl+B</td><td>把同一个单价写入选中的人材机</td></tr>"
+      "<tr><td>Ctrl+K / Ctrl+L / Ctrl+G</td>"
+      "<td>人材机归集：设置成本科目 / 关联到成本 / 设置归集</td></tr>"
       "<tr><td>Shift+F2</td><td>编辑批注</td></tr>"
       "<tr><td>Alt+↑ / Alt+↓</td><td>上移 / 下移选中的行</td></tr>"
       "<tr><td>Ctrl+E</td><td>把当前页面的表格导出为 Excel 文件</td></tr>"

@@ -91,6 +91,7 @@ class TestDesResItemPage : public QObject {
     QCOMPARE(entry.amount().toString(),
              (quantity * *Decimal::parse("33.33")).rounded(2).toString());
     QVERIFY(entry.account == account && entry.features.str() == "特征");
+    QVERIFY(entry.taxRate == labour[0]->taxRate().value() && !entry.taxRate.isZero());
     QVERIFY(controller_->isClosed(pair[0]) && !controller_->isClosed(row(labour[2])));
 
     // One that is collected already is named, and no other one is touched.
@@ -195,11 +196,13 @@ class TestDesResItemPage : public QObject {
     };
     const auto order = rowOrder();
     const auto* view = grid_->viewModel();
-    const QModelIndex first =
-        grid_->model()->index(0, 0, grid_->model()->index(0, 0, grid_->model()->index(0, 0)));
-    const proxy::Element* top = grid_->elementAt(first);
+    const auto topItem = [this] {
+      const QModelIndex category = grid_->model()->index(0, 0, grid_->model()->index(0, 0));
+      return grid_->elementAt(grid_->model()->index(0, 0, category));
+    };
+    const proxy::Element* top = topItem();
     grid_->sortByColumn(view->getColumnIndex(keys::BRIMarketTotalCost), Qt::DescendingOrder);
-    QTRY_VERIFY(grid_->elementAt(grid_->model()->index(0, 0, first.parent())) != top);
+    QTRY_VERIFY(topItem() != top);
     QVERIFY(rowOrder() == order && project().dump() == before);
 
     QVERIFY(window_->pages()->setCurrentPage("resources"));
