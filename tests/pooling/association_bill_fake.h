@@ -11,75 +11,43 @@
 
 namespace tests {
 
-/// Sections and bills in memory, the same tree for both sides: U(A(a1 a2 a3) B(b1 C(c1 c2))). What
-/// starts with a small letter is a bill.
-struct AssociationTree : public Tree {
-  AssociationTree() { fill(); }
-  void fill() {
-    clear();
-    Node* unit = row("U", nullptr);
-    Node* a = row("A", unit);
-    for (const char* name : {"a1", "a2", "a3"}) row(name, a);
-    Node* b = row("B", unit);
-    row("b1", b);
-    Node* c = row("C", b);
-    for (const char* name : {"c1", "c2"}) row(name, c);
-  }
-  Node* row(const std::string& name, Node* parent) {
-    Node* made = insert(parent != nullptr ? parent->childCount() : size(), name, parent);
+inline bool isBill(const proxy::Element* element) {
+  return element != nullptr && std::islower(static_cast<const Node*>(element)->name()[0]) != 0;
+}
+
+/// Sections and bills, the same for both sides: U(A(a1 a2 a3) B(b1 C(c1 c2))). What starts with a
+/// small letter is a bill.
+inline void fillAssociationTree(Tree& tree) {
+  tree.clear();
+  const auto row = [&tree](const std::string& name, Node* parent) {
+    Node* made = tree.insert(parent != nullptr ? parent->childCount() : 0, name, parent);
     made->set(domain::keys::SECode, name)->set(domain::keys::SEName, "清单" + name);
     if (isBill(made)) {
       made->set(domain::keys::SEProjFeatures, "特征 " + name + "\n第二行")
           ->set(domain::keys::SEAmount, 1.5);
     }
     return made;
-  }
-  Node* at(const std::string& name) const {
-    for (Node* node : all()) {
-      if (node->name() == name) return node;
-    }
-    return nullptr;
-  }
-  std::vector<Node*> all() const {
-    std::vector<Node*> rows;
-    for (int i = 0; i < size(); ++i) append(node(i), rows);
-    return rows;
-  }
-  static bool isBill(const proxy::Element* element) {
-    return element != nullptr && std::islower(static_cast<const Node*>(element)->name()[0]) != 0;
-  }
+  };
+  Node* unit = row("U", nullptr);
+  Node* a = row("A", unit);
+  for (const char* name : {"a1", "a2", "a3"}) row(name, a);
+  Node* b = row("B", unit);
+  row("b1", b);
+  Node* c = row("C", b);
+  for (const char* name : {"c1", "c2"}) row(name, c);
+}
 
- private:
-  static void append(Node* node, std::vector<Node*>& rows) {
-    rows.push_back(node);
-    for (int i = 0; i < node->childCount(); ++i) append(node->node(i), rows);
-  }
-};
-
-/// Answers for the cells of either side.
+/// Answers for either side.
 template <class Base>
-class AssociationOperator : public Base {
+class AssociationOperator : public NodeHost<Base> {
  public:
-  proxy::ElementGroup* getRoot() override { return &tree; }
-  bool getValue(const proxy::Element* element, const std::string& key, int role,
-                domain::Value& out) const override {
-    const domain::Value* found = static_cast<const Node*>(element)->find(key, role);
-    if (found != nullptr) out = *found;
-    return found != nullptr;
-  }
-  bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override {
-    return true;
-  }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
-  bool isEditable(const proxy::Element*, const std::string&) const override { return false; }
+  AssociationOperator() { fillAssociationTree(this->tree); }
   bool isCheckable(const proxy::Element*, const std::string& key) const override {
     return key == domain::keys::SECode;
   }
   void setSubProject(proxy::Element* element) override { subProject = element; }
-  void reload() override { tree.fill(); }
+  void reload() override { fillAssociationTree(this->tree); }
 
-  AssociationTree tree;
-  domain::DisplayTable table;
   proxy::Element* subProject = nullptr;
 };
 
@@ -101,7 +69,7 @@ class FakeRightOperator : public AssociationOperator<domain::qce::QCEAssociation
     header.addColumn(keys::SEAmount, {"工程量", FloatingPointField, 2, {}, {}, false});
   }
   void setBaseResItem(const Elements& items) override { baseItems = items; }
-  bool isBill(const proxy::Element* row) const override { return AssociationTree::isBill(row); }
+  bool isBill(const proxy::Element* row) const override { return tests::isBill(row); }
   bool isAssociated(const proxy::Element* bill) const override {
     return associated.count(static_cast<const Node*>(bill)->name()) > 0;
   }

@@ -29,17 +29,6 @@ struct Answers : abst::qce::QCENewProjectView {
   std::string getReportTemplatePath() const override { return {}; }
 };
 
-// The program's operator, with one item that takes no writes.
-class Operator : public operators::ResItemOperator {
- public:
-  using ResItemOperator::ResItemOperator;
-  bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
-                int role) override {
-    return element != refused && ResItemOperator::setValue(element, key, value, role);
-  }
-  const proxy::Element* refused = nullptr;
-};
-
 }  // namespace
 
 /// The page over a project file, with its undo and its arithmetic.
@@ -72,8 +61,7 @@ class TestViewOnProject : public QObject {
     tests::attachTester(model_.get());
     tests::attachTester(filter_.get());
     model_->setDisplayTable(&project_->resItemTable());
-    operator_ = std::make_unique<Operator>(project_->project());
-    model_->setOperator(operator_.get());
+    model_->setOperator(&project_->resItemOperator());
     project_->resItemController().setModel(model_.get());
     page_ = std::make_unique<gui::qce::QCEResItemViewImpl>();
     page_->setController(&project_->resItemController());
@@ -90,50 +78,8 @@ class TestViewOnProject : public QObject {
     project_->resItemController().setModel(nullptr);
     filter_.reset();
     model_.reset();
-    operator_.reset();
     app::InstallServices(before_);
     project_.reset();
-  }
-
-  void setsPricesAndTakesThemBackAsOneStep() {
-    const auto items = selectItems(5);
-    const QStringList before = column(items, keys::BRIExcludedTaxFee);
-    const QStringList amounts = column(items, keys::BRIExcludedTaxTotalCost);
-    setPrice("88.50");
-    QCOMPARE(column(items, keys::BRIExcludedTaxFee),
-             QStringList(QVector<QString>(5, "88.50").toList()));
-    QVERIFY(column(items, keys::BRIExcludedTaxTotalCost) != amounts);
-    QCOMPARE(project_->undo().stack()->count(), 1);
-    QCOMPARE(project_->undo().stack()->undoText(), QString("批量设置不含税单价"));
-    project_->undo().stack()->undo();
-    QCOMPARE(column(items, keys::BRIExcludedTaxFee), before);
-    QCOMPARE(column(items, keys::BRIExcludedTaxTotalCost), amounts);
-  }
-
-  void leavesNothingOfABatchThatFailsHalfway() {
-    const auto items = selectItems(6);
-    const QStringList before = column(items, keys::BRIExcludedTaxFee);
-    const QStringList amounts = column(items, keys::BRIExcludedTaxTotalCost);
-    operator_->refused = items[4];
-    setPrice("88.50");
-    QCOMPARE(channel_.messages().size(), std::size_t(1));
-    const QString told = QString::fromStdString(channel_.messages()[0].text);
-    QVERIFY2(told.contains("本次批量设置已全部取消"), qPrintable(told));
-    QVERIFY2(told.contains(column({items[4]}, keys::BRIName).first()), qPrintable(told));
-    QCOMPARE(column(items, keys::BRIExcludedTaxFee), before);
-    QCOMPARE(column(items, keys::BRIExcludedTaxTotalCost), amounts);
-    QCOMPARE(project_->undo().stack()->count(), 0);
-  }
-
-  void movesRowsAndBack() {
-    selectItems(2);
-    const QStringList before = shownCodes();
-    QTest::keyClick(grid_, Qt::Key_Down, Qt::AltModifier);
-    QVERIFY(shownCodes() != before);
-    QCOMPARE(project_->undo().stack()->count(), 1);
-    QCOMPARE(grid_->selectedElements().size(), std::size_t(2));
-    project_->undo().stack()->undo();
-    QCOMPARE(shownCodes(), before);
   }
 
   void addsItemsOfOnesOwn() {
@@ -203,38 +149,6 @@ class TestViewOnProject : public QObject {
     QCOMPARE(added->code().str(), std::string("补充人工001"));
   }
 
-  // A caption names no item, and a group goes with the last item that is shown for it.
-  /// To find what costs most, below and above a thousand.
-  void ordersMoneyByItsValue() {
-    const int column = filter_->getColumnIndex(keys::BRIBudgetTotalCost);
-    QSignalSpy sorted(model_.get(), &QAbstractItemModel::layoutChanged);
-    grid_->sortByColumn(column, Qt::DescendingOrder);
-    QVERIFY(sorted.wait());
-    const QModelIndex labour = filter_->index(0, 0, filter_->index(0, 0));
-    std::vector<double> shown;
-    for (int row = 0; row < filter_->rowCount(labour); ++row) {
-      auto* item = filter_->getInternalData(filter_->index(row, 0, labour));
-      shown.push_back(static_cast<records::ResourceItem*>(item)->budgetAmount().toDouble());
-    }
-    QVERIFY(shown.size() > 3 && shown.front() > 1000);
-    QVERIFY(std::is_sorted(shown.rbegin(), shown.rend()));
-  }
-
-  void showsNoGroupWithoutItems() {
-    std::vector<std::string> words = {"", "", "材料", "", ""};
-    filter_->setFilterField(words);
-    filter_->setIsFilterByCondition(true);
-    expectNoEmptyGroup({});
-    filter_->setIsFilterByCondition(false);
-    filter_->setShowAll(false);
-    for (const bool associated : {true, false}) {
-      filter_->setShowAssociation(associated);
-      filter_->invalidate();
-      expectNoEmptyGroup({});
-    }
-    QVERIFY(filter_->rowCount() > 0);
-  }
-
  private:
   // The first items from the top, selected.
   std::vector<proxy::Element*> selectItems(int count) {
@@ -250,30 +164,6 @@ class TestViewOnProject : public QObject {
     QCoreApplication::processEvents();
     return items;
   }
-  void expectNoEmptyGroup(const QModelIndex& parent) const {
-    std::string comment;
-    for (int row = 0; row < filter_->rowCount(parent); ++row) {
-      const QModelIndex index = filter_->index(row, 0, parent);
-      const bool item = filter_->getComment(filter_->getInternalData(index), comment);
-      QVERIFY(item || filter_->rowCount(index) > 0);
-      expectNoEmptyGroup(index);
-    }
-  }
-  void setPrice(const QString& price) {
-    QTimer::singleShot(0, [price] {
-      auto* edit = QApplication::activeModalWidget()->findChild<QLineEdit*>();
-      QTest::keyClicks(edit, price);
-      QTest::keyClick(edit, Qt::Key_Return);
-    });
-    QTest::keyClick(grid_, Qt::Key_B, Qt::ControlModifier);
-  }
-  QStringList column(const std::vector<proxy::Element*>& items, const std::string& key) const {
-    QStringList texts;
-    for (proxy::Element* item : items) {
-      texts << filter_->makeIndex(item, filter_->getColumnIndex(key)).data().toString();
-    }
-    return texts;
-  }
   QStringList shownCodes() const {
     QStringList codes;
     const int code = filter_->getColumnIndex(keys::BRICode);
@@ -288,7 +178,6 @@ class TestViewOnProject : public QObject {
   services::RecordingChannel channel_;
   app::Services before_;
   std::unique_ptr<controllers::OpenProject> project_;
-  std::unique_ptr<Operator> operator_;
   std::unique_ptr<gui::qce::QCEResItemModelImpl> model_;
   std::unique_ptr<gui::qce::QCEResItemFilterModelImpl> filter_;
   std::unique_ptr<gui::qce::QCEResItemViewImpl> page_;

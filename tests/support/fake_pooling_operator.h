@@ -13,7 +13,7 @@ namespace tests {
 
 /// The host side of pooling in memory: a top-level row for each bill, its budget resource items
 /// below it. The check box stands in the second column.
-class FakePoolingOperator : public domain::qce::QCENotionalPoolingOperator {
+class FakePoolingOperator : public NodeHost<domain::qce::QCENotionalPoolingOperator> {
  public:
   FakePoolingOperator() {
     using namespace domain;
@@ -42,18 +42,10 @@ class FakePoolingOperator : public domain::qce::QCENotionalPoolingOperator {
         ->set(domain::keys::NPCollectionAmount, quantity);
   }
 
-  proxy::ElementGroup* getRoot() override { return &tree; }
-  bool getValue(const proxy::Element* element, const std::string& key, int role,
-                domain::Value& out) const override {
-    const domain::Value* found = static_cast<const Node*>(element)->find(key, role);
-    if (found != nullptr) out = *found;
-    return found != nullptr;
-  }
   bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override {
     ++writes;
     return true;
   }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
   bool isEditable(const proxy::Element* element, const std::string& key) const override {
     return element->parent() != nullptr && key == domain::keys::NPCollectionAmount;
   }
@@ -95,8 +87,6 @@ class FakePoolingOperator : public domain::qce::QCENotionalPoolingOperator {
     return found != owners.end() ? found->second : nullptr;
   }
 
-  domain::DisplayTable table;
-  Tree tree;
   std::vector<scoped_refptr<Node>> bills;
   std::map<std::int64_t, const proxy::Element*> owners;  ///< by the id of the top-level row
   std::vector<proxy::Element*> set;

@@ -11,7 +11,7 @@ namespace tests {
 
 /// The host side of the resource-item page in memory: items below grouping rows, and a table of
 /// the columns that the page works with.
-class FakeResItemOperator : public domain::qce::QCEResItemOperator {
+class FakeResItemOperator : public NodeHost<domain::qce::QCEResItemOperator> {
  public:
   FakeResItemOperator() {
     using namespace domain;
@@ -54,22 +54,10 @@ class FakeResItemOperator : public domain::qce::QCEResItemOperator {
            nullptr;
   }
 
-  proxy::ElementGroup* getRoot() override { return &tree; }
-
-  bool getValue(const proxy::Element* element, const std::string& key, int role,
-                domain::Value& out) const override {
-    const domain::Value* found = static_cast<const Node*>(element)->find(key, role);
-    if (found == nullptr) return false;
-    out = *found;
-    return true;
-  }
   bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
-                int /*role*/) override {
-    if (!isItem(element) || element == refused) return false;
-    static_cast<Node*>(element)->set(key, value);
-    return true;
+                int role) override {
+    return isItem(element) && element != refused && NodeHost::setValue(element, key, value, role);
   }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
   bool isEditable(const proxy::Element* element, const std::string& key) const override {
     return isItem(element) && key != domain::keys::BRIExcludedTaxTotalCost;
   }
@@ -115,8 +103,6 @@ class FakeResItemOperator : public domain::qce::QCEResItemOperator {
   int getFilterType() const override { return filterType; }
   void setFilterType(int type) override { filterType = type; }
 
-  domain::DisplayTable table;
-  Tree tree;
   proxy::Element* refused = nullptr;  ///< an item that takes no writes
   proxy::Element* subProject = nullptr;
   int rebuilt = 0;

@@ -13,7 +13,7 @@ namespace tests {
 
 /// The host side of the sub-engineering page in memory: nodes, bills and resource rows. An
 /// expression is a plain number, or one of these with "+" between them.
-class FakeSubEngineeringOperator : public domain::SubEngineeringOperator {
+class FakeSubEngineeringOperator : public NodeHost<domain::SubEngineeringOperator> {
  public:
   FakeSubEngineeringOperator() {
     using namespace domain;
@@ -52,18 +52,15 @@ class FakeSubEngineeringOperator : public domain::SubEngineeringOperator {
     return static_cast<const Node*>(element)->find(mark, domain::EditRole) != nullptr;
   }
 
-  proxy::ElementGroup* getRoot() override { return &tree; }
   bool getValue(const proxy::Element* element, const std::string& key, int role,
                 domain::Value& out) const override {
     if (role == domain::ChoicesRole && key == domain::keys::SEType && has(element, "bill")) {
       out = getTypes();
       return true;
     }
-    const domain::Value* found = static_cast<const Node*>(element)->find(key, role);
-    if (found == nullptr) return false;
-    ++reads;
-    out = *found;
-    return true;
+    const bool found = NodeHost::getValue(element, key, role, out);
+    reads += found ? 1 : 0;
+    return found;
   }
   bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
                 int /*role*/) override {
@@ -82,11 +79,9 @@ class FakeSubEngineeringOperator : public domain::SubEngineeringOperator {
     node->set(key, value);
     return true;
   }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
   bool isEditable(const proxy::Element* element, const std::string& key) const override {
     return has(element, "bill") && key != domain::keys::SEQuantity;
   }
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
 
   bool isResourceRow(const proxy::Element* element) const override {
     return has(element, "resource");
@@ -130,8 +125,6 @@ class FakeSubEngineeringOperator : public domain::SubEngineeringOperator {
     }
   }
 
-  domain::DisplayTable table;
-  Tree tree;
   proxy::Element* refused = nullptr;  ///< a bill that takes no writes
   const proxy::Element* detailed = nullptr;
   domain::QuantityLines detail;

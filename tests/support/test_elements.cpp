@@ -1,6 +1,7 @@
 #include "tests/support/test_elements.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "host/app/services.h"
 
@@ -101,6 +102,23 @@ void Tree::arrange(std::vector<scoped_refptr<Node>>& nodes, const Arrange& how) 
   for (auto& node : nodes) arrange(node->children_, how);
 }
 
+std::vector<Node*> Tree::all() const {
+  std::vector<Node*> nodes;
+  const std::function<void(Node*)> append = [&](Node* node) {
+    nodes.push_back(node);
+    for (int i = 0; i < node->childCount(); ++i) append(node->node(i));
+  };
+  for (int i = 0; i < size(); ++i) append(node(i));
+  return nodes;
+}
+
+Node* Tree::at(const std::string& name) const {
+  for (Node* node : all()) {
+    if (node->name() == name) return node;
+  }
+  return nullptr;
+}
+
 std::string Tree::text() const {
   struct Writer {
     static std::string of(const Node& node) {
@@ -119,10 +137,7 @@ std::string Tree::text() const {
 bool NodeOperator::getValue(const proxy::Element* element, const std::string& key, int role,
                             domain::Value& out) const {
   ++reads;
-  const domain::Value* found = static_cast<const Node*>(element)->find(key, role);
-  if (found == nullptr) return false;
-  out = *found;
-  return true;
+  return NodeHost::getValue(element, key, role, out);
 }
 
 bool NodeOperator::setValue(proxy::Element* element, const std::string& key,
@@ -133,11 +148,8 @@ bool NodeOperator::setValue(proxy::Element* element, const std::string& key,
   }
   lastWritten = value;
   lastRole = role;
-  if (role == domain::EditRole) {
-    static_cast<Node*>(element)->set(key, value);
-  } else {
-    static_cast<Node*>(element)->set(key, role, value);
-  }
+  if (role == domain::EditRole) return NodeHost::setValue(element, key, value, role);
+  static_cast<Node*>(element)->set(key, role, value);
   return true;
 }
 

@@ -54,6 +54,10 @@ class Tree : public proxy::ElementGroup {
   void remove(int row, int count, Node* parent);
   void move(int from, int to, Node* parent);
   void clear() { members_.clear(); }
+  /// Every node, each before its children.
+  std::vector<Node*> all() const;
+  /// Null when there is none of that name.
+  Node* at(const std::string& name) const;
   /// "a(b c) d": the names, children in brackets.
   std::string text() const;
 
@@ -68,9 +72,33 @@ class Tree : public proxy::ElementGroup {
   std::vector<scoped_refptr<Node>> members_;
 };
 
+/// A host in memory: answers what the nodes of a tree hold and takes what is written.
+template <class Base>
+class NodeHost : public Base {
+ public:
+  proxy::ElementGroup* getRoot() override { return &tree; }
+  bool getValue(const proxy::Element* element, const std::string& key, int role,
+                domain::Value& out) const override {
+    const domain::Value* found = static_cast<const Node*>(element)->find(key, role);
+    if (found != nullptr) out = *found;
+    return found != nullptr;
+  }
+  bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
+                int /*role*/) override {
+    static_cast<Node*>(element)->set(key, value);
+    return true;
+  }
+  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
+  bool isEditable(const proxy::Element*, const std::string&) const override { return false; }
+  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
+
+  Tree tree;
+  domain::DisplayTable table;
+};
+
 /// An operator over a Tree: answers what the nodes hold, writes what it is not told to refuse.
 /// Counts what it is asked.
-class NodeOperator : public domain::Operator {
+class NodeOperator : public NodeHost<domain::Operator> {
  public:
   proxy::ElementGroup* getRoot() override { return hasRoot ? &tree : nullptr; }
   bool getValue(const proxy::Element* element, const std::string& key, int role,
@@ -87,7 +115,6 @@ class NodeOperator : public domain::Operator {
     return checkableKey == key;
   }
 
-  Tree tree;
   bool hasRoot = true;
   bool refuse = false;
   std::string complaint;  ///< what it says when it refuses

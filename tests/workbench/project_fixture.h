@@ -11,6 +11,7 @@
 #include "workbench/exchange/sample_generator.h"
 #include "workbench/records/field_accessors.h"
 #include "workbench/services/channels.h"
+#include "workbench/store/check.h"
 
 namespace tests {
 
@@ -57,18 +58,48 @@ class ProjectFixture {
     return *static_cast<records::ResourceItem*>(
         project.categoryGroup(node, category)->rows().at(row));
   }
-  std::vector<records::ResourceItem*> items() {
+  std::vector<records::ResourceItem*> items() { return itemsOf(opened_->project()); }
+  static std::vector<records::ResourceItem*> itemsOf(records::Project& project) {
     std::vector<records::ResourceItem*> all;
-    for (const records::StructureNode* node : opened_->project().unitWorks()) {
+    for (const records::StructureNode* node : project.unitWorks()) {
       for (int i = 0; i < records::CategoryCount; ++i) {
-        const auto* group =
-            opened_->project().categoryGroup(*node, static_cast<records::Category>(i));
+        const auto* group = project.categoryGroup(*node, static_cast<records::Category>(i));
         for (int row = 0; row < group->rows().size(); ++row) {
           all.push_back(static_cast<records::ResourceItem*>(group->rows().at(row)));
         }
       }
     }
     return all;
+  }
+
+  /// The elements of one kind below another, from top to bottom.
+  template <class Kind>
+  static std::vector<Kind*> below(const proxy::Element& top) {
+    std::vector<Kind*> found;
+    for (int row = 0; row < top.childCount(); ++row) {
+      if (auto* kind = dynamic_cast<Kind*>(top.child(row))) {
+        found.push_back(kind);
+      } else {
+        const auto more = below<Kind>(*top.child(row));
+        found.insert(found.end(), more.begin(), more.end());
+      }
+    }
+    return found;
+  }
+  std::vector<records::Bill*> bills(int unitWork = 0) {
+    return below<records::Bill>(*opened_->project().unitWorks().at(std::size_t(unitWork)));
+  }
+
+  /// The latest message; empty when there is none.
+  QString message() const {
+    const auto& all = channel.messages();
+    return all.empty() ? QString() : QString::fromStdString(all.back().text);
+  }
+  /// Closes the project; what a check of its file finds, empty when all is well.
+  QString checked() {
+    close();
+    const store::CheckReport report = store::check(path());
+    return report.ok() ? QString() : report.failure.message + report.findings.join('\n') + '!';
   }
 
   /// As an undo step, or as part of the scope that is open.

@@ -1,27 +1,12 @@
-#include <QAction>
-#include <QLabel>
-#include <QLineEdit>
-#include <QUndoStack>
-#include <QtTest>
 
-#include "engineering/indirect_fee_view.h"
 #include "host/app/scoped_undo.h"
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/tree_grid_view.h"
 #include "host/gui/view_model.h"
 #include "tests/support/rows.h"
-#include "tests/support/tester_proxy.h"
-#include "workbench/cli/driver.h"
-#include "workbench/controllers/open_project.h"
-#include "workbench/exchange/sample_generator.h"
-#include "workbench/services/install.h"
-#include "workbench/shell/application.h"
-#include "workbench/shell/main_window.h"
-#include "workbench/shell/page_stack.h"
-#include "workbench/shell/session.h"
+#include "tests/workbench/window_fixture.h"
 #include "workbench/store/check.h"
-#include "workbench/store/project_file.h"
 
 namespace keys = domain::keys;
 
@@ -32,23 +17,11 @@ class IndirectFeePageTest : public QObject {
   void initTestCase() { shell::setUpApplication(*qApp); }
 
   void init() {
-    dir_ = std::make_unique<QTemporaryDir>();
-    auto channel = std::make_unique<services::RecordingChannel>();
-    channel_ = channel.get();
-    services_ = services::install(std::make_unique<services::PathManager>(dir_->path()),
-                                  std::move(channel));
-    const exchange::SourceDocument source =
-        exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
-    store::Failure failure;
-    QVERIFY(store::ProjectFile::create(path(), &source, {"办公楼", "投标成本测算", {}}, failure));
-    window_ = std::make_unique<shell::MainWindow>(*services_);
-    window_->resize(1500, 640);
-    window_->show();
-    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
-    QVERIFY(window_->openProject(path()));
-    QVERIFY(window_->pages()->setCurrentPage("fees"));
-    groups_ = window_->findChild<gui::TreeGridView*>("QCEIndirectFeeTreeView");
-    table_ = window_->findChild<bwidgets::TableView*>("QCEIndirectFeeTableView");
+    f_ = std::make_unique<tests::WindowFixture>();
+    f_->window->resize(1500, 640);
+    f_->open("fees");
+    groups_ = f_->window->findChild<gui::TreeGridView*>("QCEIndirectFeeTreeView");
+    table_ = f_->window->findChild<bwidgets::TableView*>("QCEIndirectFeeTableView");
     tests::attachTester(groups_->model());
     tests::attachTester(table_->model());
     row_ = -1;
@@ -58,11 +31,7 @@ class IndirectFeePageTest : public QObject {
     QVERIFY(row_ >= 0);
   }
 
-  void cleanup() {
-    window_.reset();
-    services_.reset();
-    dir_.reset();
-  }
+  void cleanup() { f_.reset(); }
 
   void everyTotalFollowsARate() {
     const costing::Decimal before = project().feeTotal();
@@ -73,19 +42,13 @@ class IndirectFeePageTest : public QObject {
     QCOMPARE(number(keys::IFCostAmount), std::round(base * 12.5) / 100);
     QVERIFY(project().feeTotal() != before);
     QVERIFY(groupTotal() != group);
-    auto* label = window_->findChild<QLabel*>("totalsText");
-    QTRY_VERIFY(label->text().contains("间接费成本 " + window_->session()->totals().fees));
-    QCOMPARE(window_->session()->undoStack().undoText(), QString("修改间接费"));
-    driver_.key(Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(f_->stack().undoText(), QString("修改间接费"));
+    f_->driver.key(Qt::Key_Z, Qt::ControlModifier);
     QVERIFY(project().feeTotal() == before);
     QCOMPARE(groupTotal(), group);
-    driver_.key(Qt::Key_Y, Qt::ControlModifier);
+    f_->driver.key(Qt::Key_Y, Qt::ControlModifier);
     QCOMPARE(text(keys::IFCostRate), QString("12.5"));
-    QVERIFY(channel_->messages().empty());
-    if (qEnvironmentVariableIsSet("QCE_PICTURES")) {
-      QTest::qWait(100);
-      window_->grab().save(qEnvironmentVariable("QCE_PICTURES") + "/fees.png");
-    }
+    QVERIFY(f_->channel->messages().empty());
   }
 
   void calculationsFollowTheItems() {
@@ -108,9 +71,9 @@ class IndirectFeePageTest : public QObject {
     type(keys::IFCostAmount, "100");
     QVERIFY2(message().contains("先清空费率"), qPrintable(message()));
     QCOMPARE(number(keys::IFCostAmount), amount);
-    driver_.key(Qt::Key_Escape);
-    driver_.clickCell(table_, cell(keys::IFCostRate, row_));
-    driver_.key(Qt::Key_Delete);
+    f_->driver.key(Qt::Key_Escape);
+    f_->driver.clickCell(table_, cell(keys::IFCostRate, row_));
+    f_->driver.key(Qt::Key_Delete);
     QCOMPARE(text(keys::IFCostRate), QString());
     QCOMPARE(number(keys::IFCostAmount), amount);
     type(keys::IFCostAmount, "4321.5");
@@ -137,14 +100,14 @@ class IndirectFeePageTest : public QObject {
     type(key.toStdString(), typed);
     QVERIFY2(this->message().contains(message), qPrintable(this->message()));
     QVERIFY(project().dump() == before);
-    QVERIFY(!window_->session()->undoStack().canUndo());
+    QVERIFY(!f_->stack().canUndo());
   }
 
   void ownItemsComeAndGo() {
     const int rows = table_->model()->rowCount();
     const costing::Decimal before = project().feeTotal();
-    driver_.clickCell(table_, cell(keys::IFName, 0));
-    driver_.key(Qt::Key_Insert);
+    f_->driver.clickCell(table_, cell(keys::IFName, 0));
+    f_->driver.key(Qt::Key_Insert);
     QCOMPARE(table_->model()->rowCount(), rows + 1);
     row_ = rows;
     QCOMPARE(table_->currentIndex().row(), row_);
@@ -154,25 +117,24 @@ class IndirectFeePageTest : public QObject {
     QCOMPARE(text(keys::IFNumber), QString::number(rows + 1));
 
     // The fees of the source file stay.
-    driver_.clickCell(table_, cell(keys::IFName, 0));
-    driver_.key(Qt::Key_Delete, Qt::ControlModifier);
+    f_->driver.clickCell(table_, cell(keys::IFName, 0));
+    f_->driver.key(Qt::Key_Delete, Qt::ControlModifier);
     QVERIFY2(message().contains("来自源文件，不能删除"), qPrintable(message()));
     QCOMPARE(table_->model()->rowCount(), rows + 1);
-    driver_.clickCell(table_, cell(keys::IFName, row_));
-    driver_.key(Qt::Key_Delete, Qt::ControlModifier);
+    f_->driver.clickCell(table_, cell(keys::IFName, row_));
+    f_->driver.key(Qt::Key_Delete, Qt::ControlModifier);
     QCOMPARE(table_->model()->rowCount(), rows);
-    driver_.key(Qt::Key_Z, Qt::ControlModifier);
+    f_->driver.key(Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(text(keys::IFName), QString("夜间施工增加费"));
     const std::string dump = project().dump();
-    driver_.key(Qt::Key_W, Qt::ControlModifier);
-    QVERIFY(store::check(path()).ok());
-    QVERIFY(window_->openProject(path()));
+    f_->driver.key(Qt::Key_W, Qt::ControlModifier);
+    QVERIFY(store::check(f_->project()).ok());
+    QVERIFY(f_->window->openProject(f_->project()));
     QVERIFY(project().dump() == dump);
   }
 
  private:
-  QString path() const { return dir_->filePath("办公楼.qcp"); }
-  records::Project& project() { return window_->session()->project().project(); }
+  records::Project& project() { return f_->records(); }
   QModelIndex cell(const std::string& key, int row) const {
     return table_->model()->index(row, table_->viewModel()->getColumnIndex(key));
   }
@@ -184,23 +146,16 @@ class IndirectFeePageTest : public QObject {
   QString groupTotal() const {
     return groups_->currentIndex().sibling(groups_->currentIndex().row(), 1).data().toString();
   }
-  QString message() const {
-    return channel_->messages().empty() ? QString()
-                                        : QString::fromStdString(channel_->messages().back().text);
-  }
+  QString message() const { return f_->message(); }
   void type(const std::string& key, const QString& what) {
-    driver_.clickCell(table_, cell(key, row_));
-    driver_.key(Qt::Key_F2);
-    driver_.key(Qt::Key_A, Qt::ControlModifier);
-    driver_.type(what);
-    driver_.key(Qt::Key_Return);
+    f_->driver.clickCell(table_, cell(key, row_));
+    f_->driver.key(Qt::Key_F2);
+    f_->driver.key(Qt::Key_A, Qt::ControlModifier);
+    f_->driver.type(what);
+    f_->driver.key(Qt::Key_Return);
   }
 
-  std::unique_ptr<QTemporaryDir> dir_;
-  services::RecordingChannel* channel_ = nullptr;
-  std::unique_ptr<services::Installed> services_;
-  std::unique_ptr<shell::MainWindow> window_;
-  cli::Driver driver_;
+  std::unique_ptr<tests::WindowFixture> f_;
   gui::TreeGridView* groups_ = nullptr;
   bwidgets::TableView* table_ = nullptr;
   int row_ = -1;

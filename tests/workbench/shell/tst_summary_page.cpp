@@ -1,49 +1,22 @@
 #include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QTemporaryDir>
 #include <QTreeView>
-#include <QUndoStack>
-#include <QtTest>
 
 #include "framework/des_filter_view.h"
 #include "host/app/scoped_undo.h"
 #include "host/base/number_text.h"
 #include "host/gui/tree_grid_view.h"
-#include "tests/support/tester_proxy.h"
-#include "workbench/cli/driver.h"
-#include "workbench/cli/sheet_check.h"
-#include "workbench/controllers/open_project.h"
-#include "workbench/exchange/sample_generator.h"
-#include "workbench/exchange/spreadsheet_reader.h"
+#include "tests/support/files.h"
+#include "tests/workbench/window_fixture.h"
 #include "workbench/services/fee_template.h"
-#include "workbench/services/install.h"
-#include "workbench/shell/application.h"
-#include "workbench/shell/main_window.h"
-#include "workbench/shell/page_stack.h"
-#include "workbench/shell/session.h"
 #include "workbench/shell/summary_plot.h"
 #include "workbench/shell/summary_view.h"
-#include "workbench/store/project_file.h"
 
+namespace keys = operators::summary_keys;
 using operators::SummaryRow;
 using shell::SummaryView;
 using Kind = records::SummaryLine::Kind;
 
 namespace {
-
-class GivenFile : public shell::FileChooser {
- public:
-  explicit GivenFile(QString path) : path_(std::move(path)) {}
-  QString spreadsheetToWrite(QWidget*, const QString& suggestion) override {
-    suggested = suggestion;
-    return path_;
-  }
-  QString suggested;
-
- private:
-  QString path_;
-};
 
 QString money(const costing::Decimal& value) {
   return QString::fromStdString(base::ToThousandthsString(value.toDouble(), 2));
@@ -57,51 +30,22 @@ class SummaryPageTest : public QObject {
  private slots:
   void initTestCase() { shell::setUpApplication(*qApp); }
 
-  void init() {
-    dir_ = std::make_unique<QTemporaryDir>();
-    auto channel = std::make_unique<services::RecordingChannel>();
-    channel_ = channel.get();
-    services_ = services::install(std::make_unique<services::PathManager>(dir_->path()),
-                                  std::move(channel));
-    const auto source = exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
-    store::Failure failure;
-    QVERIFY(store::ProjectFile::create(path(), &source, {"办公楼", "投标成本测算", {}}, failure));
-    window_ = std::make_unique<shell::MainWindow>(*services_);
-    window_->resize(1440, 860);
-    window_->show();
-    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
-  }
+  void init() { f_ = std::make_unique<tests::WindowFixture>(); }
+  void cleanup() { f_.reset(); }
 
-  void cleanup() {
-    window_.reset();
-    services_.reset();
-    dir_.reset();
-  }
-
-  void showsThreeSummariesWithOneTotal() {
+  void showsWhatTheRecordsSumUp() {
     openPage();
-    const records::FeeTemplate fees = services::loadFeeTemplate({});
-    QStringList totals;
     for (int i = 0; i < 3; ++i) {
       SummaryView& view = choose(i);
-      const auto expected =
-          records::summarize(project(), static_cast<records::SummaryKind>(i), fees);
+      const auto expected = summarized(static_cast<records::SummaryKind>(i));
       const SummaryRow& last = row(view, -1);
-      QCOMPARE(last.line().kind, Kind::Total);
-      totals << text(view, last, operators::summary_keys::Income) + " " +
-                    text(view, last, operators::summary_keys::Cost) + " " +
-                    text(view, last, operators::summary_keys::Difference);
-      QCOMPARE(totals.back(), money(expected.income) + " " + money(expected.cost) + " " +
-                                  money(expected.difference()));
-      QCOMPARE(text(view, last, operators::summary_keys::Share), QString("100.00"));
+      QCOMPARE(text(view, last, keys::Income), money(expected.income));
+      QCOMPARE(text(view, last, keys::Difference), money(expected.difference()));
+      QCOMPARE(text(view, last, keys::Share), QString("100.00"));
       QCOMPARE(view.model().rowCount(), static_cast<int>(expected.lines.size()) + 1);
       QVERIFY(view.plot()->bars().size() > 3);
-      if (const QByteArray pictures = qgetenv("QCE_TEST_PICTURES"); !pictures.isEmpty()) {
-        window_->grab().save(QString("%1/summary-%2.png").arg(QString(pictures)).arg(i));
-      }
     }
-    QCOMPARE(QSet<QString>(totals.begin(), totals.end()).size(), 1);
-    QCOMPARE(channel_->messages().size(), std::size_t(0));
+    QVERIFY(f_->channel->messages().empty());
   }
 
   void followsEditsAndUndoWhileItIsShown() {
@@ -109,32 +53,28 @@ class SummaryPageTest : public QObject {
     SummaryView& view = choose(0);
     tests::attachTester(&view.model());
     const SummaryRow& total = row(view, -1);
-    const QString before = text(view, total, operators::summary_keys::Cost);
+    const QString before = text(view, total, keys::Cost);
     QSignalSpy resets(&view.model(), &QAbstractItemModel::modelReset);
 
     setFirstPrice(4321);
-    const auto expected = [this] {
-      return money(records::summarize(project(), records::SummaryKind::BidFees,
-                                      services::loadFeeTemplate({}))
-                       .cost);
-    };
+    const auto expected = [this] { return money(summarized(records::SummaryKind::BidFees).cost); };
     QVERIFY(expected() != before);
-    QTRY_COMPARE(text(view, row(view, -1), operators::summary_keys::Cost), expected());
+    QTRY_COMPARE(text(view, row(view, -1), keys::Cost), expected());
     QCOMPARE(view.plot()->bars().front().cost, row(view, Kind::Element).line().cost.toDouble());
-    window_->session()->undoStack().undo();
-    QTRY_COMPARE(text(view, row(view, -1), operators::summary_keys::Cost), before);
-    window_->session()->undoStack().redo();
-    QTRY_COMPARE(text(view, row(view, -1), operators::summary_keys::Cost), expected());
+    f_->stack().undo();
+    QTRY_COMPARE(text(view, row(view, -1), keys::Cost), before);
+    f_->stack().redo();
+    QTRY_COMPARE(text(view, row(view, -1), keys::Cost), expected());
     QCOMPARE(resets.size(), 0);  // the rows stay, with selection and folding
 
     // One that is not shown catches up when it is.
     SummaryView& other = choose(2);
-    QCOMPARE(text(other, row(other, -1), operators::summary_keys::Cost), expected());
-    window_->session()->undoStack().undo();
-    QTRY_COMPARE(text(other, row(other, -1), operators::summary_keys::Cost), before);
-    QCOMPARE(text(view, row(view, -1), operators::summary_keys::Cost).isEmpty(), false);
+    QCOMPARE(text(other, row(other, -1), keys::Cost), expected());
+    f_->stack().undo();
+    QTRY_COMPARE(text(other, row(other, -1), keys::Cost), before);
+    QCOMPARE(text(view, row(view, -1), keys::Cost).isEmpty(), false);
     choose(0);
-    QCOMPARE(text(view, row(view, -1), operators::summary_keys::Cost), before);
+    QCOMPARE(text(view, row(view, -1), keys::Cost), before);
   }
 
   void linksTableAndBars() {
@@ -142,11 +82,11 @@ class SummaryPageTest : public QObject {
     SummaryView& view = choose(0);
     shell::SummaryPlot& plot = *view.plot();
     QWidget* canvas = plot.canvas();
-    driver_.click(canvas, plot.centreOf(1));
+    f_->driver.click(canvas, plot.centreOf(1));
     QCOMPARE(QString::fromStdString(current(view)->line().name), plot.bars()[1].name);
     QCOMPARE(plot.current(), 1);
 
-    driver_.clickCell(view.grid(), view.model().makeIndex(&row(view, Kind::Margin), 0));
+    f_->driver.clickCell(view.grid(), view.model().makeIndex(&row(view, Kind::Margin), 0));
     QVERIFY(plot.current() > 1);
     QCOMPARE(plot.bars()[std::size_t(plot.current())].name, QString("企业管理费和利润"));
 
@@ -161,23 +101,6 @@ class SummaryPageTest : public QObject {
     QTRY_VERIFY(view.model().rows().highlighted() == nullptr);
   }
 
-  void leadsToTheResourceItemsOfAnElement() {
-    openPage();
-    SummaryView& view = choose(0);
-    driver_.doubleClickCell(view.grid(), view.model().makeIndex(&row(view, Kind::Element), 1));
-    QTRY_COMPARE(window_->pages()->currentPage(), QString("resources"));
-    auto* grid = window_->pages()->currentWidget()->findChild<gui::TreeGridView*>();
-    const auto chosen = grid->selectedElements();
-    QVERIFY(!chosen.empty());
-    costing::Decimal cost;
-    for (const proxy::Element* element : chosen) {
-      const auto* group = dynamic_cast<const records::ResourceGroup*>(element);
-      QVERIFY(group != nullptr && group->category() == records::Category::Labour);
-      cost += group->totals().excluded;
-    }
-    QVERIFY(cost == row(view, Kind::Element).line().cost);
-  }
-
   void leadsToTheItemsOfAnAccountAndOfAUnitWork() {
     openPage();
     SummaryView& accounts = choose(2);
@@ -190,9 +113,9 @@ class SummaryPageTest : public QObject {
     }
     QVERIFY(leaf != nullptr);
     const std::string label = leaf->line().name;
-    driver_.doubleClickCell(accounts.grid(), index(accounts, *leaf));
-    QTRY_COMPARE(window_->pages()->currentPage(), QString("resources"));
-    QWidget* page = window_->pages()->currentWidget();
+    f_->driver.doubleClickCell(accounts.grid(), index(accounts, *leaf));
+    QTRY_COMPARE(f_->window->pages()->currentPage(), QString("resources"));
+    QWidget* page = f_->window->pages()->currentWidget();
     QCOMPARE(page->findChild<gui::qce::destructors::DesFilterView*>()->getCbkm(), label);
     const auto shown = [page] {
       QSet<const records::ResourceItem*> items;
@@ -221,8 +144,8 @@ class SummaryPageTest : public QObject {
     }
     structure.grid()->selectElements({const_cast<SummaryRow*>(work)});
     structure.grid()->setFocus();
-    driver_.key(Qt::Key_Return, Qt::ControlModifier);
-    QTRY_COMPARE(window_->pages()->currentPage(), QString("resources"));
+    f_->driver.key(Qt::Key_Return, Qt::ControlModifier);
+    QTRY_COMPARE(f_->window->pages()->currentPage(), QString("resources"));
     QCOMPARE(page->findChild<QComboBox*>("ResItem_subProject")->currentIndex(),
              static_cast<int>(project().unitWorks().size()));
     for (const auto* item : shown()) {
@@ -234,76 +157,53 @@ class SummaryPageTest : public QObject {
   void staysOnALineWithoutASource() {
     openPage();
     SummaryView& view = choose(0);
-    driver_.doubleClickCell(view.grid(), index(view, row(view, Kind::Tax)));
-    driver_.doubleClick(view.plot()->canvas(),
-                        view.plot()->centreOf(int(view.plot()->bars().size()) - 1));
-    QCOMPARE(window_->pages()->currentPage(), QString("summary"));
+    f_->driver.doubleClickCell(view.grid(), index(view, row(view, Kind::Tax)));
+    f_->driver.doubleClick(view.plot()->canvas(),
+                           view.plot()->centreOf(int(view.plot()->bars().size()) - 1));
+    QCOMPARE(f_->window->pages()->currentPage(), QString("summary"));
     const QModelIndex heading = index(view, row(view, 0));
     QVERIFY(view.grid()->isExpanded(heading));
-    driver_.doubleClickCell(view.grid(), heading);
+    f_->driver.doubleClickCell(view.grid(), heading);
     QVERIFY(!view.grid()->isExpanded(heading));
-  }
-
-  void exportsTheSummaryThatIsShown() {
-    openPage();
-    auto chooser = std::make_unique<GivenFile>(dir_->filePath("out.xlsx"));
-    const GivenFile* asked = chooser.get();
-    window_->setFileChooser(std::move(chooser));
-    SummaryView& view = choose(1);
-    view.grid()->setFocus();
-    driver_.key(Qt::Key_E, Qt::ControlModifier);
-    const exchange::ReadWorkbook book = exchange::readSpreadsheet(dir_->filePath("out.xlsx"));
-    QCOMPARE(book.problem, QString());
-    QVERIFY2(asked->suggested.contains("按项目结构汇总"), qPrintable(asked->suggested));
-    QCOMPARE(cli::sheetDifference(book.sheets.front(), *view.grid()), QString());
   }
 
   void showsWhatIsKnownOfTheProject() {
     openPage();
-    QVERIFY(window_->pages()->setCurrentPage("info"));
-    auto* tree = window_->findChild<QTreeView*>("QCENavigationTreeView");
+    QVERIFY(f_->window->pages()->setCurrentPage("info"));
+    auto* tree = f_->window->findChild<QTreeView*>("QCENavigationTreeView");
     const auto shown = [this] {
       QStringList texts;
-      for (const auto* label : window_->pages()->currentWidget()->findChildren<QLabel*>()) {
+      for (const auto* label : f_->window->pages()->currentWidget()->findChildren<QLabel*>()) {
         if (label->isVisible()) texts << label->text();
       }
       return texts.join('\n');
     };
     QTRY_VERIFY(shown().contains("办公楼"));
-    driver_.clickCell(tree, tree->model()->index(1, 0));
+    f_->driver.clickCell(tree, tree->model()->index(1, 0));
     QTRY_VERIFY(shown().contains(money(project().facts.readBills)));
-    driver_.clickCell(tree, tree->model()->index(2, 0));
+    f_->driver.clickCell(tree, tree->model()->index(2, 0));
     QTRY_VERIFY(shown().contains("企业管理费和利润"));
-    if (const QByteArray pictures = qgetenv("QCE_TEST_PICTURES"); !pictures.isEmpty()) {
-      window_->grab().save(QString("%1/info.png").arg(QString(pictures)));
-    }
   }
 
   void tellsOfATemplateThatCannotBeUsed() {
-    QVERIFY(QDir(dir_->path()).mkpath("data/费用模板"));
-    QFile file(dir_->filePath("data/费用模板/投标费用.json"));
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("{\n\n") > 0);
-    file.close();
+    tests::writeFile(f_->path("data/费用模板/投标费用.json"), "{\n\n");
     openPage();
-    QCOMPARE(channel_->messages().size(), std::size_t(1));
-    QVERIFY(channel_->messages().front().text.find("第 3 行") != std::string::npos);
+    QVERIFY2(f_->message().contains("第 3 行"), qPrintable(f_->message()));
     QVERIFY(choose(0).model().rowCount() > 1);  // the built-in one stands in
   }
 
  private:
-  QString path() const { return dir_->filePath("办公楼.qcp"); }
-  records::Project& project() { return window_->session()->project().project(); }
-
-  void openPage() {
-    QVERIFY(window_->openProject(path()));
-    QVERIFY(window_->pages()->setCurrentPage("summary"));
+  records::Project& project() { return f_->records(); }
+  void openPage() { f_->open("summary"); }
+  records::SummaryLine summarized(records::SummaryKind kind) {
+    return records::summarize(project(), kind, services::loadFeeTemplate({}));
   }
 
   /// Clicks the summary in the list.
   SummaryView& choose(int number) {
-    auto* tree = window_->findChild<QTreeView*>("QCEFeeSummaryTreeView");
-    driver_.clickCell(tree, tree->model()->index(number, 0));
-    for (auto* view : window_->findChildren<SummaryView*>()) {
+    auto* tree = f_->window->findChild<QTreeView*>("QCEFeeSummaryTreeView");
+    f_->driver.clickCell(tree, tree->model()->index(number, 0));
+    for (auto* view : f_->window->findChildren<SummaryView*>()) {
       if (view->isVisible()) return *view;
     }
     qFatal("no summary is shown");
@@ -346,18 +246,14 @@ class SummaryPageTest : public QObject {
   }
 
   void setFirstPrice(int price) {
-    auto* group = static_cast<records::ResourceGroup*>(
-        project().categoryGroup(*project().unitWorks().front(), records::Category::Labour));
-    auto& item = *static_cast<records::ResourceItem*>(group->rows().at(0));
+    const auto* group =
+        project().categoryGroup(*project().unitWorks().front(), records::Category::Labour);
     const app::ScopedUndo undo("");
-    project().set(item, records::ItemField::Price, costing::PackedDecimal(costing::Decimal(price)));
+    project().set(*static_cast<records::ResourceItem*>(group->rows().at(0)),
+                  records::ItemField::Price, costing::PackedDecimal(costing::Decimal(price)));
   }
 
-  std::unique_ptr<QTemporaryDir> dir_;
-  services::RecordingChannel* channel_ = nullptr;
-  std::unique_ptr<services::Installed> services_;
-  std::unique_ptr<shell::MainWindow> window_;
-  cli::Driver driver_;
+  std::unique_ptr<tests::WindowFixture> f_;
 };
 
 QTEST_MAIN(SummaryPageTest)
