@@ -7,7 +7,6 @@
 #include "engineering/indirect_fee_left_model.h"
 #include "engineering/indirect_fee_right_model.h"
 #include "engineering/indirect_fee_view.h"
-#include "host/abst/qce/indirect_fee_controller.h"
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/indirect_fee_right_operator.h"
@@ -24,25 +23,12 @@ using tests::Node;
 namespace {
 
 /// The items of each group, by its name.
-class RightOperator : public domain::qce::QCEIndirectFeeRightOperator {
+class RightOperator : public tests::NodeHost<domain::qce::QCEIndirectFeeRightOperator> {
  public:
   proxy::ElementGroup* getRoot() override { return shown_; }
-  bool getValue(const proxy::Element* element, const std::string& key, int role,
-                domain::Value& out) const override {
-    const domain::Value* found = static_cast<const Node*>(element)->find(key, role);
-    if (found != nullptr) out = *found;
-    return found != nullptr;
-  }
-  bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
-                int /*role*/) override {
-    static_cast<Node*>(element)->set(key, value);
-    return true;
-  }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
   bool isEditable(const proxy::Element*, const std::string& key) const override {
     return key == keys::IFCostRate;
   }
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
   void setParentElement(proxy::Element* group) override {
     asked.push_back(group);
     shown_ = group != nullptr ? &items[static_cast<Node*>(group)->name()] : nullptr;
@@ -53,32 +39,6 @@ class RightOperator : public domain::qce::QCEIndirectFeeRightOperator {
 
  private:
   tests::Tree* shown_ = nullptr;
-};
-
-class Controller : public abst::qce::QCEIndirectFeeController {
- public:
-  Controller(RightOperator& op, abst::BaseModel& model) : op_(op), model_(model) {}
-  bool canAddItem(proxy::Element* group) const override { return group != nullptr; }
-  proxy::Element* addItem(proxy::Element* group) override {
-    tests::Tree& items = op_.items[static_cast<Node*>(group)->name()];
-    model_.beginAddItem(nullptr, 1, nullptr);
-    Node* item = items.add("new");
-    model_.endAddItem();
-    return item;
-  }
-  bool canRemoveItems(const std::vector<proxy::Element*>& items) const override {
-    return items.size() == 1;
-  }
-  bool removeItems(const std::vector<proxy::Element*>& items) override {
-    model_.beginDelItem(items.front(), 1, nullptr);
-    op_.items["管理费"].remove(items.front()->row(), 1, nullptr);
-    model_.endDelItem();
-    return true;
-  }
-
- private:
-  RightOperator& op_;
-  abst::BaseModel& model_;
 };
 
 }  // namespace
@@ -193,29 +153,15 @@ class IndirectFeeTest : public QObject {
     QCOMPARE(table->columnWidth(0), 33);
     QCOMPARE(table->columnWidth(1), 44);
     QVERIFY(table->isColumnHidden(3));
+    view_->hideColumns({keys::IFCode, "unknown"});
+    QVERIFY(table->isColumnHidden(1) && !table->isColumnHidden(3));
     view_->hideColumns({});
+    QVERIFY(!table->isColumnHidden(1));
     for (int column = 2; column < table->model()->columnCount(); ++column) {
       const int width = table->columnWidth(column);
       table->resizeColumnToContents(column);
       QCOMPARE(width, table->columnWidth(column) + 20);
     }
-  }
-
-  void hidesColumnsByKey() {
-    auto* table = view_->rightTable();
-    const auto hidden = [&] {
-      QString text;
-      for (int i = 0; i < table->model()->columnCount(); ++i) {
-        if (table->isColumnHidden(i)) text += QString::number(i) + ' ';
-      }
-      return text;
-    };
-    view_->hideColumns({keys::IFCode, keys::IFCostRate, "unknown"});
-    QCOMPARE(hidden(), QString("1 8 "));
-    view_->hideColumns({keys::IFNumber});
-    QCOMPARE(hidden(), QString("0 "));
-    view_->hideColumns({});
-    QCOMPARE(hidden(), QString());
   }
 
   void headersCarryTheCaption_data() {
@@ -259,25 +205,6 @@ class IndirectFeeTest : public QObject {
     QCOMPARE(sheet.rows.size(), std::size_t(3));
     QCOMPARE(sheet.columns.at(4).title, std::string("基数（管理费）"));
     QVERIFY(std::get<double>(sheet.rows.at(2).cells.at(9).value) == 2.5);
-  }
-
-  void addsAndRemovesItemsThroughTheController() {
-    click("管理费");
-    QAction* add = view_->actions().at(0);
-    QAction* remove = view_->actions().at(1);
-    QVERIFY(!add->isEnabled() && !remove->isEnabled());
-    Controller controller(*items_, *right_);
-    view_->setController(&controller);
-    QVERIFY(add->isEnabled() && !remove->isEnabled());
-    QTest::keyClick(view_->rightTable(), Qt::Key_Insert);
-    QCOMPARE(view_->getRightTableSelectedElement(),
-             std::vector<proxy::Element*>{items_->items["管理费"].node(3)});
-    QVERIFY(remove->isEnabled());
-    view_->rightTable()->selectElements({items_->items["管理费"].node(1)});
-    QTest::keyClick(view_->rightTable(), Qt::Key_Delete, Qt::ControlModifier);
-    QCOMPARE(QString::fromStdString(items_->items["管理费"].text()), QString("m0 m2 new"));
-    view_->setController(nullptr);
-    QVERIFY(!add->isEnabled() && !remove->isEnabled());
   }
 
   void refusesModelsThatItCannotShow() {

@@ -9,6 +9,7 @@
 #include "engineering/fee_summary_navigation_model.h"
 #include "engineering/fee_summary_view.h"
 #include "engineering/navigation_view.h"
+#include "tests/support/rows.h"
 #include "tests/support/tester_proxy.h"
 
 using gui::qce::QCEFeeSummaryNavigationModelImpl;
@@ -68,11 +69,9 @@ class NavigationTest : public QObject {
   }
 
   void buildsTheTwoPanes_data() {
-    QTest::addColumn<bool>("summary");
-    QTest::addColumn<int>("left");
-    QTest::addColumn<int>("right");
-    QTest::newRow("fee summary") << true << 15 << 85;
-    QTest::newRow("navigation") << false << 20 << 80;
+    const tests::Rows<bool, int, int> row("summary", "left", "right");
+    row("fee summary", true, 15, 85);
+    row("navigation", false, 20, 80);
   }
   void buildsTheTwoPanes() {
     QFETCH(bool, summary);
@@ -103,6 +102,8 @@ class NavigationTest : public QObject {
   void switchesTheOldSummaryOffBeforeTheNewOneOn() {
     QStringList calls;
     QCEFeeSummaryViewImpl page;
+    page.activate();  // without any sub-view nothing happens
+    page.deactivate();
     auto* tree = page.findChild<QTreeView*>("QCEFeeSummaryTreeView");
     tests::attachTester(tree->model());
     auto* stack = page.findChild<QStackedWidget*>();
@@ -139,22 +140,14 @@ class NavigationTest : public QObject {
     QCOMPARE(taken(calls), QString("+二"));
   }
 
-  void activatesWithoutAnySubView() {
-    QCEFeeSummaryViewImpl summary;
-    summary.activate();
-    summary.deactivate();
-    QCENavigationViewImpl page;
-    page.activate();
-    page.setModel(nullptr);
-    page.deactivate();
-    page.navigationViewRowChanged({});
-  }
-
   void leadsThroughAModelOfNames() {
     QStringList calls;
     QCEFeeSummaryNavigationModelImpl model;
     tests::attachTester(&model);
     QCENavigationViewImpl page;
+    page.activate();
+    page.setModel(nullptr);
+    page.navigationViewRowChanged({});
     page.setModel(&model);
     page.setModel(&model);  // one connection, not two
     auto* first = new RecordingView("一", calls);

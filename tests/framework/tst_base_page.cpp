@@ -98,28 +98,9 @@ class TestBasePage : public QObject {
   }
 
   void refusesAModelThatIsNone() {
-    class Bare : public abst::BaseModel {
-      void setDisplayTable(domain::DisplayTable*) override {}
-      domain::DisplayTable* getDisplayTable() const override { return nullptr; }
-      proxy::ElementGroup* getRoot() const override { return nullptr; }
-      domain::Operator* getOperator() const override { return nullptr; }
-      void setOperator(domain::Operator*) override {}
-      void invalidate() override {}
-      bool canMoveUp(proxy::Element*) const override { return false; }
-      bool canMoveDown(proxy::Element*) const override { return false; }
-      void beginAddItem(proxy::Element*, int, proxy::Element*) override {}
-      void endAddItem() override {}
-      void beginDelItem(proxy::Element*, int, proxy::Element*) override {}
-      void endDelItem() override {}
-      void beginMoveUpItem(proxy::Element*, proxy::Element*) override {}
-      void endMoveUpItem() override {}
-      void beginMoveDownItem(proxy::Element*, proxy::Element*) override {}
-      void endMoveDownItem() override {}
-    } bare;
     Table table;
     Page page;
     page.setModel(&table.filter);
-    page.setModel(&bare);
     page.setModel(nullptr);
     QCOMPARE(page.view->model(), &table.filter);
   }
@@ -151,24 +132,20 @@ class TestBasePage : public QObject {
     QVERIFY(page.view->searchBox() != nullptr && page.view->searchBox()->isVisible());
   }
 
-  void freezesUpToTheLeadingKeyColumn_data() {
-    const tests::Rows<QString, int> row;
-    row("first key", "QCE_BRIName", 2);
-    row("second key", "unknown", 1);
-  }
   void freezesUpToTheLeadingKeyColumn() {
-    const auto [first, count] = tests::fetch<QString, int>();
     Table table;
-    Page page(first.toStdString());
-    page.setModel(&table.filter);
-    QCOMPARE(page.view->frozenColumnCount(), count);
+    for (const auto& [first, count] : {std::pair("QCE_BRIName", 2), {"unknown", 1}}) {
+      Page page(first);
+      page.setModel(&table.filter);
+      QCOMPARE(page.view->frozenColumnCount(), count);
+    }
     QCOMPARE(gui::frozenColumnCount(table.filter, "neither", "nor"), 0);
   }
 
   void deactivatesEverySubViewInPageOrder_data() {
-    QTest::addColumn<bool>("tabs");
-    QTest::newRow("tabs") << true;
-    QTest::newRow("stack") << false;
+    const tests::Rows<bool> row{"tabs"};
+    row("tabs", true);
+    row("stack", false);
   }
   void deactivatesEverySubViewInPageOrder() {
     QFETCH(bool, tabs);
@@ -220,12 +197,6 @@ class TestBasePage : public QObject {
     QCOMPARE(tabs->count(), 1);
     delete tabs->widget(0);
     QCOMPARE(page.getSubView("x"), nullptr);
-    page.deactivate();
-    QCOMPARE(journal, QStringList());
-  }
-
-  void hidesItsPopUp() {
-    Page page;
     auto* popup = new QWidget(&page);
     page.setPopup(popup);
     page.show();
@@ -234,6 +205,7 @@ class TestBasePage : public QObject {
     QVERIFY(!popup->isVisible());
     delete popup;
     page.deactivate();
+    QCOMPARE(journal, QStringList());
   }
 };
 

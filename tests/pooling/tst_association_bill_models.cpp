@@ -6,10 +6,10 @@
 #include "pooling/association_bill_right_filter_model.h"
 #include "pooling/association_bill_right_model.h"
 #include "tests/pooling/association_bill_fake.h"
+#include "tests/support/rows.h"
 #include "tests/support/tester_proxy.h"
 
 using Elements = std::vector<proxy::Element*>;
-using tests::AssociationTree;
 using tests::FakeRightOperator;
 using tests::Node;
 
@@ -76,7 +76,7 @@ class AssociationBillModelsTest : public QObject {
       const int last = (parent != nullptr ? parent->childCount() : op_->tree.size()) - 1;
       switch (random.bounded(12)) {
         case 0:
-          if (rows.size() > 40 || AssociationTree::isBill(row)) break;
+          if (rows.size() > 40 || tests::isBill(row)) break;
           model_->beginAddItem(row->node(0), 1, row);
           op_->tree.insert(0, (random.bounded(3) > 0 ? "n" : "N") + std::to_string(++added), row);
           model_->endAddItem();
@@ -118,7 +118,7 @@ class AssociationBillModelsTest : public QObject {
       std::size_t bills = 0;
       for (Node* node : op_->tree.all()) {
         QCOMPARE(model_->isSelected(node, false), plain.count(node) > 0);
-        if (AssociationTree::isBill(node)) bills += plain.count(node);
+        if (tests::isBill(node)) bills += plain.count(node);
       }
       Elements chosen;
       model_->getAllChoosedBills(chosen);
@@ -204,36 +204,22 @@ class AssociationBillModelsTest : public QObject {
   }
 
   void narrowsByTextSectionAndMark_data() {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("section");
-    QTest::addColumn<bool>("selected");
-    QTest::addColumn<QString>("rows");
-    QTest::newRow("all") << ""
-                         << "" << false << "U(A(a1 a2 a3) B(b1 C(c1 c2)))";
-    QTest::newRow("text") << "1"
-                          << "" << false << "U(A(a1) B(b1 C(c1)))";
-    QTest::newRow("no such text") << "9"
-                                  << "" << false << "";
-    QTest::newRow("section") << ""
-                             << "C" << false << "U(B(C(c1 c2)))";
-    QTest::newRow("section above") << ""
-                                   << "B" << false << "U(B(b1 C(c1 c2)))";
-    QTest::newRow("checked") << ""
-                             << "" << true << "U(A(a1 a2) B(C(c2)))";
-    QTest::newRow("checked with text") << "2"
-                                       << "" << true << "U(A(a2) B(C(c2)))";
-    QTest::newRow("all three") << "2"
-                               << "A" << true << "U(A(a2))";
+    const tests::Rows<QString, std::string, bool, QString> row;
+    row("all", "", "", false, "U(A(a1 a2 a3) B(b1 C(c1 c2)))");
+    row("text", "1", "", false, "U(A(a1) B(b1 C(c1)))");
+    row("no such text", "9", "", false, "");
+    row("section", "", "C", false, "U(B(C(c1 c2)))");
+    row("section above", "", "B", false, "U(B(b1 C(c1 c2)))");
+    row("checked", "", "", true, "U(A(a1 a2) B(C(c2)))");
+    row("checked with text", "2", "", true, "U(A(a2) B(C(c2)))");
+    row("all three", "2", "A", true, "U(A(a2))");
   }
-
   void narrowsByTextSectionAndMark() {
-    QFETCH(QString, text);
-    QFETCH(QString, section);
-    QFETCH(bool, selected);
-    QFETCH(QString, rows);
+    const auto [text, section, selected, rows] =
+        tests::fetch<QString, std::string, bool, QString>();
     for (const char* name : {"a1", "a2", "c2"}) check(name);
     filter_->filterType(text.toStdString());
-    if (!section.isEmpty()) filter_->setSection(at(section.toStdString()));
+    if (!section.empty()) filter_->setSection(at(section));
     filter_->filterType(selected);
     QCOMPARE(shown(), rows);
     QCOMPARE(checked(), QString("a1 a2 c2"));

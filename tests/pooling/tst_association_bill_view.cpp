@@ -78,9 +78,11 @@ class AssociationBillViewTest : public QObject {
     QCOMPARE(warning->text(),
              QString("工料机未关联清单且消耗量不为零时，关联清单会保持消耗量不变"));
     QCOMPARE(warning->styleSheet(), QString("color:red"));
-    QCOMPARE(find<QCheckBox>("collect")->text(), QString("关联清单后弹出归集到成本设置"));
-    QCOMPARE(find<QCheckBox>("unify")->text(), QString("汇总统计"));
-    QCOMPARE(find<QCheckBox>("onlySelected")->text(), QString("仅显示选中项"));
+    for (const auto& [box, text] : {std::pair("collect", "关联清单后弹出归集到成本设置"),
+                                    {"unify", "汇总统计"},
+                                    {"onlySelected", "仅显示选中项"}}) {
+      QCOMPARE(find<QCheckBox>(box)->text(), QString(text));
+    }
     QCOMPARE(
         find<QLabel>("note")->text(),
         QString("注：归集到成本表示将关联的清单下的预算收入工料机和当前成本工料机进行匹配，便于进"
@@ -141,6 +143,21 @@ class AssociationBillViewTest : public QObject {
     QCOMPARE(controller_.calls, QStringList({"ask", "ask", "associate unify"}));
     view_->setController(nullptr);
     QCOMPARE(run([this] { driver_.click(button("确定")); }), 1);
+  }
+
+  void hidesAndDisablesItsOptions() {
+    auto* collect = find<QCheckBox>("collect");
+    collect->setChecked(true);
+    run([this] { driver_.click(button("确定")); });
+    QCOMPARE(controller_.calls, QStringList({"ask", "associate", "collect"}));
+    view_->setCollectedHidden(true);
+    QVERIFY(!view_->needCollectToQCERes() && collect->isHidden());
+    view_->setCollectedHidden(false);
+    QVERIFY(!collect->isChecked() && !collect->isHidden());
+    auto* unify = find<QCheckBox>("unify");
+    view_->setUnifyFBEnable(false);
+    view_->setUnifyFBVisible(false);
+    QVERIFY(!view_->getUnifyFBChecked() && !unify->isEnabled() && unify->isHidden());
   }
 
   void returnFiltersAndSpaceChecks() {
@@ -209,25 +226,6 @@ class AssociationBillViewTest : public QObject {
     run([&] { QCOMPARE(shown(), QString("U(A(a1 a2 a3) B(b1 C(c1 c2)))")); });
   }
 
-  void handsOverToPooling() {
-    auto* collect = find<QCheckBox>("collect");
-    collect->setChecked(true);
-    run([this] { driver_.key(Qt::Key_Escape); });
-    QVERIFY(controller_.calls.isEmpty());
-    run([this] { driver_.click(button("确定")); });
-    QCOMPARE(controller_.calls, QStringList({"ask", "associate", "collect"}));
-    view_->setCollectedHidden(true);
-    QVERIFY(!view_->needCollectToQCERes() && collect->isHidden());
-    view_->setCollectedHidden(false);
-    QVERIFY(!collect->isChecked() && !collect->isHidden());
-    auto* unify = find<QCheckBox>("unify");
-    view_->setUnifyFBEnable(false);
-    view_->setUnifyFBVisible(false);
-    QVERIFY(!view_->getUnifyFBChecked() && !unify->isEnabled() && unify->isHidden());
-    view_->setUnifyFBChecked(true);
-    QVERIFY(view_->getUnifyFBChecked());
-  }
-
   void menuChecksTheSelectedRows() {
     run([this] {
       clickRow("b1");
@@ -248,24 +246,6 @@ class AssociationBillViewTest : public QObject {
       QCOMPARE(checked(), QString());
       QTRY_VERIFY(find<QLabel>("counts")->text().contains("取消关联 1 条"));
     });
-  }
-
-  // No mark, current row or narrowing outlives the rows that it was for.
-  void opensAfreshAfterAReset() {
-    for (int round = 0; round < 3; ++round) {
-      run([this] {
-        clickRow("c2");
-        driver_.key(Qt::Key_Space);
-        driver_.clickCell(find<gui::TreeGridView>("left"),
-                          left_->makeIndex(leftOperator_.tree.at("B"), 0));
-        left_->resetModel();
-        model_->resetModel();
-        QCOMPARE(checked(), QString("a1"));
-      });
-      left_->setSubProject(nullptr);
-      filter_->setSubProject(nullptr);
-      filter_->resetModel();
-    }
   }
 
  private:
@@ -299,8 +279,7 @@ class AssociationBillViewTest : public QObject {
   QString checked() const {
     std::vector<proxy::Element*> bills;
     model_->getAllChoosedBills(bills);
-    std::string names = tests::FakeRightOperator::names(bills);
-    QStringList sorted = QString::fromStdString(names).split(',');
+    QStringList sorted = QString::fromStdString(tests::FakeRightOperator::names(bills)).split(',');
     sorted.sort();
     return sorted.join(' ');
   }

@@ -2,7 +2,6 @@
 
 #include <QMessageBox>
 #include <QtTest>
-#include <random>
 
 #include "pooling/notional_pooling_filter_model.h"
 #include "tests/support/fake_pooling_operator.h"
@@ -18,7 +17,6 @@ namespace {
 
 class Model : public gui::qce::QCENotionalPoolingModelImpl {
  public:
-  using QCENotionalPoolingModelImpl::clickedStat;
   using QCENotionalPoolingModelImpl::getClickedElement;
   template <class Change>
   void reset(Change change) {
@@ -201,99 +199,26 @@ class TestNotionalPoolingModel : public QObject {
     QVERIFY(!empty.setData({}, true, Qt::CheckStateRole));
   }
 
-  // Checks and quantities against plain sets of nodes, through every change that a host can make.
-  void followsItsRows() {
-    std::mt19937 random(4711);
-    std::set<const Node*> checks;
-    std::map<const Node*, double> typed;
-    const auto any = [&](int count) { return static_cast<int>(random() % unsigned(count)); };
-    const auto forget = [&](Node* node) {
-      const auto each = [&](const auto& self, Node* at) -> void {
-        checks.erase(at);
-        typed.erase(at);
-        for (int i = 0; i < at->childCount(); ++i) self(self, at->node(i));
-      };
-      each(each, node);
-    };
-    for (int step = 0; step < 3000; ++step) {
-      Node* parent = any(4) == 0 ? nullptr : op_->tree.node(any(std::max(op_->tree.size(), 1)));
-      const int size = parent != nullptr ? parent->childCount() : op_->tree.size();
-      const int row = any(size + 1);
-      Node* node =
-          row < size ? (parent != nullptr ? parent->node(row) : op_->tree.node(row)) : nullptr;
-      switch (any(10)) {
-        case 0:
-          if (size > 12) break;
-          model_->beginAddItem(node, 1, parent);
-          op_->tree.insert(row, "n", parent)->set(keys::NPCollectionAmount, 100.0);
-          model_->endAddItem();
-          break;
-        case 1: {
-          if (node == nullptr) break;
-          const int count = 1 + any(std::min(size - row, 3));
-          model_->beginDelItem(node, count, parent);
-          for (int i = row; i < row + count; ++i) {
-            forget(parent != nullptr ? parent->node(i) : op_->tree.node(i));
-          }
-          op_->tree.remove(row, count, parent);
-          model_->endDelItem();
-          break;
-        }
-        case 2:
-          model_->beginMoveUpItem(node, parent);
-          if (node != nullptr && row > 0) op_->tree.move(row, row - 1, parent);
-          model_->endMoveUpItem();
-          break;
-        case 3:
-          model_->beginMoveDownItem(node, parent);
-          if (node != nullptr && row + 1 < size) op_->tree.move(row, row + 1, parent);
-          model_->endMoveDownItem();
-          break;
-        case 4:
-          if (any(8) == 0)
-            model_->reorder([&](auto* a, auto* b) { return a->id() % 7 < b->id() % 7; });
-          break;
-        case 5:
-          if (any(60) != 0) break;
-          model_->reset([&] {
-            checks.clear();
-            typed.clear();
-            op_->tree.clear();
-            for (int i = 0; i < 4; ++i) op_->tree.add("g");
-          });
-          break;
-        case 6:
-          if (node == nullptr || parent == nullptr) break;
-          typed[node] = op_->getMaxCollectionAmount(node) * any(5) / 4;
-          QVERIFY(model_->setData(cell(node, keys::NPCollectionAmount), typed[node]));
-          break;
-        default: {
-          if (node == nullptr) break;
-          const bool on = any(2) == 0;
-          const auto each = [&](const auto& self, Node* at) -> void {
-            for (int i = 0; i < at->childCount(); ++i) self(self, at->node(i));
-            on ? void(checks.insert(at)) : void(checks.erase(at));
-          };
-          each(each, node);
-          model_->clickedStat(node, on);
-        }
-      }
-      if (op_->tree.size() == 0) model_->reset([&] { op_->tree.add("g"); });
-      int seen = 0;
-      const auto each = [&](const auto& self, Node* at) -> void {
-        QCOMPARE(state(at).toInt() == 2, checks.count(at) != 0);
-        const auto quantity = typed.find(at);
-        QCOMPARE(cell(at, keys::NPCollectionAmount).data().toDouble(),
-                 quantity != typed.end() ? quantity->second : op_->getMaxCollectionAmount(at));
-        ++seen;
-        for (int i = 0; i < at->childCount(); ++i) self(self, at->node(i));
-      };
-      for (int i = 0; i < op_->tree.size(); ++i) each(each, op_->tree.node(i));
-      std::map<proxy::Element*, double> quantities;
-      model_->getClickedElement(quantities);
-      QCOMPARE(quantities.size(), checks.size());
-      QVERIFY(seen > 0);
-    }
+  void marksAndQuantitiesFollowTheirRows() {
+    check(second_, Qt::Checked);
+    model_->setData(cell(second_->node(1), keys::NPCollectionAmount), 0.5);
+    model_->beginAddItem(first_, 1, nullptr);
+    op_->tree.insert(0, "new", nullptr);
+    model_->endAddItem();
+    model_->beginMoveUpItem(second_->node(1), second_);
+    op_->tree.move(1, 0, second_);
+    model_->endMoveUpItem();
+    QCOMPARE(checked(), QString("B c a"));
+    QCOMPARE(cell(second_->node(0), keys::NPCollectionAmount).data(), QVariant(0.5));
+    QCOMPARE(cell(second_->node(1), keys::NPCollectionAmount).data(), QVariant("7.000"));
+    model_->beginDelItem(second_->node(0), 1, second_);
+    op_->tree.remove(0, 1, second_);
+    model_->endDelItem();
+    std::map<proxy::Element*, double> quantities;
+    model_->getClickedElement(quantities);
+    QCOMPARE(quantities.size(), std::size_t(2));  // of what is gone none
+    model_->reset([] {});
+    QCOMPARE(checked(), QString());
   }
 
  private:

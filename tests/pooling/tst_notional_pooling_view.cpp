@@ -1,6 +1,5 @@
 #include "pooling/notional_pooling_view.h"
 
-#include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -16,6 +15,7 @@
 #include "pooling/notional_pooling_model.h"
 #include "tests/support/fake_pooling_operator.h"
 #include "tests/support/recording_services.h"
+#include "tests/support/rows.h"
 #include "tests/support/test_main.h"
 #include "tests/support/tester_proxy.h"
 
@@ -139,14 +139,19 @@ class TestNotionalPoolingView : public QObject {
       clickCheck(a_);
       clickCheck(b_);
       type(a_, "4.5");  // with Return, which must not confirm
-      QVERIFY(view_->isVisible());
       QTest::mouseClick(otherBills(), Qt::LeftButton);
       clickBill(1);
-      QCOMPARE(cell(a2_, keys::NPChoose).data(Qt::CheckStateRole).toInt(), 2);
-      QTest::keyClick(grid(), Qt::Key_Return);
-      QVERIFY(view_->isVisible());
+      for (QWidget* widget : {static_cast<QWidget*>(bills()), static_cast<QWidget*>(grid())}) {
+        widget->setFocus();
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+          if (key != Qt::Key_Space || widget == bills()) QTest::keyClick(widget, key);
+          QVERIFY(view_->isVisible());
+        }
+      }
       QCOMPARE(op_->collected, 0);
-      clickButton("确定");
+      button("确定")->setFocus();
+      QTest::keyClick(button("确定"), Qt::Key_Return);
+      QVERIFY(!view_->isVisible());
     });
     QCOMPARE(op_->collected, 1);
     // The other bill's row keeps its whole quantity.
@@ -154,24 +159,12 @@ class TestNotionalPoolingView : public QObject {
     QVERIFY(op_->pooled == wanted);
   }
 
-  void refusesTooMuch() {
-    drive(true, [this] {
-      type(a_, "3");
-      type(a_, "10.5");
-      QCOMPARE(services_->channel.messages().size(), std::size_t(1));
-      QCOMPARE(QString::fromStdString(services_->channel.messages()[0].text),
-               QString("超过最大可归集数量，请重新输入！"));
-      QVERIFY(view_->isVisible());
-      QCOMPARE(cell(a_, keys::NPCollectionAmount).data().toString(), QString("3"));
-    });
-  }
-
   void poolsNothingUnlessConfirmed_data() {
-    QTest::addColumn<int>("how");
-    QTest::newRow("cancel") << 0;
-    QTest::newRow("escape") << 1;
-    QTest::newRow("window closed") << 2;
-    QTest::newRow("confirmed without a check") << 3;
+    const tests::Rows<int> row{"how"};
+    row("cancel", 0);
+    row("escape", 1);
+    row("window closed", 2);
+    row("confirmed without a check", 3);
   }
   void poolsNothingUnlessConfirmed() {
     QFETCH(int, how);
@@ -184,25 +177,6 @@ class TestNotionalPoolingView : public QObject {
       QVERIFY(!view_->isVisible());
     });
     QCOMPARE(op_->collected, 0);
-  }
-
-  void pressesOnlyTheButtonThatHasTheKeyboard() {
-    drive(true, [this] {
-      clickCheck(a_);
-      for (QWidget* widget : {static_cast<QWidget*>(bills()), static_cast<QWidget*>(grid())}) {
-        widget->setFocus();
-        for (const int key : {Qt::Key_Return, Qt::Key_Enter}) {
-          QTest::keyClick(widget, static_cast<Qt::Key>(key));
-          QVERIFY(view_->isVisible());
-        }
-      }
-      QTest::keyClick(bills(), Qt::Key_Space);
-      QVERIFY(view_->isVisible());
-      button("确定")->setFocus();
-      QTest::keyClick(button("确定"), Qt::Key_Return);
-      QVERIFY(!view_->isVisible());
-    });
-    QCOMPARE(op_->collected, 1);
   }
 
   void startsAnewWhenReused() {
@@ -243,9 +217,6 @@ class TestNotionalPoolingView : public QObject {
       poll.stop();
       came = true;
       user();
-      if (const QByteArray folder = qgetenv("QCE_PICTURES"); !folder.isEmpty()) {
-        view_->grab().save(folder + "/" + QTest::currentTestFunction() + ".png");
-      }
       if (view_->isVisible()) view_->reject();
     });
     poll.start(0);
@@ -268,10 +239,7 @@ class TestNotionalPoolingView : public QObject {
     }
     return nullptr;
   }
-  void clickButton(const QString& text) {
-    QVERIFY(button(text) != nullptr);
-    QTest::mouseClick(button(text), Qt::LeftButton);
-  }
+  void clickButton(const QString& text) { QTest::mouseClick(button(text), Qt::LeftButton); }
   void clickBill(int row) {
     QTest::mouseClick(bills()->viewport(), Qt::LeftButton, {},
                       bills()->visualItemRect(bills()->item(row)).center());

@@ -17,48 +17,36 @@
 #include "tests/support/tester_proxy.h"
 
 namespace keys = domain::keys;
+using tests::field;
 using tests::Node;
 
 namespace {
 
 // The host side of the pane in memory; "4" names a table of kind 4.
-class Fake : public domain::qce::QCEResItemBillOperator {
+class Fake : public tests::NodeHost<domain::qce::QCEResItemBillOperator> {
  public:
   Fake() {
     using namespace domain;
-    for (DisplayTable* table : {&plain, &subcontract}) {
-      DisplayRow& header = *table->getHeader();
-      header.addColumn(keys::SEName, {"名称", StringField, {}, {}, {}, false});
-      header.addColumn(keys::SEUnit, {"单位", StringField, {}, {}, {}, false});
-      header.addColumn(keys::SEContent, {"含量", StringField, {}, {}, {}, false});
-      header.addColumn(keys::BRIAssociation, {"关联", StringField, {}, {}, {}, false});
-      header.addColumn(keys::BRIBillUnitPrice, {"单价", FloatingPointField, 2, {}, {}, false});
-      header.addColumn(keys::BRIExcludedTaxFee, {"预算", StringField, 3, {}, {}, true});
-      header.addColumn(keys::RIExcludedTaxFee, {"分包", StringField, 2, {}, {}, false});
+    for (DisplayTable* each : {&table, &subcontract}) {
+      DisplayRow& header = *each->getHeader();
+      for (const std::string& key :
+           {keys::SEName, keys::SEUnit, keys::SEContent, keys::BRIAssociation}) {
+        header.addColumn(key, field(StringField));
+      }
+      header.addColumn(keys::BRIBillUnitPrice, field(FloatingPointField, 2, false, "单价"));
+      header.addColumn(keys::BRIExcludedTaxFee, field(StringField, 3, true));
+      header.addColumn(keys::RIExcludedTaxFee, field(StringField, 2));
     }
   }
 
-  proxy::ElementGroup* getRoot() override { return &tree; }
-  bool getValue(const proxy::Element* element, const std::string& key, int role,
-                domain::Value& out) const override {
-    const domain::Value* found = static_cast<const Node*>(element)->find(key, role);
-    if (found != nullptr) out = *found;
-    return found != nullptr;
-  }
-  bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
-                int /*role*/) override {
-    static_cast<Node*>(element)->set(key, value);
-    return true;
-  }
   bool isEnabled(const proxy::Element*, const std::string&) const override { return false; }
   bool isEditable(const proxy::Element*, const std::string& key) const override {
     return key == keys::RIExcludedTaxFee || key == keys::SEContent;
   }
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
   void setBaseResItem(proxy::Element*) override {}
   void setSubProject(proxy::Element*) override {}
   domain::DisplayTable* getTable(const std::string& name) override {
-    return name == "1" ? &plain : name == "4" ? &subcontract : nullptr;
+    return name == "1" ? &table : name == "4" ? &subcontract : nullptr;
   }
   int getTableKind(const std::string& name) const override { return std::atoi(name.c_str()); }
   bool isOrdinaryBill(const proxy::Element* row) const override {
@@ -76,8 +64,7 @@ class Fake : public domain::qce::QCEResItemBillOperator {
   }
   bool disassociateBill(const std::vector<proxy::Element*>&) override { return true; }
 
-  domain::DisplayTable plain, subcontract;
-  tests::Tree tree;
+  domain::DisplayTable subcontract;
   std::set<const proxy::Element*> summarised;
   std::string color, expression;
   bool refuse = false;
@@ -185,12 +172,12 @@ class TestResItemBillModel : public QObject {
     other.tree.add("a");
     gui::qce::QCEResItemBillModelImpl model;
     model.setOperator(&other);
-    model.setDisplayTable(&op_->plain);
+    model.setDisplayTable(&op_->table);
     model.setBaseResItem(nullptr);
     model.setTableName("4");
     QVERIFY(!model.setCoefficient({other.tree.node(0)}, 2.0, true));
     QVERIFY(!model.disassociateBill({other.tree.node(0)}));
-    QCOMPARE(model.getDisplayTable(), &op_->plain);
+    QCOMPARE(model.getDisplayTable(), &op_->table);
     QVERIFY(model.flags(model.index(0, 0)) & Qt::ItemIsEnabled);
   }
 

@@ -14,7 +14,6 @@
 #include <QToolButton>
 #include <QUndoStack>
 #include <functional>
-#include <map>
 #include <set>
 
 #include "host/app/scoped_undo.h"
@@ -23,31 +22,17 @@
 #include "host/gui/view_model.h"
 #include "pooling/res_item_bill_filter_model.h"
 #include "pooling/res_item_bill_view.h"
+#include "tests/support/rows.h"
 #include "tests/support/test_main.h"
 #include "tests/support/tester_proxy.h"
 #include "tests/workbench/project_fixture.h"
+#include "workbench/services/configuration.h"
 #include "workbench/shell/application.h"
 #include "workbench/shell/session.h"
 
 namespace keys = domain::keys;
 using costing::Decimal;
 using gui::qce::QCEResItemBillViewImpl;
-
-namespace {
-
-class MemoryConfig : public app::GlobalConfig {
- public:
-  std::optional<std::string> getValue(const std::string& key) const override {
-    const auto found = values_.find(key);
-    return found != values_.end() ? std::optional<std::string>(found->second) : std::nullopt;
-  }
-  void setValue(const std::string& key, const std::string& value) override { values_[key] = value; }
-
- private:
-  std::map<std::string, std::string> values_;
-};
-
-}  // namespace
 
 /// The pane below the resource-item page, as the program composes it, over a project file.
 class TestResItemBillOnProject : public QObject {
@@ -133,44 +118,24 @@ class TestResItemBillOnProject : public QObject {
 
   // What cannot be is refused with the bill's name, and nothing becomes a step.
   void refusesInItsCells_data() {
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QString>("words");
-    QTest::newRow("no content") << "QCE_SEContent"
-                                << "1.5*"
-                                << "没有写完";
-    QTest::newRow("column") << "QCE_SEContent"
-                            << "（2＋米）"
-                            << "第 4 个字符“米”";
-    QTest::newRow("negative content") << "QCE_SEContent"
-                                      << "-1"
-                                      << "0 到 1,000,000,000";
-    QTest::newRow("too exact") << "QCE_SEContent"
-                               << "0.1234567"
-                               << "最多 6 位小数";
-    QTest::newRow("zero") << "QCE_SECoefficient"
-                          << "0"
-                          << "系数不能为零";
-    QTest::newRow("large") << "QCE_SECoefficient"
-                           << "1000001"
-                           << "1,000,000";
-    QTest::newRow("by zero") << "QCE_RIExcludedTaxFee"
-                             << "12/0"
-                             << "除数为零";
-    QTest::newRow("negative price") << "QCE_RIExcludedTaxFee"
-                                    << "-0.01"
-                                    << "0 到 1,000,000,000";
+    const tests::Rows<std::string, QString, QString> row;
+    row("no content", keys::SEContent, "1.5*", "没有写完");
+    row("column", keys::SEContent, "（2＋米）", "第 4 个字符“米”");
+    row("negative content", keys::SEContent, "-1", "0 到 1,000,000,000");
+    row("too exact", keys::SEContent, "0.1234567", "最多 6 位小数");
+    row("zero", keys::SECoefficient, "0", "系数不能为零");
+    row("large", keys::SECoefficient, "1000001", "1,000,000");
+    row("by zero", keys::RIExcludedTaxFee, "12/0", "除数为零");
+    row("negative price", keys::RIExcludedTaxFee, "-0.01", "0 到 1,000,000,000");
   }
   void refusesInItsCells() {
-    QFETCH(QString, key);
-    QFETCH(QString, typed);
-    QFETCH(QString, words);
-    const QString before = text(0, key.toStdString());
-    type(0, key.toStdString(), typed);
+    const auto [key, typed, words] = tests::fetch<std::string, QString, QString>();
+    const QString before = text(0, key);
+    type(0, key, typed);
     QCOMPARE(messages().size(), std::size_t(1));
     const QString said = QString::fromStdString(messages()[0].text);
     QVERIFY2(said.contains(words) && said.contains(text(0, keys::SECode)), qPrintable(said));
-    QCOMPARE(text(0, key.toStdString()), before);
+    QCOMPARE(text(0, key), before);
     QCOMPARE(steps(), 0);
   }
 
@@ -179,18 +144,7 @@ class TestResItemBillOnProject : public QObject {
     type(1, keys::SECoefficient, "4");
     select(0, 2);
     inDialog([this] { click("批量系数"); },
-             [this](QDialog* dialog) {
-               auto* edit = dialog->findChild<QLineEdit*>();
-               QTest::keyClicks(edit, "0");
-               QTest::keyClick(edit, Qt::Key_Return);
-               QVERIFY(dialog->isVisible());
-               QCOMPARE(messages().size(), std::size_t(1));
-               QCOMPARE(messages()[0].text, std::string("系数不能设置为零"));
-               QCOMPARE(edit->selectedText(), QString("0"));
-               QTest::keyClicks(edit, "1.05");
-               QTest::keyClick(edit, Qt::Key_Return);
-               QVERIFY(!dialog->isVisible());
-             });
+             [](QDialog* dialog) { enter(dialog->findChild<QLineEdit*>(), "1.05"); });
     QCOMPARE(terms(0).coefficient.toString(), std::string("1.05"));
     QCOMPARE(terms(1).coefficient.toString(), std::string("4.2"));
     QCOMPARE(steps(), 2);
@@ -442,7 +396,8 @@ class TestResItemBillOnProject : public QObject {
     app::Services services;
     services.undo = &session_->undoService();
     services.channel = services.qceChannel = channel;
-    services.globalConfig = &config_;
+    config_ = std::make_unique<services::Configuration>(fixture_->directory() + "/settings.json");
+    services.globalConfig = config_.get();
     before_ = app::InstallServices(services);
     for (const shell::Page& page : session_->makePages()) pages_.emplace_back(page.widget);
     page_ = pages_.front().get();
@@ -478,18 +433,7 @@ class TestResItemBillOnProject : public QObject {
     open();
   }
 
-  std::vector<records::ResourceItem*> items() {
-    std::vector<records::ResourceItem*> all;
-    for (const records::StructureNode* node : project().unitWorks()) {
-      for (int i = 0; i < records::CategoryCount; ++i) {
-        const auto* group = project().categoryGroup(*node, static_cast<records::Category>(i));
-        for (int row = 0; row < group->rows().size(); ++row) {
-          all.push_back(static_cast<records::ResourceItem*>(group->rows().at(row)));
-        }
-      }
-    }
-    return all;
-  }
+  std::vector<records::ResourceItem*> items() { return fixture_->itemsOf(project()); }
 
   // Records.
   records::Project& project() { return session_->project().project(); }
@@ -500,22 +444,17 @@ class TestResItemBillOnProject : public QObject {
   records::LineTerms terms(int row) { return line(row).terms; }
   /// A budget item of the bill that counts in the item shown.
   records::BudgetItem& budgetIn(const records::Bill& bill) {
-    for (int i = 0; i < bill.childCount(); ++i) {
-      auto& budget = static_cast<records::BudgetItem&>(*bill.child(i));
-      if (budget.resourceItem == item_) return budget;
+    for (records::BudgetItem* budget : fixture_->below<records::BudgetItem>(bill)) {
+      if (budget->resourceItem == item_) return *budget;
     }
     qFatal("the bill has no budget item of the item shown");
   }
   /// A budget item of the same unit work whose bill is not among the lines of the item shown.
   records::BudgetItem* budgetElsewhere() {
-    std::set<const records::Bill*> shown;
+    std::set<const proxy::Element*> shown;
     for (const records::BillLine& line : project().linesOf(*item_)) shown.insert(line.bill);
-    for (records::ResourceItem* item : items()) {
-      if (project().unitWorkOf(*item) != project().unitWorkOf(*item_)) continue;
-      for (const records::BillLine& line : project().linesOf(*item)) {
-        if (shown.count(line.bill) == 0)
-          return static_cast<records::BudgetItem*>(line.bill->child(0));
-      }
+    for (auto* budget : fixture_->below<records::BudgetItem>(*project().unitWorkOf(*item_))) {
+      if (shown.count(budget->parent()) == 0) return budget;
     }
     return nullptr;
   }
@@ -578,14 +517,11 @@ class TestResItemBillOnProject : public QObject {
     qFatal("no such command");
   }
   void click(const QString& text) {
+    QVERIFY(command(text)->isEnabled());
     for (auto* button : pane_->findChildren<QToolButton*>()) {
-      if (button->text() != text) continue;
-      QVERIFY(button->isEnabled());
-      QTest::mouseClick(button, Qt::LeftButton);
-      QCoreApplication::processEvents();
-      return;
+      if (button->text() == text) QTest::mouseClick(button, Qt::LeftButton);
     }
-    QFAIL(qPrintable("no button " + text));
+    QCoreApplication::processEvents();
   }
   /// Triggers an entry of the context menu, or of a menu in it.
   void menuAction(const QString& text) {
@@ -638,7 +574,7 @@ class TestResItemBillOnProject : public QObject {
   }
 
   std::unique_ptr<tests::ProjectFixture> fixture_;
-  MemoryConfig config_;
+  std::unique_ptr<services::Configuration> config_;
   app::Services before_;
   std::unique_ptr<shell::Session> session_;
   std::vector<std::unique_ptr<QWidget>> pages_;

@@ -88,15 +88,6 @@ class TestModel : public QObject {
     QCOMPARE(changes.size(), 1);
   }
 
-  void keepsAnnotations() {
-    std::string comment = "before";
-    QVERIFY(model_->setComment(item_, "询价中"));
-    QVERIFY(model_->getComment(item_, comment));
-    QCOMPARE(comment, std::string("询价中"));
-    QVERIFY(!model_->setComment(op_->tree.node(0), "x"));
-    QVERIFY(!model_->getComment(nullptr, comment));
-  }
-
   void doesNothingWithAnOperatorOfAnotherKind() {
     tests::NodeOperator other;
     model_->setOperator(&other);

@@ -234,7 +234,7 @@ class TestView : public QObject {
     // One that takes no price takes the whole batch back.
     s.op.refused = s.l1;
     typeNumber("77");
-    s.page.batchSetExcludedTaxPrice();
+    s.page.batchSetExcludeTaxPrice();
     QCOMPARE(s.steps().back(), std::string("批量设置不含税单价!"));
     const std::string& told = s.services.channel.messages().at(0).text;
     QVERIFY2(told.find("综合用工") != std::string::npos, told.c_str());

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QTest>
+#include <string>
 #include <tuple>
 #include <utility>
+
+Q_DECLARE_METATYPE(std::string)
 
 namespace tests {
 

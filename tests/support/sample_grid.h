@@ -174,11 +174,6 @@ struct SampleGrid {
     return shown.size() == 1 ? QString::fromStdString(shown.front().text)
                              : QStringLiteral("%1 messages").arg(shown.size());
   }
-  void savePicture(const char* name) const {
-    const QByteArray folder = qgetenv("QCE_PICTURES");
-    if (!folder.isEmpty()) view->grab().save(folder + "/" + name + ".png");
-  }
-
   static constexpr const char* names[] = {"人工", "材料", "机械", "设备"};
 
   RecordingServices services;

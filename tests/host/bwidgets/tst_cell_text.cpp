@@ -10,11 +10,8 @@ class TestCellText : public QObject {
 
  private slots:
   void readsNumbersAsUsersWriteThem_data() {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("number");  // "-" for none
-    const auto row = [](const char* text, const char* number) {
-      QTest::newRow(text) << QString::fromUtf8(text) << QString::fromUtf8(number);
-    };
+    const tests::Rows<QString, QString> rows("text", "number");  // "-" for none
+    const auto row = [&rows](const char* text, const char* number) { rows(text, text, number); };
     row("12.50", "12.50");
     row(" 12.5 ", "12.5");
     row("1,234,567.89", "1234567.89");
@@ -49,30 +46,19 @@ class TestCellText : public QObject {
   }
 
   void readsBlocks_data() {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("cells");  // cells in <>, rows parted by |
-    QTest::newRow("one cell") << "a"
-                              << "<a>";
-    QTest::newRow("trailing break is no row") << "a\tb\r\nc\td\r\n"
-                                              << "<a><b>|<c><d>";
-    QTest::newRow("old line breaks") << "a\rb"
-                                     << "<a>|<b>";
-    QTest::newRow("empty cells") << "\t\n\t"
-                                 << "<><>|<><>";
-    QTest::newRow("empty row in between") << "a\n\nb"
-                                          << "<a>|<>|<b>";
-    QTest::newRow("quoted line break and tab") << "\"a\nb\tc\"\td"
-                                               << "<a\nb\tc><d>";
-    QTest::newRow("doubled quotes") << "\"say \"\"x\"\"\""
-                                    << "<say \"x\">";
-    QTest::newRow("quote inside a text") << "5\" pipe\tb"
-                                         << "<5\" pipe><b>";
-    QTest::newRow("lone quote in front") << "\"a\tb"
-                                         << "<\"a><b>";
-    QTest::newRow("quoted empty") << "\"\""
-                                  << "<>";
-    QTest::newRow("nothing") << ""
-                             << "";
+    // cells in <>, rows parted by |
+    const tests::Rows<QString, QString> row("text", "cells");
+    row("one cell", "a", "<a>");
+    row("trailing break is no row", "a\tb\r\nc\td\r\n", "<a><b>|<c><d>");
+    row("old line breaks", "a\rb", "<a>|<b>");
+    row("empty cells", "\t\n\t", "<><>|<><>");
+    row("empty row in between", "a\n\nb", "<a>|<>|<b>");
+    row("quoted line break and tab", "\"a\nb\tc\"\td", "<a\nb\tc><d>");
+    row("doubled quotes", "\"say \"\"x\"\"\"", "<say \"x\">");
+    row("quote inside a text", "5\" pipe\tb", "<5\" pipe><b>");
+    row("lone quote in front", "\"a\tb", "<\"a><b>");
+    row("quoted empty", "\"\"", "<>");
+    row("nothing", "", "");
   }
   void readsBlocks() {
     QFETCH(QString, text);

@@ -74,15 +74,11 @@ class GridSheetTest : public QObject {
     SampleGrid grid(1, 1);
     grid.view->setFrozenColumnCount(4);
     grid.view->resize(200, 300);
+    grid.view->setZoom(200);
     const app::Sheet sheet = bwidgets::makeSheet(*grid.view, "甲");
     QCOMPARE(sheet.frozenColumns, 4);
+    QCOMPARE(sheet.columns[1].width, 140);
     QCOMPARE(groups(sheet), QString("用量单价:3-3 用量单价:4-4 其他:6-7"));
-  }
-
-  void widthsAreThoseWithoutZoom() {
-    SampleGrid grid(1, 1);
-    grid.view->setZoom(200);
-    QCOMPARE(bwidgets::makeSheet(*grid.view, "").columns[1].width, 140);
   }
 
   void rowsAreThoseOfTheFilterWithTheirLevels() {
@@ -98,15 +94,6 @@ class GridSheetTest : public QObject {
     }
     QCOMPARE(lines.join(" "), QString("0'人工 1'CL1001 0+'材料 1'CL1005 0'机械"));
     QCOMPARE(sheet.treeColumn, 0);
-  }
-
-  void rowsAreInTheirSortedOrder() {
-    SampleGrid grid(1, 4);
-    grid.view->sortByColumn(3, Qt::DescendingOrder);  // amount
-    QTRY_COMPARE(grid.text("0.0:code"), QString("CL1003"));
-    const app::Sheet sheet = bwidgets::makeSheet(*grid.view, "");
-    QCOMPARE(text(sheet.rows[1].cells[0]), QString("'CL1003"));
-    QCOMPARE(text(sheet.rows[4].cells[0]), QString("'CL1000"));
   }
 
   void aCellIsWhatItShows() {
@@ -172,15 +159,6 @@ class GridSheetTest : public QObject {
     QCOMPARE(sheet.columns[1].title, std::string("数量"));
 
     QVERIFY(bwidgets::makeSheet(bwidgets::TableView(), "空").columns.empty());
-  }
-
-  void theHostSavesIt() {
-    SampleGrid grid(1, 1);
-    QVERIFY(bwidgets::exportSheet(*grid.view, "人材机"));
-    QCOMPARE(grid.services.spreadsheets.names, std::vector<std::string>{"人材机"});
-    QCOMPARE(grid.services.spreadsheets.saved.at(0).rows.size(), std::size_t(2));
-    grid.services.spreadsheets.succeeds = false;
-    QVERIFY(!bwidgets::exportSheet(*grid.view, "人材机"));
   }
 };
 

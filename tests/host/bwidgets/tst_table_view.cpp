@@ -24,7 +24,6 @@ class TestTableView : public QObject {
     const QRect last = table->visualRect(g.cell("0:note"));
     QVERIFY(last.right() < table->viewport()->width());
     QVERIFY(last.right() > table->viewport()->width() - 5);
-    g.savePicture("table");
     table->setRowNumbersShown(false);
     QVERIFY(table->viewport()->geometry().left() < width);
   }
@@ -56,15 +55,6 @@ class TestTableView : public QObject {
       for (int i = 0; i < 20000; ++i) g.op.tree.add("x");
     });
     QTRY_VERIFY(g.view->viewport()->geometry().left() > before);
-  }
-
-  void hasFrozenColumnsToo() {
-    SampleGrid g(30, 0, new bwidgets::TableView);
-    g.view->setFrozenColumnCount(1);
-    const QRect code = g.view->visualRect(g.cell("1:code"));
-    g.scrollTo(100);
-    QCOMPARE(g.view->visualRect(g.cell("1:code")), code);
-    QCOMPARE(g.pathOf(g.view->indexAt(code.center())), QString("1:code"));
   }
 
   void dialogSpeaksChinese() {

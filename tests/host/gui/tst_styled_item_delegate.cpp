@@ -57,13 +57,9 @@ class TestStyledItemDelegate : public QObject {
     QCOMPARE(g.text("0.0:unit"), QString("kg"));
     QCOMPARE(g.current(), QString("0.0:amount"));
     QVERIFY(g.editor() == nullptr);
-  }
-
-  void escapeLeavesTheCell() {
-    SampleGrid g;
-    g.edit("0.0:unit", "kg");
+    g.edit("0.0:unit", "lb");
     QTest::keyClick(g.editor(), Qt::Key_Escape);
-    QCOMPARE(g.text("0.0:unit"), QString("t"));
+    QCOMPARE(g.text("0.0:unit"), QString("kg"));
     QCOMPARE(g.current(), QString("0.0:unit"));
   }
 
@@ -83,13 +79,6 @@ class TestStyledItemDelegate : public QObject {
     QVERIFY(g.editor() == nullptr);
   }
 
-  void editsWholeNumbersAndNotTheirDisplay() {
-    SampleGrid g;
-    g.node(0, 0)->set("price", 1234567.125);
-    g.edit("0.0:price");
-    QCOMPARE(g.editor()->text(), QString("1234567.125"));
-  }
-
   void takesNumbersAlone_data() {
     const tests::Rows<QString, double> row;
     row("separators", "1,234.5", 1234.5);
@@ -100,7 +89,9 @@ class TestStyledItemDelegate : public QObject {
   void takesNumbersAlone() {
     const auto [typed, value] = tests::fetch<QString, double>();
     SampleGrid g;
+    g.node(0, 0)->set("price", 1234567.125);
     g.edit("0.0:price");
+    QCOMPARE(g.editor()->text(), QString("1234567.125"));  // and not as it is displayed
     g.editor()->clear();
     for (const QChar c : typed) g.editor()->insert(c);
     QTest::keyClick(g.editor(), Qt::Key_Return);

@@ -1,9 +1,7 @@
 #include <QCheckBox>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTimer>
 #include <QUndoStack>
 
 #include "host/app/scoped_undo.h"
@@ -11,7 +9,6 @@
 #include "host/gui/tree_grid_view.h"
 #include "host/gui/view_model.h"
 #include "pooling/association_bill_view.h"
-#include "pooling/notional_pooling_view.h"
 #include "tests/support/test_main.h"
 #include "tests/workbench/project_fixture.h"
 #include "workbench/cli/driver.h"
@@ -44,8 +41,7 @@ class AssociationBillControllerTest : public QObject {
     const auto& node = static_cast<const records::StructureNode&>(*all.front()->parent());
     QVERIFY(open({&item(0)}, [&] {
       toggle(QString::fromStdString(node.name));
-      toggle(QString::fromStdString(section.front()->code.str()));  // all but the first
-      picture("association");
+      toggle(*section.front());  // all but the first
       press("确定");
     }));
     QCOMPARE(steps().count(), 1);
@@ -78,15 +74,12 @@ class AssociationBillControllerTest : public QObject {
     const std::vector<Bill*> all = bills();
     associate({&item(0), &item(1)}, {all[0], all[1]});
     associate({&item(1)}, {all[2], all[3]});
-    const auto code = [&](int number) {
-      return QString::fromStdString(all[std::size_t(number)]->code.str());
-    };
     QVERIFY(open({&item(0), &item(1)}, [&] {
       QCOMPARE(mark(*all[0]), QString("√"));
       QCOMPARE(mark(*all[2]), QString("部分"));
       QVERIFY(dialog_->findChild<QCheckBox*>("AssociationBill_collect")->isHidden());
-      toggle(code(1));  // goes from both
-      toggle(code(2));  // to both
+      toggle(*all[1]);  // goes from both
+      toggle(*all[2]);  // to both
       press("确定");
     }));
     const std::vector<Bill*> first{all[0], all[2]};
@@ -103,10 +96,9 @@ class AssociationBillControllerTest : public QObject {
       const app::ScopedUndo undo("归集");
       project().pool(budget, item(0), project().remaining(budget));
     }
-    const QString code = QString::fromStdString(bill->code.str());
     fixture_->channel.answerNext(QMessageBox::No);
     QVERIFY(open({&item(0)}, [&] {
-      toggle(code);
+      toggle(*bill);
       press("确定");
       QVERIFY(dialog_->isVisible());
       QVERIFY(!project().pooled(budget).isZero());
@@ -126,26 +118,23 @@ class AssociationBillControllerTest : public QObject {
     const auto summary = [&](int number) {
       return project().terms(item(0), *all[std::size_t(number)]).summary;
     };
-    const auto code = [&](int number) {
-      return QString::fromStdString(all[std::size_t(number)]->code.str());
-    };
     QVERIFY(open({&item(0)}, [&] {
       QVERIFY(!dialog_->getUnifyFBChecked());
-      toggle(code(1));
+      toggle(*all[1]);
       click("unify");
       press("确定");
     }));
     QVERIFY(summary(0) && summary(1));
     QVERIFY(open({&item(0)}, [&] {
       QVERIFY(dialog_->getUnifyFBChecked());
-      toggle(code(2));
+      toggle(*all[2]);
       press("确定");
     }));
     QVERIFY(summary(2));
     associate({&item(0)}, {all[3]});  // without
     QVERIFY(open({&item(0)}, [&] {
       QVERIFY(!dialog_->getUnifyFBChecked());
-      toggle(code(4));
+      toggle(*all[4]);
       press("确定");
     }));
     QVERIFY(summary(0) && !summary(3) && !summary(4));  // a box left alone changes none
@@ -177,59 +166,13 @@ class AssociationBillControllerTest : public QObject {
   void refusesItemsOfSeveralUnitWorks() {
     ResourceItem& other = fixture_->item(1, Category::Material, 0);
     opened().associationController().openAssociation({&item(0), &other});
-    QCOMPARE(fixture_->channel.messages().size(), std::size_t(1));
     for (int i = 0; i < 2; ++i) {
       const std::string& name = project().unitWorks().at(std::size_t(i))->name;
-      QVERIFY(fixture_->channel.messages()[0].text.find(name) != std::string::npos);
+      QVERIFY(fixture_->message().contains(QString::fromStdString(name)));
     }
     opened().associationController().openAssociation({});
     QVERIFY(!opened().resItemController().canAssociateBills({}));
     QCOMPARE(fixture_->channel.messages().size(), std::size_t(1));
-  }
-
-  void doesNothingWhenTheStepCannotBeStored() {
-    const std::string before = project().dump();
-    services::UndoHistory failing(project(), [](const records::ChangeSet&, QString& message) {
-      message = "磁盘已满";
-      return false;
-    });
-    app::Services services;
-    services.undo = &failing;
-    services.channel = services.qceChannel = &fixture_->channel;
-    const app::Services installed = app::InstallServices(services);
-    QVERIFY(open({&item(0)}, [&] {
-      toggle(QString::fromStdString(bills().front()->code.str()));
-      click("collect");
-      press("确定");
-      QVERIFY(!dialog_->isVisible());
-    }));
-    app::InstallServices(installed);
-    QCOMPARE(fixture_->channel.messages().size(), std::size_t(1));
-    QCOMPARE(project().dump(), before);
-  }
-
-  void handsOverToPooling() {
-    Bill* bill = bills().front();
-    QString offered;
-    QTimer poll;
-    connect(&poll, &QTimer::timeout, this, [&] {
-      auto* pooling =
-          qobject_cast<gui::qce::QCENotionalPoolingViewImpl*>(QApplication::activeModalWidget());
-      if (pooling == nullptr || !pooling->isVisible()) return;
-      poll.stop();
-      auto* list = pooling->findChild<QListWidget*>("NotionalPooling_bills");
-      for (int i = 0; i < list->count(); ++i) offered += list->item(i)->text() + '\n';
-      pooling->reject();
-    });
-    QVERIFY(open({&item(0)}, [&] {
-      toggle(QString::fromStdString(bill->code.str()));
-      click("collect");
-      poll.start(10);
-      press("确定");
-    }));
-    QCOMPARE(offered.count('\n'), 1);
-    QVERIFY(offered.contains(QString::fromStdString(bill->name.str())));
-    QVERIFY(item(0).associated());
   }
 
  private:
@@ -269,6 +212,7 @@ class AssociationBillControllerTest : public QObject {
     driver_.clickCell(tree(), row(text));
     driver_.key(Qt::Key_Space);
   }
+  void toggle(const Bill& bill) { toggle(QString::fromStdString(bill.code.str())); }
   QString mark(const Bill& bill) const {
     const QModelIndex at = row(QString::fromStdString(bill.code.str()));
     const int column = tree()->viewModel()->getColumnIndex(domain::keys::BRIAssociation);
@@ -281,32 +225,11 @@ class AssociationBillControllerTest : public QObject {
     }
     return bills;
   }
-  void picture(const char* name) {
-    const QByteArray folder = qgetenv("QCE_PICTURES");
-    if (folder.isEmpty()) return;
-    dialog_->resize(1090, 720);
-    QCoreApplication::processEvents();
-    dialog_->grab().save(folder + "/" + name + ".png");
-  }
-
   controllers::OpenProject& opened() { return *fixture_->opened(); }
   records::Project& project() { return opened().project(); }
   QUndoStack& steps() { return *opened().undo().stack(); }
   ResourceItem& item(int number) { return fixture_->item(0, Category::Material, number); }
-  std::vector<Bill*> bills(int unitWork = 0) {
-    std::vector<Bill*> found;
-    collect(*project().unitWorks().at(std::size_t(unitWork)), found);
-    return found;
-  }
-  static void collect(const proxy::Element& node, std::vector<Bill*>& into) {
-    for (int i = 0; i < node.childCount(); ++i) {
-      if (auto* bill = dynamic_cast<Bill*>(node.child(i))) {
-        into.push_back(bill);
-      } else {
-        collect(*node.child(i), into);
-      }
-    }
-  }
+  std::vector<Bill*> bills() { return fixture_->bills(); }
   void associate(const std::vector<ResourceItem*>& items, const std::vector<Bill*>& bills) {
     const app::ScopedUndo undo("准备");
     for (ResourceItem* item : items) {

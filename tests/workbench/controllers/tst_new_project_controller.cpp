@@ -5,6 +5,7 @@
 
 #include "tests/support/files.h"
 #include "tests/support/recording_services.h"
+#include "tests/support/rows.h"
 #include "workbench/controllers/new_project_controller.h"
 #include "workbench/controllers/open_project.h"
 #include "workbench/exchange/sample_generator.h"
@@ -62,9 +63,9 @@ class NewProjectControllerTest : public QObject {
   }
 
   void differingMoneyNeedsTheUsersWord_data() {
-    QTest::addColumn<int>("answer");
-    QTest::newRow("yes") << int(QMessageBox::Yes);
-    QTest::newRow("no") << int(QMessageBox::No);
+    const tests::Rows<int> row{"answer"};
+    row("yes", QMessageBox::Yes);
+    row("no", QMessageBox::No);
   }
   void differingMoneyNeedsTheUsersWord() {
     QFETCH(int, answer);

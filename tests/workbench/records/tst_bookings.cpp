@@ -3,9 +3,9 @@
 #include <random>
 
 #include "host/app/scoped_undo.h"
+#include "tests/support/rows.h"
 #include "tests/workbench/project_fixture.h"
 #include "workbench/records/project_builder.h"
-#include "workbench/store/check.h"
 
 using costing::Decimal;
 using costing::PackedDecimal;
@@ -21,19 +21,6 @@ namespace {
 
 Decimal dec(const char* text) {
   return Decimal::parse(text).value();
-}
-
-std::vector<Bill*> billsBelow(const records::RowList& rows) {
-  std::vector<Bill*> bills;
-  for (int row = 0; row < rows.size(); ++row) {
-    if (auto* bill = dynamic_cast<Bill*>(rows.at(row))) {
-      bills.push_back(bill);
-    } else {
-      const auto more = billsBelow(static_cast<records::Branch*>(rows.at(row))->rows());
-      bills.insert(bills.end(), more.begin(), more.end());
-    }
-  }
-  return bills;
 }
 
 BudgetItem& budgetItem(Bill& bill, int row) {
@@ -64,7 +51,7 @@ struct Plain {
       return list.back().second;
     };
     for (const records::StructureNode* work : project.unitWorks()) {
-      for (const Bill* bill : billsBelow(work->rows())) {
+      for (const Bill* bill : tests::ProjectFixture::below<Bill>(*work)) {
         for (const auto& [key, said] : terms) {
           if (key.second == bill->id() && said.associated) at(key.first, bill);
         }
@@ -160,7 +147,7 @@ class Booker {
   Booker(Project& project, const std::vector<ResourceItem*>& items, unsigned seed)
       : project_(project), random_(seed) {
     const records::StructureNode& work = *project.unitWorks().front();
-    bills_ = billsBelow(work.rows());
+    bills_ = tests::ProjectFixture::below<Bill>(work);
     bills_.resize(std::min<std::size_t>(bills_.size(), 6));
     for (ResourceItem* item : items) {
       if (project.unitWorkOf(*item) != &work) continue;
@@ -325,9 +312,8 @@ class BookingsTest : public QObject {
 
  private slots:
   void randomBookingsAddUp_data() {
-    QTest::addColumn<unsigned>("seed");
-    for (unsigned seed = 1; seed <= 3; ++seed)
-      QTest::newRow(qPrintable(QString::number(seed))) << seed;
+    const tests::Rows<unsigned> row{"seed"};
+    for (unsigned seed = 1; seed <= 3; ++seed) row(qPrintable(QString::number(seed)), seed);
   }
 
   void randomBookingsAddUp() {
@@ -383,9 +369,7 @@ class BookingsTest : public QObject {
       stack.setIndex(done);
       const std::string last = project.dump();
       QVERIFY(fixture.open()->project().dump() == last);
-      fixture.close();
-      const store::CheckReport report = store::check(fixture.path());
-      QVERIFY2(report.ok(), qPrintable(report.failure.message + report.findings.join('\n')));
+      QCOMPARE(fixture.checked(), QString());
     }
   }
 
@@ -468,7 +452,9 @@ class BookingsTest : public QObject {
     }
     QVERIFY(!project.remove(item));
     QVERIFY(project.dump() == before);
+    project.takeRecorded();
     project.disassociate(item, *example.slabs);
+    QCOMPARE(QString::fromStdString(describe(project.takeRecorded())), QString("取消关联清单"));
     project.set(item, ItemField::Quantity, PackedDecimal(Decimal(3)));
     QCOMPARE(item.quantity().value(), Decimal(3));
     QVERIFY(project.remove(item));
@@ -506,6 +492,7 @@ class BookingsTest : public QObject {
     LineTerms terms;
     terms.content = dec("2");
     project.setTerms(*example.concrete, *example.slabs, terms);
+    QCOMPARE(QString::fromStdString(describe(project.takeRecorded())), QString("修改清单设置"));
     QCOMPARE(example.concrete->quantity().value(), dec("208.2453"));  // 128.24525 + 80
     project.pool(*example.slabConcrete, *example.subcontract, dec("40.6"));
     QCOMPARE(example.concrete->quantity().value(), dec("128.2453"));
@@ -516,24 +503,6 @@ class BookingsTest : public QObject {
     project.pool(*example.slabConcrete, *example.subcontract, dec("40.6"));
     project.associate(*example.concrete, *example.slabs, false);
     QCOMPARE(example.concrete->quantity().value(), dec("128.2453"));
-  }
-
-  void namesItsSteps() {
-    Example example;
-    Project& project = example.project;
-    const auto named = [&] { return QString::fromStdString(describe(project.takeRecorded())); };
-    project.pool(*example.wallConcrete, *example.subcontract, Decimal(1));
-    QCOMPARE(named(), QStringLiteral("归集到成本"));
-    project.withdraw(*example.wallConcrete, *example.subcontract);
-    QCOMPARE(named(), QStringLiteral("取消归集"));
-    project.associate(*example.subcontract, *example.slabs, false);
-    QCOMPARE(named(), QStringLiteral("关联清单"));
-    project.associate(*example.subcontract, *example.slabs, true);
-    QCOMPARE(named(), QStringLiteral("修改清单设置"));
-    project.pool(*example.slabConcrete, *example.subcontract, Decimal(1));
-    named();
-    project.disassociate(*example.subcontract, *example.slabs);
-    QCOMPARE(named(), QStringLiteral("取消关联清单"));
   }
 };
 

@@ -6,9 +6,9 @@
 #include <QtTest>
 
 #include "tests/support/files.h"
+#include "tests/support/rows.h"
 #include "workbench/services/channels.h"
 #include "workbench/services/configuration.h"
-#include "workbench/services/install.h"
 #include "workbench/services/path_manager.h"
 
 class ServicesTest : public QObject {
@@ -31,11 +31,11 @@ class ServicesTest : public QObject {
   }
 
   void damagedSettingsAreSetAside_data() {
-    QTest::addColumn<QByteArray>("content");
-    QTest::newRow("cut short") << QByteArray("{\"a\": \"b");
-    QTest::newRow("no object") << QByteArray("[1, 2]");
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("binary") << QByteArray("\x00\xff\xfe", 3);
+    const tests::Rows<QByteArray> row{"content"};
+    row("cut short", "{\"a\": \"b");
+    row("no object", "[1, 2]");
+    row("empty", {});
+    row("binary", QByteArray("\x00\xff\xfe", 3));
   }
   void damagedSettingsAreSetAside() {
     QFETCH(QByteArray, content);
@@ -98,21 +98,6 @@ class ServicesTest : public QObject {
     QVERIFY(paths.installReportTemplates());
     QVERIFY(!QFile::exists(templates.filePath(names[0])));
     QCOMPARE(tests::contentOf(templates.filePath(names[1])), QByteArray("mine"));
-  }
-
-  void installedServicesAreTakenBack() {
-    const QTemporaryDir dir;
-    app::PathMgr* before = app::GetPathMgr();
-    {
-      const auto installed = services::install(std::make_unique<services::PathManager>(dir.path()),
-                                               std::make_unique<services::RecordingChannel>());
-      QCOMPARE(app::GetPathMgr()->getPath("DocumentsLocation"),
-               dir.filePath("documents").toStdString());
-      QCOMPARE(app::qce::GetQCEChannel(), &installed->channel());
-      app::GetGlobalConfig()->setValue("k", "v");
-      QVERIFY(QFile::exists(dir.filePath("config/settings.json")));
-    }
-    QCOMPARE(app::GetPathMgr(), before);
   }
 };
 

@@ -106,40 +106,6 @@ class FromSourceTest : public QObject {
     QCOMPARE(project.itemCount(), 2);
   }
 
-  void keepsTheMoneyOfTheOffice_data() {
-    QTest::addColumn<int>("kind");
-    for (int kind = 0; kind < 6; ++kind) {
-      QTest::newRow(exchange::extensionOf(static_cast<exchange::SourceKind>(kind)).c_str()) << kind;
-    }
-  }
-  void keepsTheMoneyOfTheOffice() {
-    QFETCH(int, kind);
-    const auto source =
-        exchange::SampleGenerator::officeBuilding(static_cast<exchange::SourceKind>(kind));
-    records::Project project;
-    QVERIFY(store::fillFromSource(project, source));
-    const exchange::Money money = exchange::moneyOf(source);
-    QCOMPARE(project.totals().budget, money.resources);
-    QCOMPARE(project.feeTotal(), money.fees);
-    costing::Totals sum;
-    for (const records::StructureNode* work : project.unitWorks()) {
-      costing::Totals groups;
-      for (int i = 0; i < records::CategoryCount; ++i) {
-        const auto* group = project.categoryGroup(*work, static_cast<Category>(i));
-        costing::Totals items;
-        for (int row = 0; row < group->rows().size(); ++row) {
-          items += static_cast<ResourceItem*>(group->rows().at(row))->totals();
-        }
-        QVERIFY(items == group->totals());
-        groups += items;
-        QCOMPARE(group->parent() != nullptr, group->rows().size() > 0);
-      }
-      QVERIFY(groups == project.subProject(*work)->totals());
-      sum += groups;
-    }
-    QVERIFY(sum == project.totals());
-  }
-
   void canBeCancelled() {
     const std::vector<Resource> many(1500, resource("r", "0.3", "400.05"));
     records::Project project;
