@@ -90,18 +90,6 @@ void QCEResItemBillViewImpl::setController(abst::qce::QCEResItemBillController* 
 // ---------------------------------------------------------------------------------------------
 // Widgets
 
-QAction* QCEResItemBillViewImpl::addCommand(const QString& text, const QString& toolTip,
-                                            const QKeySequence& keys,
-                                            void (QCEResItemBillViewImpl::*slot)()) {
-  auto* action = new QAction(text, this);
-  action->setShortcut(keys);
-  action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-  action->setToolTip(keys.isEmpty() ? toolTip : QString("%1（%2）").arg(toolTip, keys.toString()));
-  connect(action, &QAction::triggered, this, slot);
-  addAction(action);
-  return action;
-}
-
 QWidget* QCEResItemBillViewImpl::createToolBar() {
   using Pane = QCEResItemBillViewImpl;
   coefficientAction_ = addCommand("批量系数", "把选中清单的系数都乘以或除以同一个数",

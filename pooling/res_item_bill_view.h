@@ -101,8 +101,6 @@ class QCE_EXPORT QCEResItemBillViewImpl : public gui::BasePage,
  private:
   using Items = std::vector<proxy::Element*>;
 
-  QAction* addCommand(const QString& text, const QString& toolTip, const QKeySequence& keys,
-                      void (QCEResItemBillViewImpl::*slot)());
   QWidget* createToolBar();
   void fillColumnMenu(QMenu* menu) const;
   /// Runs `write` on the selected bills as one undo step; false when it was refused.

@@ -3,7 +3,6 @@
 #include <QAbstractItemModel>
 #include <QAction>
 #include <QActionGroup>
-#include <QComboBox>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QInputDialog>
@@ -95,18 +94,6 @@ void QCEResItemViewImpl::setController(abst::qce::QCEResItemController* controll
 // ---------------------------------------------------------------------------------------------
 // Widgets
 
-QAction* QCEResItemViewImpl::addCommand(const QString& text, const QString& toolTip,
-                                        const QKeySequence& keys,
-                                        void (QCEResItemViewImpl::*slot)()) {
-  auto* action = new QAction(text, this);
-  action->setShortcut(keys);
-  action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-  action->setToolTip(keys.isEmpty() ? toolTip : QString("%1（%2）").arg(toolTip, keys.toString()));
-  connect(action, &QAction::triggered, this, slot);
-  addAction(action);
-  return action;
-}
-
 void QCEResItemViewImpl::createActions() {
   using Page = QCEResItemViewImpl;
   batchPriceAction_ = addCommand("批量设置不含税单价", "把同一个不含税单价写入所有选中的人材机",
@@ -177,11 +164,8 @@ void QCEResItemViewImpl::addChoice(QBoxLayout* toolBar, const QString& label, QA
 }
 
 void QCEResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
-  subProjectBox_ = new QComboBox(this);
+  subProjectBox_ = new gui::SubProjectBox(this);
   subProjectBox_->setObjectName("ResItem_subProject");
-  subProjectBox_->setToolTip("选择要显示的工程范围");
-  subProjectBox_->setMinimumContentsLength(10);
-  subProjectBox_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   connect(subProjectBox_, QOverload<int>::of(&QComboBox::activated), this,
           &QCEResItemViewImpl::chooseSubProject);
   refillSubProjects();
@@ -362,28 +346,14 @@ bool QCEResItemViewImpl::eventFilter(QObject* watched, QEvent* event) {
 // What is shown
 
 void QCEResItemViewImpl::refillSubProjects() {
-  const int chosen = std::max(subProjectBox_->currentIndex(), 0);
-  const scoped_refptr<proxy::Element> before =
-      chosen < static_cast<int>(subProjects_.size()) ? subProjects_[chosen] : nullptr;
-
-  subProjectBox_->clear();
-  subProjects_.assign(1, nullptr);
-  subProjectBox_->addItem("整个项目");
-  if (controller_ != nullptr) {
-    for (const auto& [name, element] : controller_->getSubProjects()) {
-      subProjects_.emplace_back(element);
-      subProjectBox_->addItem(QString::fromStdString(name));
-      if (before && element != nullptr && element->id() == before->id()) {
-        subProjectBox_->setCurrentIndex(subProjectBox_->count() - 1);
-      }
-    }
-  }
-  if (before && subProjectBox_->currentIndex() == 0) chooseSubProject(0);  // it is gone
+  const bool still = subProjectBox_->refill(
+      controller_ != nullptr ? controller_->getSubProjects() : gui::SubProjectBox::SubProjects());
+  if (!still) chooseSubProject();
 }
 
-void QCEResItemViewImpl::chooseSubProject(int entry) {
-  if (filter_ == nullptr || entry < 0 || entry >= static_cast<int>(subProjects_.size())) return;
-  filter_->setSubProject(subProjects_[static_cast<std::size_t>(entry)].get());
+void QCEResItemViewImpl::chooseSubProject() {
+  if (filter_ == nullptr) return;
+  filter_->setSubProject(subProjectBox_->chosen());
   expandAll();
 }
 
@@ -397,12 +367,8 @@ void QCEResItemViewImpl::showItems(proxy::Element* subProject, const std::string
   conditions_->setCbkm(account);
   account.empty() ? cancelFilter() : startFilter();
   conditionAction_->setChecked(!account.empty());
-  int entry = 0;
-  for (std::size_t i = 1; subProject != nullptr && i < subProjects_.size(); ++i) {
-    if (subProjects_[i].get() == subProject) entry = static_cast<int>(i);
-  }
-  subProjectBox_->setCurrentIndex(entry);
-  chooseSubProject(entry);
+  subProjectBox_->choose(subProject);
+  chooseSubProject();
   treeGrid()->selectElements(selected);
   treeGrid()->setFocus();
   refreshLater();
@@ -542,15 +508,15 @@ void QCEResItemViewImpl::associateBills() {
 proxy::Element* QCEResItemViewImpl::placeForItem() {
   if (proxy::Element* current = treeGrid()->currentElement()) return current;
   const int chosen = subProjectBox_->currentIndex();
-  if (chosen > 0) return subProjects_[static_cast<std::size_t>(chosen)].get();
+  if (chosen > 0) return subProjectBox_->chosen();
   QStringList names;
   for (int i = 1; i < subProjectBox_->count(); ++i) names << subProjectBox_->itemText(i);
-  if (names.size() == 1) return subProjects_[1].get();
+  if (names.size() == 1) return subProjectBox_->subProjectAt(1);
   if (names.isEmpty()) return nullptr;
   bool ok = false;
   const QString name =
       QInputDialog::getItem(this, "新增人材机", "新增到哪个单位工程:", names, 0, false, &ok);
-  return ok ? subProjects_[static_cast<std::size_t>(names.indexOf(name)) + 1].get() : nullptr;
+  return ok ? subProjectBox_->subProjectAt(names.indexOf(name) + 1) : nullptr;
 }
 
 void QCEResItemViewImpl::insertItem() {

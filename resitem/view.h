@@ -6,13 +6,13 @@
 #include "host/abst/qce/res_item_controller.h"
 #include "host/abst/qce/res_item_filter_model.h"
 #include "host/presentation/res_item_view.h"
+#include "host/presentation/sub_project_box.h"
 #include "host/proxy/element.h"
 #include "qce_export.h"
 #include "resitem/commands.h"
 
 class QAction;
 class QActionGroup;
-class QComboBox;
 class QLabel;
 class QSplitter;
 class QStackedWidget;
@@ -98,12 +98,10 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   void createActions();
   void insertItemOf(const std::string& type);
   proxy::Element* placeForItem();
-  QAction* addCommand(const QString& text, const QString& toolTip, const QKeySequence& keys,
-                      void (QCEResItemViewImpl::*slot)());
   void addChoice(QBoxLayout* toolBar, const QString& label, QActionGroup* group);
 
   void refillSubProjects();
-  void chooseSubProject(int entry);
+  void chooseSubProject();
   void setFlag(int filterType);
   void setAssociation(int choice);
   void applyFilters();
@@ -124,9 +122,8 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   abst::qce::QCEResItemController* controller_ = nullptr;
   abst::qce::QCEResItemFilterModel* filter_ = nullptr;
   ResItemCommands commands_;
-  std::vector<scoped_refptr<proxy::Element>> subProjects_;  // by combo box entry, the first is null
 
-  QComboBox* subProjectBox_ = nullptr;
+  gui::SubProjectBox* subProjectBox_ = nullptr;
   QActionGroup* flags_ = nullptr;
   QActionGroup* associations_ = nullptr;
   QAction* conditionAction_ = nullptr;

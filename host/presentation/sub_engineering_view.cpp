@@ -88,11 +88,8 @@ void SubEngineeringViewImpl::init() {
   setGrid(treeGrid_, getSENameKey(), getSECodeKey());
   createActions();
 
-  subProjectBox_ = new QComboBox(this);
+  subProjectBox_ = new SubProjectBox(this);
   subProjectBox_->setObjectName("SubEngineering_subProject");
-  subProjectBox_->setToolTip("选择要显示的工程范围");
-  subProjectBox_->setMinimumContentsLength(10);
-  subProjectBox_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   connect(subProjectBox_, QOverload<int>::of(&QComboBox::activated), this,
           &SubEngineeringViewImpl::chooseSubProject);
 
@@ -156,16 +153,6 @@ gui::TreeGridView* SubEngineeringViewImpl::createTableGridView() {
 
 gui::SubEngineeringDelegate* SubEngineeringViewImpl::createSubEngineeringDelege() {
   return new gui::SubEngineeringDelegate(nullptr);
-}
-
-QAction* SubEngineeringViewImpl::addCommand(const QString& text, const QString& toolTip,
-                                            const QKeySequence& keys) {
-  auto* action = new QAction(text, this);
-  action->setShortcut(keys);
-  action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-  action->setToolTip(keys.isEmpty() ? toolTip : QString("%1（%2）").arg(toolTip, keys.toString()));
-  addAction(action);
-  return action;
 }
 
 void SubEngineeringViewImpl::createActions() {
@@ -280,27 +267,15 @@ domain::SubEngineeringOperator* SubEngineeringViewImpl::subEngineeringOperator()
 }
 
 void SubEngineeringViewImpl::refillSubProjects() {
-  const auto chosen = static_cast<std::size_t>(std::max(subProjectBox_->currentIndex(), 0));
-  const scoped_refptr<proxy::Element> before =
-      chosen < subProjects_.size() ? subProjects_[chosen] : nullptr;
-  subProjectBox_->clear();
-  subProjects_.assign(1, nullptr);
-  subProjectBox_->addItem("整个项目");
-  if (const auto* op = subEngineeringOperator()) {
-    for (const auto& [name, element] : op->getSubProjects()) {
-      subProjects_.emplace_back(element);
-      subProjectBox_->addItem(QString::fromStdString(name));
-      if (before && element != nullptr && element->id() == before->id()) {
-        subProjectBox_->setCurrentIndex(subProjectBox_->count() - 1);
-      }
-    }
-  }
-  if (before && subProjectBox_->currentIndex() == 0) chooseSubProject(0);  // it is gone
+  const auto* op = subEngineeringOperator();
+  const bool still =
+      subProjectBox_->refill(op != nullptr ? op->getSubProjects() : SubProjectBox::SubProjects());
+  if (!still) chooseSubProject();
 }
 
-void SubEngineeringViewImpl::chooseSubProject(int entry) {
-  if (filter_ == nullptr || entry < 0 || entry >= static_cast<int>(subProjects_.size())) return;
-  filter_->setSubProject(subProjects_[static_cast<std::size_t>(entry)].get());
+void SubEngineeringViewImpl::chooseSubProject() {
+  if (filter_ == nullptr) return;
+  filter_->setSubProject(subProjectBox_->chosen());
   expandBills();
   rowsChanged();
 }

@@ -7,11 +7,11 @@
 
 #include "framework/base_page.h"
 #include "host/abst/sub_engineering_filter_model.h"
+#include "host/presentation/sub_project_box.h"
 #include "host/proxy/element.h"
 #include "qce_export.h"
 
 class QAction;
-class QComboBox;
 class QLabel;
 class QMenu;
 class QSplitter;
@@ -102,7 +102,6 @@ class QCE_EXPORT SubEngineeringViewImpl : public BasePage {
   /// Holds the grid; a page adds what stands beside it.
   QSplitter* splitter() const { return splitter_; }
   abst::SubEngineeringFilterModel* filter() const { return filter_; }
-  QAction* addCommand(const QString& text, const QString& toolTip, const QKeySequence& keys = {});
   /// Counts the shown rows again, once what is going on is over.
   void rowsChanged();
   /// What the status line says beyond its figures; empty for nothing.
@@ -123,7 +122,7 @@ class QCE_EXPORT SubEngineeringViewImpl : public BasePage {
   void fillColumnMenu();
   void showColumn(const std::string& key, bool show);
   void refillSubProjects();
-  void chooseSubProject(int entry);
+  void chooseSubProject();
   void showContextMenu(const QPoint& position);
   void expandAboveResources(const QModelIndex& parent);
   void refreshActions();
@@ -135,8 +134,7 @@ class QCE_EXPORT SubEngineeringViewImpl : public BasePage {
   gui::TreeGridView* treeGrid_ = nullptr;
   QSplitter* splitter_ = nullptr;
   abst::SubEngineeringFilterModel* filter_ = nullptr;
-  std::vector<scoped_refptr<proxy::Element>> subProjects_;  // by entry, the first is null
-  QComboBox* subProjectBox_ = nullptr;
+  SubProjectBox* subProjectBox_ = nullptr;
   QAction* showResAction_ = nullptr;
   QAction* detailAction_ = nullptr;
   QAction* batchTypeAction_ = nullptr;

@@ -1,6 +1,5 @@
 #include <QSignalSpy>
 #include <QTest>
-#include <QTreeView>
 #include <random>
 
 #include "framework/filter_view_model.h"
@@ -142,27 +141,6 @@ class TestFilterViewModel : public QObject {
     filter_->sort(0);  // dies with the proxy
     filter_.reset();
     QTest::qWait(Filter::SortDelay + 60);
-  }
-
-  void keepsSelectionExpansionAndPersistentIndexesThroughASort() {
-    materials();
-    auto* cement = op_->tree.node(1);
-    cement->add("袋装")->set("name", std::string("袋装"));
-    cement->add("白")->set("name", std::string("白"));
-    source_->setOperator(op_.get());
-    QTreeView view;
-    view.setModel(filter_.get());
-    view.expand(filter_->makeIndex(cement, 0));
-    view.setCurrentIndex(filter_->makeIndex(cement->child(0), 0));
-    const QPersistentModelIndex child(filter_->makeIndex(cement->child(0), 1));
-    auto* bagged = cement->child(0);
-    filter_->sort(0, Qt::DescendingOrder);
-    waitForSort(*filter_);
-    QCOMPARE(op_->tree.text(), std::string("砖 水泥(袋装 白) 混凝土 钢筋"));
-    QVERIFY(view.isExpanded(filter_->makeIndex(cement, 0)));
-    QCOMPARE(filter_->getInternalData(view.currentIndex()), bagged);
-    QCOMPARE(filter_->getInternalData(child), bagged);
-    QCOMPARE(child.row(), bagged->row());
   }
 
   void readsEachCellOncePerSort() {

@@ -35,25 +35,18 @@ class AssociationBillModelsTest : public QObject {
 
   void parentsFollowTheirChildren() {
     QSignalSpy changes(model_.get(), &QAbstractItemModel::dataChanged);
-    model_->clickedStat(at("a1"), true);
-    model_->clickedStat(at("a2"), true);
-    QCOMPARE(checked(), QString("a1 a2"));
-    model_->clickedStat(at("a3"), true);
+    for (const char* name : {"a1", "a2", "a3", "a3"}) model_->clickedStat(at(name), true);
     QCOMPARE(checked(), QString("A a1 a2 a3"));
-    QCOMPARE(changes.size(), 3);  // the row alone, not what follows from it
+    QCOMPARE(changes.size(), 3);  // the row alone, not what follows from it; once
     QCOMPARE(changes.last().at(0).toModelIndex(), box("a3"));
     QCOMPARE(changes.last().at(2).value<QVector<int>>(), QVector<int>{Qt::CheckStateRole});
-    model_->clickedStat(at("a3"), true);
-    model_->clickedStat(at("b1"), false);
-    QCOMPARE(changes.size(), 3);
     model_->clickedStat(at("a1"), false);
-    QCOMPARE(checked(), QString("a2 a3"));
-    // A section alone takes nothing along; one without rows counts as complete.
-    model_->clickedStat(at("B"), true);
+    model_->clickedStat(at("B"), true);  // a section alone takes nothing along
     QCOMPARE(checked(), QString("a2 a3 B"));
     QVERIFY(!model_->isSelected(at("U"), false) && model_->isSelected(at("U"), true));
-    QVERIFY(!model_->isSelected(at("C"), true) && !model_->isSelected(nullptr, true));
+    QVERIFY(!model_->isSelected(at("C"), true));
     model_->clickedStat(nullptr, true);
+    QVERIFY(!model_->isSelected(nullptr, true));
     model_->clearChecked();
     QCOMPARE(checked(), QString());
   }

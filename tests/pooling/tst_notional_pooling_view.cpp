@@ -1,285 +1,245 @@
 #include "pooling/notional_pooling_view.h"
 
+#include <QApplication>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
-#include <QPointer>
 #include <QPushButton>
-#include <QTimer>
-#include <QtTest>
+#include <QUndoStack>
 #include <functional>
 
+#include "host/app/scoped_undo.h"
 #include "host/bwidgets/screen.h"
 #include "host/gui/tree_grid_view.h"
-#include "pooling/notional_pooling_filter_model.h"
-#include "pooling/notional_pooling_model.h"
-#include "tests/support/fake_pooling_operator.h"
-#include "tests/support/recording_services.h"
-#include "tests/support/rows.h"
+#include "host/gui/view_model.h"
 #include "tests/support/test_main.h"
-#include "tests/support/tester_proxy.h"
+#include "tests/workbench/project_fixture.h"
+#include "workbench/cli/driver.h"
 
-namespace keys = domain::keys;
-using Fake = tests::FakePoolingOperator;
-using tests::Node;
+using records::BudgetItem;
+using records::Category;
 
-namespace {
-
-// As a host's: it passes on to the dialog and its filter.
-class Controller : public abst::qce::QCENotionalPoolingController {
- public:
-  void setCurrentSubEngBill(proxy::Element* bill) override {
-    current = bill;
-    ++chosen;
-    view->setCurrentAssociatedBill(bill);
-    filter->setCurrentSubEngBill(bill);
-  }
-  void usedToOtherBills(proxy::Element* bill) override {
-    filter->usedToOtherBills(bill != nullptr ? bill : current);
-  }
-  void collectToQCEResItem() override { filter->collectToQCEResItem(); }
-
-  gui::qce::QCENotionalPoolingViewImpl* view = nullptr;
-  gui::qce::QCENotionalPoolingFilterModelImpl* filter = nullptr;
-  proxy::Element* current = nullptr;
-  int chosen = 0;
-};
-
-}  // namespace
-
-class TestNotionalPoolingView : public QObject {
+/// The dialog over a real project, opened as the resource-item page opens it.
+class NotionalPoolingViewTest : public QObject {
   Q_OBJECT
 
  private slots:
   void init() {
-    services_ = std::make_unique<tests::RecordingServices>();
-    op_ = std::make_unique<Fake>();
-    model_ = std::make_unique<gui::qce::QCENotionalPoolingModelImpl>();
-    filter_ = std::make_unique<gui::qce::QCENotionalPoolingFilterModelImpl>(model_.get());
-    tests::attachTester(model_.get());
-    tests::attachTester(filter_.get());
-    Node* first = op_->bill("A", "平整场地");
-    a_ = Fake::item(first, "a", 10.0);
-    b_ = Fake::item(first, "b", 2.5);
-    Node* second = op_->bill("B", "挖土方");
-    a2_ = Fake::item(second, "a", 7.0);
-    item_ = new Node("CL01");
-    item_->set(keys::NPName, std::string("中砂"));
-    model_->setDisplayTable(&op_->table);
-    model_->setOperator(op_.get());
-    view_ = std::make_unique<gui::qce::QCENotionalPoolingViewImpl>();
-    controller_.view = view_.get();
-    controller_.filter = filter_.get();
-    controller_.chosen = 0;
-    view_->setController(&controller_);
-    view_->setModel(filter_.get());
-    fill();
+    fixture_ = std::make_unique<tests::ProjectFixture>();
+    QVERIFY2(fixture_->made, qPrintable(fixture_->failure.message));
+    load();
   }
-  void cleanup() {
-    view_.reset();
-    filter_.reset();
-    model_.reset();
-    op_.reset();
-    services_.reset();
-  }
+  void cleanup() { fixture_.reset(); }
 
   void opensOnTheFirstBill() {
-    drive(true, [this] {
-      QCOMPARE(view_->windowTitle(), QString("选择归集到成本的预算收入工料机"));
-      QCOMPARE(bills()->windowTitle(), QString("关联清单"));
+    QVERIFY(open([&] {
+      const QWidget* view = current();
+      QCOMPARE(view->windowTitle(), QString("选择归集到成本的预算收入工料机"));
+      QCOMPARE(list()->windowTitle(), QString("关联清单"));
       QCOMPARE(grid()->windowTitle(), QString("清单预算工料机"));
       QCOMPARE(grid()->treePosition(), 1);
-      QCOMPARE(bills()->count(), 2);
-      QCOMPARE(bills()->currentRow(), 0);
-      QVERIFY(bills()->item(1)->text().contains("B-1  挖土方"));
-      QVERIFY(bills()->isVisible() && bills()->width() <= 300 && bills()->width() > 200);
-      QVERIFY(view_->rect().contains(grid()->geometry()) && grid()->width() >= 650);
-      QVERIFY(otherBills()->isVisible());
+      QCOMPARE(list()->currentRow(), 0);
+      QVERIFY(list()->isVisible() && list()->width() <= 300 && list()->width() > 200);
+      QVERIFY(view->rect().contains(grid()->geometry()) && grid()->width() >= 650);
+      QVERIFY(find<QPushButton>("otherBills")->isVisible());
       QVERIFY(!find<QLabel>("currentBill")->isVisible());
-      QCOMPARE(find<QLabel>("currentBill")->text(), QString("当前清单：A-1/平整场地/m3"));
-      QCOMPARE(find<QLabel>("currentItem")->text(), QString("当前成本工料机：CL01/中砂"));
+      const auto text = [](const records::Text& of) { return QString::fromStdString(of.str()); };
+      const auto current = [&](const records::Bill& bill) {
+        return "当前清单：" + text(bill.code) + "/" + text(bill.name) + "/" + text(bill.unit);
+      };
+      QCOMPARE(find<QLabel>("currentBill")->text(), current(*bills_[0]));
+      QCOMPARE(find<QLabel>("currentItem")->text(),
+               "当前成本工料机：" + text(item_->code()) + "/" + text(item_->name()));
       QVERIFY(find<QLabel>("note")->text().startsWith("注：\n 1.预算工料机中已归集"));
-      QCOMPARE(shown(), QString("A(a b)"));
+      QCOMPARE(grid()->model()->rowCount(), 1);
       QVERIFY(grid()->isExpanded(grid()->model()->index(0, 0)));
-      const int width = bwidgets::Screen::getNoIncludeTaskbartWidget();
-      const int height = bwidgets::Screen::getNoIncludeTaskbartHeight();
-      QCOMPARE(view_->minimumSize(), QSize(width * 6 / 10, height * 7 / 10));
-    });
-  }
+      QCOMPARE(view->minimumSize(), QSize(bwidgets::Screen::getNoIncludeTaskbartWidget() * 6 / 10,
+                                          bwidgets::Screen::getNoIncludeTaskbartHeight() * 7 / 10));
 
-  void showsTheChosenBill() {
-    drive(true, [this] {
-      clickBill(1);
-      QCOMPARE(shown(), QString("B(a)"));
+      driver_.click(list()->viewport(), list()->visualItemRect(list()->item(1)).center());
+      QCOMPARE(find<QLabel>("currentBill")->text(), current(*bills_[1]));
       QVERIFY(grid()->isExpanded(grid()->model()->index(0, 0)));
-      QTest::keyClick(bills(), Qt::Key_Up);
-      QCOMPARE(shown(), QString("A(a b)"));
-      QCOMPARE(controller_.chosen, 3);
-      QTest::keyClick(bills(), Qt::Key_Up);  // nowhere to go
-      QCOMPARE(controller_.chosen, 3);
-      clickBill(1);
-      QCOMPARE(find<QLabel>("currentBill")->text(), QString("当前清单：B-1/挖土方/m3"));
-    });
+      QTest::keyClick(list(), Qt::Key_Up);
+      QCOMPARE(find<QLabel>("currentBill")->text(), current(*bills_[0]));
+    }));
   }
 
-  void showsEverythingWithoutTheList() {
-    controller_.setCurrentSubEngBill(op_->bills[0].get());
-    filter_->setCurrentSubEngBill(nullptr);
-    drive(false, [this] {
-      QVERIFY(!bills()->isVisible() && !otherBills()->isVisible());
-      QVERIFY(find<QLabel>("currentBill")->isVisible());
-      QCOMPARE(shown(), QString("A(a b) B(a)"));
-      QVERIFY(grid()->isExpanded(grid()->model()->index(1, 0)));
-      QCOMPARE(controller_.chosen, 1);
-    });
-  }
-
-  void poolsWhatIsCheckedAndTyped() {
-    drive(true, [this] {
-      clickCheck(a_);
-      clickCheck(b_);
-      type(a_, "4.5");  // with Return, which must not confirm
-      QTest::mouseClick(otherBills(), Qt::LeftButton);
-      clickBill(1);
-      for (QWidget* widget : {static_cast<QWidget*>(bills()), static_cast<QWidget*>(grid())}) {
+  // Return and Space belong to the grid and the list; only the button that has the keyboard acts.
+  void confirmsByTheButtonAlone() {
+    const auto pooled = [&] {
+      const auto& line = static_cast<const BudgetItem&>(*bills_[0]->child(0));
+      return !project().pooled(line, *item_).isZero();
+    };
+    QVERIFY(open([&] {
+      check(0);
+      for (QWidget* widget : std::initializer_list<QWidget*>{list(), grid()}) {
         widget->setFocus();
-        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
-          if (key != Qt::Key_Space || widget == bills()) QTest::keyClick(widget, key);
-          QVERIFY(view_->isVisible());
-        }
+        for (const int key : {Qt::Key_Return, Qt::Key_Enter}) driver_.key(key);
       }
-      QCOMPARE(op_->collected, 0);
+      list()->setFocus();
+      driver_.key(Qt::Key_Space);
+      QVERIFY(current() != nullptr && !pooled());
       button("确定")->setFocus();
-      QTest::keyClick(button("确定"), Qt::Key_Return);
-      QVERIFY(!view_->isVisible());
-    });
-    QCOMPARE(op_->collected, 1);
-    // The other bill's row keeps its whole quantity.
-    const std::map<std::string, double> wanted = {{"A.a", 4.5}, {"A.b", 2.5}, {"B.a", 7.0}};
-    QVERIFY(op_->pooled == wanted);
+      driver_.key(Qt::Key_Return);
+    }));
+    QVERIFY(pooled());
   }
 
-  void poolsNothingUnlessConfirmed_data() {
-    const tests::Rows<int> row{"how"};
-    row("cancel", 0);
-    row("escape", 1);
-    row("window closed", 2);
-    row("confirmed without a check", 3);
-  }
   void poolsNothingUnlessConfirmed() {
-    QFETCH(int, how);
-    drive(true, [&] {
-      if (how != 3) clickCheck(a_);
-      if (how == 0) clickButton("取消");
-      if (how == 1) QTest::keyClick(grid(), Qt::Key_Escape);
-      if (how == 2) view_->close();
-      if (how == 3) clickButton("确定");
-      QVERIFY(!view_->isVisible());
-    });
-    QCOMPARE(op_->collected, 0);
+    const std::string before = project().dump();
+    const std::function<void()> ways[] = {
+        [&] { press("取消"); }, [&] { driver_.key(Qt::Key_Escape); }, [&] { current()->close(); },
+        [&] {
+          check(0);
+          press("确定");
+        }};
+    for (const auto& leave : ways) {
+      QVERIFY(open([&] {
+        check(0);
+        leave();
+        QVERIFY(current() == nullptr);
+      }));
+      QVERIFY(project().dump() == before);
+    }
   }
 
-  void startsAnewWhenReused() {
-    drive(true, [this] {
-      clickCheck(a_);
-      clickBill(1);
+  void offersTheAssociatedBillsWhileTheyHaveSomething() {
+    QVERIFY(open([&] { QCOMPARE(listed(), int(bills_.size())); }));
+    change([&] {
+      project().associate(*item_, *bills_[2], false);
+      project().associate(*item_, *bills_[0], false);
     });
-    view_->cleanUpResources();
-    std::vector<proxy::Element*> none;
-    filter_->setSubEngineerBills(none);
-    QCOMPARE(bills()->count(), 0);
-    drive(true, [this] { QCOMPARE(shown(), QString("A(a b) B(a)")); });  // no bill to choose
-    fill();
-    drive(true, [this] {
-      QCOMPARE(shown(), QString("A(a b)"));
-      QCOMPARE(cell(a_, keys::NPChoose).data(Qt::CheckStateRole).toInt(), 0);
-      clickButton("确定");
-    });
-    QCOMPARE(op_->collected, 0);
+    QVERIFY(open([&] {
+      QCOMPARE(listed(), 2);  // in the order of the project
+      QVERIFY(list()->item(0)->text().startsWith(QString::fromStdString(bills_[0]->code.str())));
+    }));
+    change([&] { poolAll({bills_[0]}); });
+    QVERIFY(open([&] { QCOMPARE(listed(), 1); }));
+    change([&] { poolAll({bills_[2]}); });
+    QVERIFY(open([&] { QCOMPARE(listed(), int(bills_.size()) - 2); }));
+    change([&] { poolAll(bills_); });
+    QVERIFY(!open([] {}));
+    QVERIFY(fixture_->message().contains("没有可归集的清单"));
+  }
+
+  void poolsOneBillWithoutTheList() {
+    std::vector<proxy::Element*> changed;
+    opened().resItemController().setElementChanged(
+        [&](proxy::Element* element) { changed.push_back(element); });
+    QVERIFY(open(
+        [&] {
+          QVERIFY(!list()->isVisible());
+          QVERIFY(find<QLabel>("currentBill")
+                      ->text()
+                      .contains(QString::fromStdString(bills_[1]->name.str())));
+          check(0);
+          press("确定");
+        },
+        {bills_[1]}));
+    for (int row = 0; row < bills_[1]->childCount(); ++row) {
+      const auto& line = static_cast<const BudgetItem&>(*bills_[1]->child(row));
+      QCOMPARE(project().pooled(line, *item_), project().quantity(line));
+    }
+    QCOMPARE(opened().undo().stack()->count(), 1);
+    QVERIFY(std::count(changed.begin(), changed.end(), item_) == 1);  // the page hears of it, once
+    QVERIFY(item_->associated());
+    opened().resItemController().setElementChanged({});
+  }
+
+  // Nothing that the dialog kept may outlive what it was opened on.
+  void opensAgainAfterUndoAndAnotherProject() {
+    const auto poolFirst = [&] {
+      check(0);
+      press("确定");
+    };
+    const std::string before = project().dump();
+    QVERIFY(open(poolFirst));
+    QVERIFY(project().dump() != before);
+    opened().undo().stack()->undo();
+    QVERIFY(project().dump() == before);
+    QVERIFY(open([&] { check(0); }));  // closed: nothing is pooled
+    QVERIFY(project().dump() == before);
+    QCOMPARE(opened().undo().stack()->count(), 1);
+    QVERIFY(open([&] {
+      check(0);
+      // Meanwhile it opens no second time.
+      opened().poolingController().openPooling(item_);
+      QCOMPARE(listed(), int(bills_.size()));
+      press("取消");
+    }));
+    QVERIFY(project().dump() == before);
+    load();
+    QVERIFY(open(poolFirst));
+    QVERIFY(project().dump() != before);
+  }
+
+  void asksTheResourceItemPageFirst() {
+    auto& page = opened().resItemController();
+    QVERIFY(page.canCollectToCost(item_));
+    QVERIFY(!page.canCollectToCost(item_->group()));
+    QVERIFY(!page.canCollectToCost(nullptr));
+    opened().poolingController().openPooling(item_->group());
+    opened().poolingController().openPooling(nullptr);
+    QVERIFY(fixture_->channel.messages().empty());
   }
 
  private:
-  void fill() {
-    std::vector<proxy::Element*> all;
-    for (const auto& bill : op_->bills) all.push_back(bill.get());
-    filter_->setSubEngineerBills(all);
-    view_->setCurrentQCEGLJItem(item_.get());
-    QCOMPARE(op_->current, static_cast<proxy::Element*>(item_.get()));
-    view_->setAssociatedBills(all);
+  controllers::OpenProject& opened() { return *fixture_->opened(); }
+  records::Project& project() { return opened().project(); }
+
+  void load() {
+    QVERIFY(fixture_->open() != nullptr);
+    bills_ = fixture_->bills();
+    QVERIFY(bills_.size() > 3);
+    item_ = &fixture_->item(0, Category::Labour, 0);
+  }
+  template <class Change>
+  void change(Change what) {
+    const app::ScopedUndo undo("");
+    what();
+  }
+  void poolAll(const std::vector<records::Bill*>& bills) {
+    for (records::Bill* bill : bills) {
+      for (int row = 0; row < bill->childCount(); ++row) {
+        auto& line = static_cast<BudgetItem&>(*bill->child(row));
+        project().pool(line, *item_, project().remaining(line));
+      }
+    }
   }
 
-  // Opens the dialog, does what a user would and closes it where that has not.
-  void drive(bool withBills, const std::function<void()>& user) {
-    bool came = false;
-    QTimer poll;
-    connect(&poll, &QTimer::timeout, &poll, [&] {
-      if (!view_->isVisible()) return;
-      poll.stop();
-      came = true;
-      user();
-      if (view_->isVisible()) view_->reject();
+  // Opens the dialog, does `inside` there and closes it; false when none came up.
+  bool open(const std::function<void()>& inside, const std::vector<proxy::Element*>& bills = {}) {
+    const auto show = [&] {
+      if (bills.empty()) return opened().resItemController().collectToCost(item_);
+      opened().poolingController().openPooling(item_, bills, false);
+    };
+    return driver_.withPopup(show, [&](QWidget* dialog) {
+      inside();
+      if (current() != nullptr) dialog->close();
     });
-    poll.start(0);
-    view_->showDialog(withBills);
-    QVERIFY(came);
   }
-
+  static QWidget* current() { return QApplication::activeModalWidget(); }
   template <class Widget>
-  Widget* find(const QString& name) const {
-    auto* found = view_->findChild<Widget*>("NotionalPooling_" + name);
-    Q_ASSERT(found != nullptr);
-    return found;
+  static Widget* find(const QString& name) {
+    return current()->findChild<Widget*>("NotionalPooling_" + name);
   }
-  QListWidget* bills() const { return find<QListWidget>("bills"); }
-  gui::TreeGridView* grid() const { return find<gui::TreeGridView>("tree"); }
-  QPushButton* otherBills() const { return find<QPushButton>("otherBills"); }
-  QPushButton* button(const QString& text) const {
-    for (auto* button : view_->findChildren<QPushButton*>()) {
+  static QListWidget* list() { return find<QListWidget>("bills"); }
+  static int listed() { return list()->count(); }
+  static gui::TreeGridView* grid() { return find<gui::TreeGridView>("tree"); }
+  // Clicks the check box of a top-level row.
+  void check(int row) { driver_.clickCell(grid(), grid()->model()->index(row, 0)); }
+  static QPushButton* button(const QString& text) {
+    for (auto* button : current()->findChildren<QPushButton*>()) {
       if (button->text() == text) return button;
     }
-    return nullptr;
+    qFatal("no such button");
   }
-  void clickButton(const QString& text) { QTest::mouseClick(button(text), Qt::LeftButton); }
-  void clickBill(int row) {
-    QTest::mouseClick(bills()->viewport(), Qt::LeftButton, {},
-                      bills()->visualItemRect(bills()->item(row)).center());
-  }
-  QModelIndex cell(proxy::Element* element, const std::string& key) const {
-    return filter_->makeIndex(element, filter_->getColumnIndex(key));
-  }
-  void clickCheck(proxy::Element* element) {
-    const QModelIndex at = cell(element, keys::NPChoose);
-    const int before = at.data(Qt::CheckStateRole).toInt();
-    QTest::mouseClick(grid()->viewport(), Qt::LeftButton, {}, grid()->visualRect(at).center());
-    QCOMPARE(at.data(Qt::CheckStateRole).toInt(), 2 - before);
-  }
-  void type(proxy::Element* element, const QString& text) {
-    const QModelIndex at = cell(element, keys::NPCollectionAmount);
-    QTest::mouseClick(grid()->viewport(), Qt::LeftButton, {}, grid()->visualRect(at).center());
-    QTest::mouseDClick(grid()->viewport(), Qt::LeftButton, {}, grid()->visualRect(at).center());
-    QPointer<QLineEdit> editor;
-    for (auto* line : grid()->viewport()->findChildren<QLineEdit*>()) {
-      if (line->isVisible()) editor = line;
-    }
-    QVERIFY(editor != nullptr);
-    QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(editor, text);
-    QTest::keyClick(editor, Qt::Key_Return);
-    QTRY_VERIFY(editor == nullptr);
-  }
-  QString shown() const { return QString::fromStdString(tests::treeText(*filter_)); }
+  void press(const QString& text) { driver_.click(button(text)); }
 
-  std::unique_ptr<tests::RecordingServices> services_;
-  std::unique_ptr<Fake> op_;
-  std::unique_ptr<gui::qce::QCENotionalPoolingModelImpl> model_;
-  std::unique_ptr<gui::qce::QCENotionalPoolingFilterModelImpl> filter_;
-  Controller controller_;
-  scoped_refptr<Node> item_;
-  std::unique_ptr<gui::qce::QCENotionalPoolingViewImpl> view_;
-  Node* a_ = nullptr;
-  Node* b_ = nullptr;
-  Node* a2_ = nullptr;
+  std::unique_ptr<tests::ProjectFixture> fixture_;
+  std::vector<records::Bill*> bills_;
+  records::ResourceItem* item_ = nullptr;
+  cli::Driver driver_;
 };
 
-QCE_WIDGET_TEST_MAIN(TestNotionalPoolingView)
+QCE_WIDGET_TEST_MAIN(NotionalPoolingViewTest)
 #include "tst_notional_pooling_view.moc"

@@ -1,18 +1,15 @@
 #pragma once
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
-#include "host/app/services.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/sub_engineering_operator.h"
 #include "tests/support/test_elements.h"
 
 namespace tests {
 
-/// The host side of the sub-engineering page in memory: nodes, bills and resource rows. An
-/// expression is a plain number, or one of these with "+" between them.
+/// The host side of the sub-engineering page in memory: nodes, bills and resource rows.
 class FakeSubEngineeringOperator : public NodeHost<domain::SubEngineeringOperator> {
  public:
   FakeSubEngineeringOperator() {
@@ -36,14 +33,10 @@ class FakeSubEngineeringOperator : public NodeHost<domain::SubEngineeringOperato
   Node* node(const std::string& code, const std::string& name) {
     return fill(tree.add(code), name);
   }
-  static Node* bill(Node* above, const std::string& code, const std::string& name,
-                    double quantity = 1.0) {
+  static Node* bill(Node* above, const std::string& code, const std::string& name) {
     return fill(above->add(code), name)
         ->set("bill", true)
-        ->set(domain::keys::SEUnit, std::string("m3"))
-        ->set(domain::keys::SEQuantity, quantity)
-        ->set(domain::keys::SECalcExpr, std::string())
-        ->set(domain::keys::SEType, std::string("实体"));
+        ->set(domain::keys::SEUnit, std::string("m3"));
   }
   static Node* resource(Node* bill, const std::string& code, const std::string& name) {
     return fill(bill->add(code), name)->set("resource", true);
@@ -54,30 +47,13 @@ class FakeSubEngineeringOperator : public NodeHost<domain::SubEngineeringOperato
 
   bool getValue(const proxy::Element* element, const std::string& key, int role,
                 domain::Value& out) const override {
-    if (role == domain::ChoicesRole && key == domain::keys::SEType && has(element, "bill")) {
-      out = getTypes();
-      return true;
-    }
     const bool found = NodeHost::getValue(element, key, role, out);
     reads += found ? 1 : 0;
     return found;
   }
   bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
-                int /*role*/) override {
-    if (!has(element, "bill") || element == refused) return false;
-    auto* node = static_cast<Node*>(element);
-    if (key == domain::keys::SECalcExpr) {
-      const std::string expression = std::get<std::string>(value);
-      double quantity = 1.0;
-      std::string error;
-      if (!expression.empty() && !evaluate(element, expression, quantity, error)) {
-        app::qce::GetQCEChannel()->message(error, 0x400);
-        return false;
-      }
-      node->set(domain::keys::SEQuantity, quantity);
-    }
-    node->set(key, value);
-    return true;
+                int role) override {
+    return has(element, "bill") && NodeHost::setValue(element, key, value, role);
   }
   bool isEditable(const proxy::Element* element, const std::string& key) const override {
     return has(element, "bill") && key != domain::keys::SEQuantity;
@@ -96,39 +72,17 @@ class FakeSubEngineeringOperator : public NodeHost<domain::SubEngineeringOperato
     }
   }
   std::vector<std::pair<std::string, proxy::Element*>> getSubProjects() const override {
-    return subProjects;
+    return {};
   }
-  std::vector<std::string> getTypes() const override { return {"实体", "措施", "分包"}; }
-  bool getQuantityDetail(const proxy::Element* element, domain::QuantityLines& out) const override {
-    if (!has(element, "bill")) return false;
-    out = element == detailed ? detail : domain::QuantityLines();
-    return true;
+  std::vector<std::string> getTypes() const override { return {}; }
+  bool getQuantityDetail(const proxy::Element*, domain::QuantityLines&) const override {
+    return false;
   }
-  bool setQuantityDetail(proxy::Element* element, const domain::QuantityLines& lines) override {
-    if (element == refused) return false;
-    detailed = element;
-    detail = lines;
-    return true;
-  }
-  bool evaluate(const proxy::Element* /*element*/, const std::string& expression, double& value,
-                std::string& error) const override {
-    value = 0.0;
-    for (const char* at = expression.c_str();;) {
-      char* end = nullptr;
-      value += std::strtod(at, &end);
-      if (end != at && *end == '\0') return true;
-      if (end == at || *end != '+') {
-        error = "第 " + std::to_string(end - expression.c_str() + 1) + " 个字符不能识别";
-        return false;
-      }
-      at = end + 1;
-    }
+  bool setQuantityDetail(proxy::Element*, const domain::QuantityLines&) override { return false; }
+  bool evaluate(const proxy::Element*, const std::string&, double&, std::string&) const override {
+    return false;
   }
 
-  proxy::Element* refused = nullptr;  ///< a bill that takes no writes
-  const proxy::Element* detailed = nullptr;
-  domain::QuantityLines detail;
-  std::vector<std::pair<std::string, proxy::Element*>> subProjects;
   mutable int reads = 0;
 
  private:

@@ -1,15 +1,9 @@
 #include "workbench/controllers/indirect_fee_controller.h"
 
 #include "host/app/scoped_undo.h"
-#include "host/app/services.h"
+#include "workbench/operators/refusal.h"
 
 namespace controllers {
-
-namespace {
-
-constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbers are the toolkit's
-
-}  // namespace
 
 IndirectFeeController::IndirectFeeController(records::Project& project,
                                              operators::IndirectFeeRightOperator& items)
@@ -35,7 +29,7 @@ proxy::Element* IndirectFeeController::addItem(proxy::Element* group) {
     data.name = "新增费用";
     item.reset(&project_.addFee(*into, data));
   } catch (const records::Refusal& refusal) {
-    app::qce::GetQCEChannel()->message(refusal.what(), OkButton);
+    operators::refuse(refusal.what());
     return nullptr;
   }
   // Gone again where it could not be stored.
@@ -56,7 +50,7 @@ bool IndirectFeeController::removeItems(const std::vector<proxy::Element*>& item
     for (const auto& fee : fees) project_.removeFee(*fee);
   } catch (const records::Refusal& refusal) {
     app::GetUndoService()->abandonScope();
-    app::qce::GetQCEChannel()->message(refusal.what(), OkButton);
+    operators::refuse(refusal.what());
     return false;
   }
   return !fees.empty();

@@ -7,16 +7,15 @@
 #include <utility>
 
 #include "host/app/scoped_undo.h"
-#include "host/app/services.h"
 #include "host/domain/field_keys.h"
+#include "workbench/operators/columns.h"
+#include "workbench/operators/refusal.h"
 
 namespace operators {
 namespace {
 
 using domain::Value;
 namespace keys = domain::keys;
-
-constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbers are the toolkit's
 
 /// A unit work or a section.
 class SectionRow : public records::Branch {
@@ -70,33 +69,25 @@ bool sectionValue(const SectionRow& section, const std::string& key, int role, V
   }
 }
 
-domain::DataField textField(const char* name) {
-  domain::DataField field;
-  field.displayName = name;
-  return field;
-}
-
 }  // namespace
 
 std::unique_ptr<domain::DisplayTable> makeAssociationSectionTable() {
   auto table = std::make_unique<domain::DisplayTable>("QCE_AssociationBillLeft");
-  table->getHeader()->addColumn(keys::SEName, textField("单位工程 / 分部")).width = 220;
+  table->getHeader()
+      ->addColumn(keys::SEName, makeField("单位工程 / 分部", domain::StringField))
+      .width = 220;
   return table;
 }
 
 std::unique_ptr<domain::DisplayTable> makeAssociationBillTable() {
   auto table = std::make_unique<domain::DisplayTable>("QCE_AssociationBillRight");
   domain::DisplayRow& header = *table->getHeader();
-  header.addColumn(keys::SECode, textField("项目编码")).width = 185;
-  header.addColumn(keys::SEName, textField("项目名称")).width = 190;
-  header.addColumn(keys::BRIAssociation, textField("已关联")).width = 60;
-  header.addColumn(keys::SEUnit, textField("单位")).width = 55;
-  domain::DataField quantity = textField("工程量");
-  quantity.type = domain::FloatingPointField;
-  quantity.precision = costing::MaxQuantityPlaces;
-  quantity.stripTrailingZeros = true;
-  header.addColumn(keys::SEAmount, std::move(quantity)).width = 95;
-  header.addColumn(keys::SEProjFeatures, textField("项目特征")).width = 260;
+  header.addColumn(keys::SECode, makeField("项目编码", domain::StringField)).width = 185;
+  header.addColumn(keys::SEName, makeField("项目名称", domain::StringField)).width = 190;
+  header.addColumn(keys::BRIAssociation, makeField("已关联", domain::StringField)).width = 60;
+  header.addColumn(keys::SEUnit, makeField("单位", domain::StringField)).width = 55;
+  header.addColumn(keys::SEAmount, makeField("工程量", domain::FloatingPointField)).width = 95;
+  header.addColumn(keys::SEProjFeatures, makeField("项目特征", domain::StringField)).width = 260;
   return table;
 }
 
@@ -382,7 +373,7 @@ bool AssociationBillOperator::associate(const Elements& bills, const Elements& c
     }
     if (!refusal.empty()) undo.abandon();
   }
-  if (!refusal.empty()) app::qce::GetQCEChannel()->message(refusal, OkButton);
+  if (!refusal.empty()) refuse(refusal);
   // A step that could not be stored was taken back, too; the user has been told.
   readAssociations();
   const auto associated = [this](proxy::Element* row) { return isAssociated(row); };

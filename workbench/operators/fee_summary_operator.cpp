@@ -3,6 +3,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "workbench/operators/columns.h"
+
 namespace operators {
 
 namespace summary_keys {
@@ -90,14 +92,10 @@ SummaryRow::SummaryRow(std::int64_t id, const SummaryLine& from)
 std::unique_ptr<domain::DisplayTable> makeFeeSummaryTable() {
   auto table = std::make_unique<domain::DisplayTable>("QCE_FeeSummary");
   domain::DisplayRow& header = *table->getHeader();
-  domain::DataField name;
-  name.displayName = "名称";
-  header.addColumn(summary_keys::Name, std::move(name)).width = 215;
+  header.addColumn(summary_keys::Name, makeField("名称", domain::StringField)).width = 215;
   const auto addNumber = [&header](const std::string& key, const char* text, int width) {
-    domain::DataField field;
-    field.displayName = text;
-    field.type = domain::FloatingPointField;
-    field.precision = costing::MoneyPlaces;
+    domain::DataField field =
+        makeField(text, domain::FloatingPointField, costing::MoneyPlaces, false);
     field.thousandsSeparators = true;
     header.addColumn(key, std::move(field)).width = width;
   };

@@ -3,12 +3,12 @@
 #include <array>
 #include <optional>
 #include <stdexcept>
-#include <unordered_map>
 #include <utility>
 
 #include "host/app/scoped_undo.h"
-#include "host/app/services.h"
 #include "host/domain/field_keys.h"
+#include "workbench/operators/columns.h"
+#include "workbench/operators/refusal.h"
 
 namespace operators {
 
@@ -24,7 +24,6 @@ namespace keys = domain::keys;
 
 namespace {
 
-constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbers are the toolkit's
 constexpr int RatePlaces = 4;
 const base::Color Alarm{0xc0, 0x20, 0x20};
 
@@ -88,25 +87,13 @@ const std::array<ColumnInfo, ColumnCount>& columns() {
 }
 
 int columnOf(const std::string& key) {
-  static const std::unordered_map<std::string, int> numbers = [] {
-    std::unordered_map<std::string, int> result;
-    for (int i = 0; i < ColumnCount; ++i) result[columns()[static_cast<std::size_t>(i)].key] = i;
-    return result;
-  }();
-  const auto found = numbers.find(key);
-  return found == numbers.end() ? -1 : found->second;
+  static const ColumnNumbers numbers(columns());
+  return numbers.of(key);
 }
 
 domain::DataField fieldOf(const char* name, int type, int places) {
-  domain::DataField field;
-  field.displayName = name;
-  field.type = type;
-  if (type == domain::FloatingPointField) {
-    field.precision = places;
-    field.stripTrailingZeros = places != costing::MoneyPlaces;
-    field.zeroShowsEmpty = false;
-    field.thousandsSeparators = true;
-  }
+  domain::DataField field = makeField(name, type, places, places != costing::MoneyPlaces);
+  field.thousandsSeparators = type == domain::FloatingPointField;
   return field;
 }
 
@@ -118,11 +105,6 @@ void addGroups(records::RowList& into, const records::RowList& from) {
     into.append(made);
     addGroups(made->rows(), group->rows());
   }
-}
-
-bool refuse(const std::string& message) {
-  app::qce::GetQCEChannel()->message(message, OkButton);
-  return false;
 }
 
 std::string label(const IndirectFeeItem& item) {

@@ -7,8 +7,9 @@
 #include <utility>
 
 #include "host/app/scoped_undo.h"
-#include "host/app/services.h"
 #include "host/domain/field_keys.h"
+#include "workbench/operators/columns.h"
+#include "workbench/operators/refusal.h"
 
 namespace operators {
 
@@ -40,8 +41,6 @@ class NotionalPoolingOperator::ItemRow final : public records::Record {
 };
 
 namespace {
-
-constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbers are the toolkit's
 
 enum Column {
   Choose,
@@ -85,9 +84,8 @@ const std::array<ColumnInfo, ColumnCount>& columns() {
 }
 
 int columnOf(const std::string& key) {
-  const auto found = std::find_if(columns().begin(), columns().end(),
-                                  [&key](const ColumnInfo& info) { return info.key == key; });
-  return found == columns().end() ? -1 : static_cast<int>(found - columns().begin());
+  static const ColumnNumbers numbers(columns());
+  return numbers.of(key);
 }
 
 // What of the budget amount counts in the home of the budget item by its remainder.
@@ -135,21 +133,7 @@ const std::string* textOf(const records::BudgetItem& item, int column) {
 }  // namespace
 
 std::unique_ptr<domain::DisplayTable> makeNotionalPoolingTable() {
-  auto table = std::make_unique<domain::DisplayTable>("QCE_NotionalPooling");
-  domain::DisplayRow& header = *table->getHeader();
-  for (const ColumnInfo& info : columns()) {
-    domain::DataField field;
-    field.displayName = info.name;
-    field.type = info.type;
-    if (info.type == domain::FloatingPointField) {
-      field.precision = info.money ? costing::MoneyPlaces : costing::MaxQuantityPlaces;
-      field.stripTrailingZeros = !info.money;
-      // Without separators: what a row shows is read back as a number, and sorted by.
-      field.zeroShowsEmpty = false;
-    }
-    header.addColumn(info.key, std::move(field)).width = info.width;
-  }
-  return table;
+  return makeTable("QCE_NotionalPooling", columns());
 }
 
 NotionalPoolingOperator::NotionalPoolingOperator(records::Project& project)
@@ -357,7 +341,7 @@ void NotionalPoolingOperator::collectToQCEResItem(
               "”归集后的合价超出可计算的范围，本次归集已全部取消。";
   }
   undo.abandon();
-  app::qce::GetQCEChannel()->message(refusal, OkButton);
+  refuse(refusal);
 }
 
 }  // namespace operators

@@ -12,6 +12,8 @@
 #include "host/app/services.h"
 #include "host/domain/field_keys.h"
 #include "workbench/costing/expression.h"
+#include "workbench/operators/columns.h"
+#include "workbench/operators/refusal.h"
 
 namespace operators {
 
@@ -42,7 +44,6 @@ class ResItemBillOperator::Row final : public records::Record {
 
 namespace {
 
-constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbers are the toolkit's
 constexpr int YesButton = 0x4000;
 constexpr int NoButton = 0x10000;
 
@@ -77,14 +78,12 @@ struct ColumnInfo {
   const char* name;
   int type;
   int width;
-  int precision = costing::MaxQuantityPlaces;
-  bool strip = true;
+  bool money = false;
 };
 
 // A function, since the keys must be there first.
 const std::array<ColumnInfo, ColumnCount>& columns() {
   using namespace domain;
-  constexpr int money = costing::MoneyPlaces;
   static const std::array<ColumnInfo, ColumnCount> all = {{
       {keys::BRIAssociation, "关联", StringField, 50},
       {keys::SECode, "清单编码", StringField, 115},
@@ -92,52 +91,29 @@ const std::array<ColumnInfo, ColumnCount>& columns() {
       {keys::SEProjFeatures, "项目特征", StringField, 150},
       {keys::SEUnit, "单位", StringField, 50},
       {keys::SEAmount, "清单工程量", FloatingPointField, 95},
-      {keys::SEBudgetContent, "预算含量", FloatingPointField, 80, InputPlaces},
+      {keys::SEBudgetContent, "预算含量", FloatingPointField, 80},
       {keys::SEContent, "实际含量", StringField, 80},
       {keys::SECoefficient, "系数", FloatingPointField, 60},
       {keys::SEBudgetAmount, "预算数量", FloatingPointField, 95},
       {keys::SECostAmount, "成本数量", FloatingPointField, 95},
-      {keys::BRIExcludedTaxFee, "预算不含税单价（元）", FloatingPointField, 145, money, false},
-      {keys::BRIExcludedTaxTotalCost, "预算不含税合价（元）", FloatingPointField, 145, money,
-       false},
-      {keys::BRIBillUnitPrice, "清单单价（元）", FloatingPointField, 135, money, false},
-      {keys::RIExcludedTaxFee, "分包不含税成本单价（元）", FloatingPointField, 170, money, false},
-      {keys::RIExcludedTaxTotalCost, "成本不含税合价（元）", FloatingPointField, 145, money, false},
+      {keys::BRIExcludedTaxFee, "预算不含税单价（元）", FloatingPointField, 145, true},
+      {keys::BRIExcludedTaxTotalCost, "预算不含税合价（元）", FloatingPointField, 145, true},
+      {keys::BRIBillUnitPrice, "清单单价（元）", FloatingPointField, 135, true},
+      {keys::RIExcludedTaxFee, "分包不含税成本单价（元）", FloatingPointField, 170, true},
+      {keys::RIExcludedTaxTotalCost, "成本不含税合价（元）", FloatingPointField, 145, true},
   }};
   return all;
 }
 
 int columnOf(const std::string& key) {
-  static const std::unordered_map<std::string, int> numbers = [] {
-    std::unordered_map<std::string, int> result;
-    for (int i = 0; i < ColumnCount; ++i) result[columns()[static_cast<std::size_t>(i)].key] = i;
-    return result;
-  }();
-  const auto found = numbers.find(key);
-  return found == numbers.end() ? -1 : found->second;
+  static const ColumnNumbers numbers(columns());
+  return numbers.of(key);
 }
 
-std::unique_ptr<domain::DisplayTable> makeTable(const std::string& name) {
-  auto table = std::make_unique<domain::DisplayTable>(name);
-  domain::DisplayRow& header = *table->getHeader();
-  for (const ColumnInfo& info : columns()) {
-    domain::DataField field;
-    field.displayName = info.name;
-    field.type = info.type;
-    if (info.type == domain::FloatingPointField) {
-      // Without separators: what a column shows is what it sorts by.
-      field.precision = info.precision;
-      field.stripTrailingZeros = info.strip;
-      field.zeroShowsEmpty = false;
-    }
-    header.addColumn(info.key, std::move(field)).width = info.width;
-  }
+std::unique_ptr<domain::DisplayTable> makeBillTable(const std::string& name) {
+  auto table = makeTable(name, columns());
+  table->getHeader()->column(keys::SEBudgetContent)->field->precision = InputPlaces;
   return table;
-}
-
-bool tell(const std::string& message) {
-  app::qce::GetQCEChannel()->message(message, OkButton);
-  return false;
 }
 
 std::string nameOf(const records::Bill& bill) {
@@ -224,8 +200,8 @@ bool put(Value& out, const std::string& text) {
 
 ResItemBillOperator::ResItemBillOperator(records::Project& project)
     : project_(project),
-      ordinary_(makeTable(OrdinaryTable)),
-      subcontract_(makeTable(SubcontractTable)),
+      ordinary_(makeBillTable(OrdinaryTable)),
+      subcontract_(makeBillTable(SubcontractTable)),
       root_(new records::Group) {}
 
 ResItemBillOperator::~ResItemBillOperator() = default;
@@ -489,9 +465,9 @@ bool ResItemBillOperator::change(const Rows& rows, const std::string& what,
     try {
       to(terms);
     } catch (const records::Refusal& refused) {
-      return tell(place(row->bill(), what) + refused.what() + cancelled);
+      return refuse(place(row->bill(), what) + refused.what() + cancelled);
     } catch (const std::overflow_error&) {
-      return tell(place(row->bill(), what) + "超出可计算的范围，请重新输入。" + cancelled);
+      return refuse(place(row->bill(), what) + "超出可计算的范围，请重新输入。" + cancelled);
     }
     changes.emplace_back(&row->bill(), terms);
   }
@@ -510,7 +486,7 @@ bool ResItemBillOperator::change(const Rows& rows, const std::string& what,
     }
     if (!refusal.empty()) undo.abandon();
   }
-  return refusal.empty() || tell(refusal + cancelled);
+  return refusal.empty() || refuse(refusal + cancelled);
 }
 
 bool ResItemBillOperator::setCoefficient(const Rows& rows, double coefficient, bool multiply) {
@@ -564,7 +540,7 @@ bool ResItemBillOperator::withdraw(const Rows& rows) {
     }
     if (!refusal.empty()) undo.abandon();
   }
-  return refusal.empty() || tell(refusal);
+  return refusal.empty() || refuse(refusal);
 }
 
 bool ResItemBillOperator::disassociateBill(const Rows& rows) {
@@ -574,7 +550,7 @@ bool ResItemBillOperator::disassociateBill(const Rows& rows) {
     if (project_.terms(*item_, *bill).associated) bills.push_back(bill);
   }
   const int pooled = pooledCount(bills);
-  if (bills.empty()) return tell("选中的清单都没有关联到当前人材机，请选择已关联（√）的清单。");
+  if (bills.empty()) return refuse("选中的清单都没有关联到当前人材机，请选择已关联（√）的清单。");
   if (pooled > 0) {
     const std::string question = "有 " + std::to_string(pooled) +
                                  " 条清单的预算工料机已归集到当前人材机，取消关联后这些数量将退回。"
@@ -598,7 +574,7 @@ bool ResItemBillOperator::disassociateBill(const Rows& rows) {
     }
     if (!refusal.empty()) undo.abandon();
   }
-  return refusal.empty() || tell(refusal);
+  return refusal.empty() || refuse(refusal);
 }
 
 }  // namespace operators

@@ -5,14 +5,14 @@
 #include <optional>
 #include <stdexcept>
 #include <typeinfo>
-#include <unordered_map>
 #include <utility>
 
 #include "host/app/scoped_undo.h"
-#include "host/app/services.h"
 #include "host/base/number_text.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/res_item_marks.h"
+#include "workbench/operators/columns.h"
+#include "workbench/operators/refusal.h"
 
 namespace operators {
 namespace {
@@ -23,8 +23,6 @@ using domain::Value;
 using records::ItemField;
 using records::ResourceGroup;
 using records::ResourceItem;
-
-constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbers are the toolkit's
 
 constexpr int MaxPricePlaces = 6;
 constexpr int MaxTaxRatePlaces = 4;
@@ -91,13 +89,8 @@ const std::array<ColumnInfo, ColumnCount>& columns() {
 }
 
 int lookedUpColumn(const std::string& key) {
-  static const std::unordered_map<std::string, int> numbers = [] {
-    std::unordered_map<std::string, int> result;
-    for (int i = 0; i < ColumnCount; ++i) result[columns()[static_cast<std::size_t>(i)].key] = i;
-    return result;
-  }();
-  const auto found = numbers.find(key);
-  return found == numbers.end() ? -1 : found->second;
+  static const ColumnNumbers numbers(columns());
+  return numbers.of(key);
 }
 
 // A view asks cell after cell with the keys of one display table. Where such a key stands tells
@@ -126,11 +119,6 @@ const ResourceItem* itemOf(const proxy::Element* element) {
 
 ResourceItem* itemOf(proxy::Element* element) {
   return const_cast<ResourceItem*>(itemOf(static_cast<const proxy::Element*>(element)));
-}
-
-bool refuse(const std::string& message) {
-  app::qce::GetQCEChannel()->message(message, OkButton);
-  return false;
 }
 
 std::string nameOf(const ResourceItem& item) {
@@ -214,20 +202,8 @@ bool allAssociated(const proxy::Element& element) {
 }  // namespace
 
 std::unique_ptr<domain::DisplayTable> makeResItemTable() {
-  auto table = std::make_unique<domain::DisplayTable>("QCE_ResItem");
+  auto table = makeTable("QCE_ResItem", columns());
   domain::DisplayRow& header = *table->getHeader();
-  for (const ColumnInfo& info : columns()) {
-    domain::DataField field;
-    field.displayName = info.name;
-    field.type = info.type;
-    if (info.type == domain::FloatingPointField) {
-      field.precision = info.money ? costing::MoneyPlaces : costing::MaxQuantityPlaces;
-      field.stripTrailingZeros = !info.money;
-      // No thousands separators: a sort compares what is shown, and "1,200.00" is no number to it.
-      field.zeroShowsEmpty = false;
-    }
-    header.addColumn(info.key, std::move(field)).width = info.width;
-  }
   header.addHeaderGroup(
       "QCE_ResItemPrice", "成本单价",
       {domain::keys::BRIExcludedTaxFee, domain::keys::BRITaxRate, domain::keys::BRIIncludedTaxFee});

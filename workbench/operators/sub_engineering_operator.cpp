@@ -6,8 +6,9 @@
 #include <typeinfo>
 
 #include "host/app/scoped_undo.h"
-#include "host/app/services.h"
 #include "host/domain/field_keys.h"
+#include "workbench/operators/columns.h"
+#include "workbench/operators/refusal.h"
 
 namespace operators {
 namespace {
@@ -17,8 +18,6 @@ using records::Bill;
 using records::BudgetItem;
 using records::StructureNode;
 namespace keys = domain::keys;
-
-constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbers are the toolkit's
 
 constexpr std::size_t MaxCodeBytes = std::size_t(64) * 3;
 constexpr std::size_t MaxTextBytes = std::size_t(500) * 3;
@@ -195,26 +194,14 @@ std::string nameOf(const Bill& bill) {
   return "清单“" + bill.code.str() + " " + bill.name.str() + "”";
 }
 
-bool refuse(const std::string& message) {
-  app::qce::GetQCEChannel()->message(message, OkButton);
-  return false;
-}
-
 }  // namespace
 
 std::unique_ptr<domain::DisplayTable> makeSubEngineeringTable() {
-  auto table = std::make_unique<domain::DisplayTable>("QCE_SubEngineering");
+  auto table = makeTable("QCE_SubEngineering", columns());
   domain::DisplayRow& header = *table->getHeader();
+  // Nothing sorts this page, so that its money may have separators.
   for (const ColumnInfo& info : columns()) {
-    domain::DataField field;
-    field.displayName = info.name;
-    field.type = info.type;
-    if (info.type == domain::FloatingPointField) {
-      field.precision = info.money ? costing::MoneyPlaces : costing::MaxQuantityPlaces;
-      field.stripTrailingZeros = !info.money;
-      field.thousandsSeparators = info.money;
-    }
-    header.addColumn(info.key, std::move(field)).width = info.width;
+    header.column(info.key)->field->thousandsSeparators = info.money;
   }
   header.addHeaderGroup("QCE_SEQuantities", "工程量",
                         {keys::SEQuantityBillTendering, keys::SECalcExpr, keys::SEQuantity});

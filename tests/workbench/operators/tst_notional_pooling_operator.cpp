@@ -3,7 +3,6 @@
 #include <QUndoStack>
 #include <QtTest>
 #include <memory>
-#include <set>
 
 #include "host/domain/field_keys.h"
 #include "pooling/notional_pooling_filter_model.h"
@@ -106,26 +105,6 @@ class NotionalPoolingOperatorTest : public QObject {
     QCOMPARE(opened().undo().stack()->count(), steps);
     QCOMPARE(fixture_->channel.messages().size(), std::size_t(1));
     QVERIFY(!fixture_->channel.messages()[0].text.empty());
-  }
-
-  void findsTheSameResourceInOtherBills() {
-    int found = 0;
-    for (BudgetItem* line : lines_) {
-      std::set<std::int64_t> wanted;
-      for (BudgetItem* other : lines_) {
-        if (&project().billOf(*other) != &project().billOf(*line) &&
-            other->category == line->category && other->name == line->name &&
-            other->spec == line->spec && other->unit == line->unit) {
-          wanted.insert(other->id());
-        }
-      }
-      std::set<std::int64_t> got;
-      for (proxy::Element* row : op_->getSameRowsOfOtherBills(rowOf(*line))) got.insert(row->id());
-      QVERIFY(got == wanted);
-      found += int(wanted.size());
-    }
-    QVERIFY(found > 0);
-    QVERIFY(op_->getSameRowsOfOtherBills(model_->getInternalData(model_->index(0, 0))).empty());
   }
 
  private:

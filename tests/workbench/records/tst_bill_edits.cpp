@@ -1,10 +1,8 @@
 #include <QtTest>
-#include <random>
 
-#include "host/app/scoped_undo.h"
 #include "tests/support/rows.h"
-#include "tests/workbench/project_fixture.h"
 #include "workbench/records/bill_costs.h"
+#include "workbench/records/project.h"
 #include "workbench/records/project_builder.h"
 
 using costing::Decimal;
@@ -158,78 +156,6 @@ class TestBillEdits : public QObject {
     }
     QVERIFY(example.project.dump() == before);
     QVERIFY(!example.project.hasRecorded());
-  }
-
-  void survivesStorageAndUndoAmongBookings_data() {
-    const tests::Rows<unsigned> row{"seed"};
-    for (unsigned seed = 1; seed <= 3; ++seed) row(qPrintable(QString::number(seed)), seed);
-  }
-  void survivesStorageAndUndoAmongBookings() {
-    QFETCH(unsigned, seed);
-    std::mt19937 random(seed);
-    const auto pick = [&random](std::size_t below) { return random() % below; };
-    tests::ProjectFixture fixture;
-    controllers::OpenProject* opened = fixture.open();
-    Project& project = opened->project();
-    std::vector<Bill*> bills = fixture.bills();
-    bills.resize(std::min<std::size_t>(bills.size(), 12));
-    std::vector<ResourceItem*> items;
-    for (ResourceItem* item : fixture.items()) {
-      if (&item->group()->unitWork() == project.unitWorks().front()) items.push_back(item);
-    }
-    const std::string before = project.dump();
-    const costing::Decimal budget = project.totals().budget;
-    const char* const expressions[] = {"工程量*1.05", "工程量/3", "建筑面积×0.1",
-                                       "0",           "123.456",  ""};
-    for (int step = 0; step < 60; ++step) {
-      Bill& bill = *bills[pick(bills.size())];
-      ResourceItem& item = *items[pick(items.size())];
-      const app::ScopedUndo undo("");
-      try {
-        switch (pick(4)) {
-          case 0: {
-            if (bill.rows().size() == 0) break;
-            auto& line = *static_cast<BudgetItem*>(
-                bill.rows().at(static_cast<int>(pick(std::size_t(bill.rows().size())))));
-            project.pool(line, item, project.remaining(line) / 2);
-            break;
-          }
-          case 1: {
-            LineTerms terms = project.terms(item, bill);
-            terms.associated = true;
-            terms.coefficient = dec("1.25");
-            if (pick(2) == 0) terms.content = dec("0.333");
-            if (pick(3) == 0) terms.price = dec("45.678");
-            project.setTerms(item, bill, terms);
-            break;
-          }
-          default: {
-            BillData data = bill.data();
-            data.quantityLines.clear();
-            data.expression = project.texts.intern(expressions[pick(6)]);
-            if (pick(4) == 0) {
-              data.quantityLines.push_back({data.expression, data.expression});
-              data.expression = {};
-            }
-            data.remark = project.texts.intern("第" + std::to_string(step));
-            data.account = project.allAccounts()[pick(project.allAccounts().size())];
-            project.set(bill, data);
-          }
-        }
-      } catch (const records::Refusal&) {  // nothing has changed then
-      }
-    }
-    const std::string after = project.dump();
-    QVERIFY(after != before);
-    QVERIFY(project.totals().budget == budget);
-    QUndoStack& stack = *opened->undo().stack();
-    const int done = stack.index();
-    stack.setIndex(0);
-    QVERIFY(project.dump() == before);
-    stack.setIndex(done);
-    QVERIFY(project.dump() == after);
-    QVERIFY(fixture.open()->project().dump() == after);
-    QCOMPARE(fixture.checked(), QString());
   }
 };
 

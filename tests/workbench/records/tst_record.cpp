@@ -95,14 +95,6 @@ class RecordTest : public QObject {
     QCOMPARE(shown(group->rows(), nullptr), QStringLiteral("2 3 1"));
   }
 
-  void outlivesItsParent() {
-    scoped_refptr<Branch> branch(new Branch(1));
-    const scoped_refptr<Record> below(new Record(2));
-    branch->rows().append(below);
-    branch.reset();
-    QVERIFY(below->parent() == nullptr);
-  }
-
   void sharesEqualTexts() {
     records::TextPool pool;
     const records::Text first = pool.intern("螺纹钢");

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+#include "host/domain/display_table.h"
+#include "workbench/costing/rules.h"
+
+namespace operators {
+
+/// The field of a column. `places` and `strip`, which leaves out zeros at the end, are for numbers
+/// alone. These have no separators, so that what is shown is read back as a number and sorted by.
+domain::DataField makeField(const char* name, int type, int places = costing::MaxQuantityPlaces,
+                            bool strip = true);
+
+/// A table of `columns`: each has a `key`, a `name`, a `type`, a `width`, and may hold `money`.
+template <class Columns>
+std::unique_ptr<domain::DisplayTable> makeTable(const std::string& name, const Columns& columns) {
+  auto table = std::make_unique<domain::DisplayTable>(name);
+  for (const auto& column : columns) {
+    const int places = column.money ? costing::MoneyPlaces : costing::MaxQuantityPlaces;
+    table->getHeader()
+        ->addColumn(column.key, makeField(column.name, column.type, places, !column.money))
+        .width = column.width;
+  }
+  return table;
+}
+
+/// The numbers of columns by their keys.
+class ColumnNumbers {
+ public:
+  template <class Columns>
+  explicit ColumnNumbers(const Columns& columns) {
+    for (const auto& column : columns) {
+      numbers_.emplace(column.key, static_cast<int>(numbers_.size()));
+    }
+  }
+  /// -1 when there is none of that key.
+  int of(const std::string& key) const {
+    const auto found = numbers_.find(key);
+    return found == numbers_.end() ? -1 : found->second;
+  }
+
+ private:
+  std::unordered_map<std::string, int> numbers_;
+};
+
+}  // namespace operators
