@@ -11,6 +11,7 @@
 
 #include "engineering/delegate.h"
 #include "engineering/filter_model.h"
+#include "framework/commands.h"
 #include "framework/des_filter_view.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/tree_grid_view.h"
@@ -77,9 +78,9 @@ gui::SubEngineeringDelegate* QCESubEngineeringViewImpl::createSubEngineeringDele
 }
 
 void QCESubEngineeringViewImpl::fillToolBar(QToolBar* toolBar) {
-  conditionAction_ =
-      addCommand("条件过滤", "显示或隐藏条件面板，按成本科目、编码、名称、项目特征、单位过滤",
-                 QKeySequence("Ctrl+Shift+F"));
+  conditionAction_ = gui::addCommand(
+      this, "条件过滤", "显示或隐藏条件面板，按成本科目、编码、名称、项目特征、单位过滤",
+      {QKeySequence("Ctrl+Shift+F")});
   conditionAction_->setCheckable(true);
   connect(conditionAction_, &QAction::toggled, this, &QCESubEngineeringViewImpl::showConditions);
   toolBar->addAction(conditionAction_);

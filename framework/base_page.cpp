@@ -113,16 +113,6 @@ void BasePage::setGrid(bwidgets::TreeGridView* grid, std::string firstKey, std::
   secondKey_ = std::move(secondKey);
 }
 
-QAction* BasePage::addCommand(const QString& text, const QString& toolTip,
-                              const QKeySequence& keys) {
-  auto* action = new QAction(text, this);
-  action->setShortcut(keys);
-  action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-  action->setToolTip(keys.isEmpty() ? toolTip : QString("%1（%2）").arg(toolTip, keys.toString()));
-  addAction(action);
-  return action;
-}
-
 void BasePage::setPopup(QWidget* popup) {
   popup_ = popup;
 }

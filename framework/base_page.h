@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QAction>
 #include <QMetaObject>
 #include <array>
 #include <map>
@@ -74,17 +73,6 @@ class QCE_EXPORT BasePage : public bwidgets::Widget, public abst::SubDocTabView 
   /// The grid of the page, and the keys of its leading key column (see frozenColumnCount).
   void setGrid(bwidgets::TreeGridView* grid, std::string firstKey, std::string secondKey);
   bwidgets::TreeGridView* grid() const { return grid_; }
-  /// An action of the page, under its shortcut wherever in the page the keyboard is. The tool tip
-  /// names the shortcut as well.
-  QAction* addCommand(const QString& text, const QString& toolTip, const QKeySequence& keys = {});
-  /// As above; runs a slot of the page.
-  template <class Page>
-  QAction* addCommand(const QString& text, const QString& toolTip, const QKeySequence& keys,
-                      void (Page::*slot)()) {
-    QAction* action = addCommand(text, toolTip, keys);
-    connect(action, &QAction::triggered, static_cast<Page*>(this), slot);
-    return action;
-  }
   /// A widget that floats over the page and goes when the page does.
   void setPopup(QWidget* popup);
   void setSubPages(QTabWidget* pages);

@@ -203,6 +203,9 @@ void QCEAssociationBillViewImpl::setRightModel(abst::BaseModel* model) {
                                  updateView();
                                }),
                        connect(items, &QAbstractItemModel::dataChanged, this,
+                               &QCEAssociationBillViewImpl::updateView),
+                       // Where checked rows alone are shown, one that is not any more goes.
+                       connect(items, &QAbstractItemModel::rowsRemoved, this,
                                &QCEAssociationBillViewImpl::updateView)};
   initDefaultWidth();
   updateView();

@@ -105,7 +105,7 @@ class QCE_EXPORT QCEAssociationBillViewImpl : public bwidgets::Dialog, public ab
   abst::qce::QCEAssociationBillController* controller_ = nullptr;
   abst::qce::QCEAssociationBillRightFilterModel* rightModel_ = nullptr;
   std::array<QMetaObject::Connection, 2> leftConnections_;
-  std::array<QMetaObject::Connection, 2> rightConnections_;
+  std::array<QMetaObject::Connection, 3> rightConnections_;
 
   QLabel* itemsLabel_ = nullptr;
   gui::TreeGridView* leftTree_ = nullptr;

@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "framework/cell_value.h"
+#include "framework/commands.h"
 #include "host/app/scoped_undo.h"
 #include "host/app/services.h"
 #include "host/base/number_text.h"
@@ -92,21 +93,23 @@ void QCEResItemBillViewImpl::setController(abst::qce::QCEResItemBillController* 
 
 QWidget* QCEResItemBillViewImpl::createToolBar() {
   using Pane = QCEResItemBillViewImpl;
-  coefficientAction_ = addCommand("批量系数", "把选中清单的系数都乘以或除以同一个数",
-                                  QKeySequence("F6"), &Pane::batchSetCoefficient);
-  contentAction_ = addCommand("批量含量", "把同一个实际含量写入选中的清单，可输入计算式",
-                              QKeySequence("F7"), &Pane::batchSetContent);
-  priceAction_ = addCommand("批量分包单价", "把同一个分包不含税成本单价写入选中的清单",
-                            QKeySequence("F8"), &Pane::batchSetPrice);
-  expressionAction_ = addCommand("分包单价计算式", "用计算式给出选中清单的分包不含税成本单价",
-                                 QKeySequence("Shift+F8"), &Pane::batchSetPriceExpression);
-  disassociateAction_ = addCommand("取消关联", "取消选中清单与当前人材机的关联，已归集的数量退回",
-                                   QKeySequence("Shift+Delete"), &Pane::disassociate);
-  collectAction_ = addCommand("归集到成本", "从选中的清单中选择预算工料机，归集到当前人材机",
-                              QKeySequence(), &Pane::collect);
-  withdrawAction_ =
-      addCommand("取消归集", "退回选中清单已归集到当前人材机的数量，清单仍保持关联和各项设置",
-                 QKeySequence(), &Pane::withdraw);
+  coefficientAction_ = gui::addCommand(this, "批量系数", "把选中清单的系数都乘以或除以同一个数",
+                                       {QKeySequence("F6")}, &Pane::batchSetCoefficient);
+  contentAction_ = gui::addCommand(this, "批量含量", "把同一个实际含量写入选中的清单，可输入计算式",
+                                   {QKeySequence("F7")}, &Pane::batchSetContent);
+  priceAction_ = gui::addCommand(this, "批量分包单价", "把同一个分包不含税成本单价写入选中的清单",
+                                 {QKeySequence("F8")}, &Pane::batchSetPrice);
+  expressionAction_ =
+      gui::addCommand(this, "分包单价计算式", "用计算式给出选中清单的分包不含税成本单价",
+                      {QKeySequence("Shift+F8")}, &Pane::batchSetPriceExpression);
+  disassociateAction_ =
+      gui::addCommand(this, "取消关联", "取消选中清单与当前人材机的关联，已归集的数量退回",
+                      {QKeySequence("Shift+Delete")}, &Pane::disassociate);
+  collectAction_ = gui::addCommand(
+      this, "归集到成本", "从选中的清单中选择预算工料机，归集到当前人材机", {}, &Pane::collect);
+  withdrawAction_ = gui::addCommand(
+      this, "取消归集", "退回选中清单已归集到当前人材机的数量，清单仍保持关联和各项设置", {},
+      &Pane::withdraw);
   resizeAction_ = new QAction("行高适应内容", this);
   resizeAction_->setCheckable(true);
   connect(resizeAction_, &QAction::toggled, this, &Pane::resizeRowsToContents);

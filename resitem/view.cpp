@@ -20,6 +20,7 @@
 #include <algorithm>
 
 #include "framework/cell_value.h"
+#include "framework/commands.h"
 #include "framework/des_filter_view.h"
 #include "host/abst/qce/res_item_bill_view.h"
 #include "host/app/services.h"
@@ -96,16 +97,18 @@ void QCEResItemViewImpl::setController(abst::qce::QCEResItemController* controll
 
 void QCEResItemViewImpl::createActions() {
   using Page = QCEResItemViewImpl;
-  batchPriceAction_ = addCommand("批量设置不含税单价", "把同一个不含税单价写入所有选中的人材机",
-                                 QKeySequence("Ctrl+B"), &Page::batchSetExcludeTaxPrice);
-  editCommentAction_ = addCommand("编辑批注", "查看或修改当前人材机的批注",
-                                  QKeySequence("Shift+F2"), &Page::editComment);
+  batchPriceAction_ =
+      gui::addCommand(this, "批量设置不含税单价", "把同一个不含税单价写入所有选中的人材机",
+                      {QKeySequence("Ctrl+B")}, &Page::batchSetExcludeTaxPrice);
+  editCommentAction_ = gui::addCommand(this, "编辑批注", "查看或修改当前人材机的批注",
+                                       {QKeySequence("Shift+F2")}, &Page::editComment);
   deleteCommentAction_ =
-      addCommand("删除批注", "删除选中人材机的批注", QKeySequence(), &Page::deleteComment);
-  poolingAction_ = addCommand("归集到成本", "把清单下的预算收入工料机归集到当前成本工料机",
-                              QKeySequence("Ctrl+G"), &Page::collectToCost);
-  associationAction_ = addCommand("关联清单", "选择选中的成本工料机所关联的清单",
-                                  QKeySequence("Ctrl+L"), &Page::associateBills);
+      gui::addCommand(this, "删除批注", "删除选中人材机的批注", {}, &Page::deleteComment);
+  poolingAction_ =
+      gui::addCommand(this, "归集到成本", "把清单下的预算收入工料机归集到当前成本工料机",
+                      {QKeySequence("Ctrl+G")}, &Page::collectToCost);
+  associationAction_ = gui::addCommand(this, "关联清单", "选择选中的成本工料机所关联的清单",
+                                       {QKeySequence("Ctrl+L")}, &Page::associateBills);
   paneAction_ = new QAction("清单明细", this);
   paneAction_->setCheckable(true);
   paneAction_->setVisible(false);  // until there is a pane
@@ -114,16 +117,17 @@ void QCEResItemViewImpl::createActions() {
   paneAction_->setToolTip("在下方显示或隐藏当前人材机的清单（Ctrl+D）");
   connect(paneAction_, &QAction::toggled, this, &Page::showPane);
   addAction(paneAction_);
-  insertAction_ = addCommand("新增", "在当前人材机所在的工程中新增一项同类的人材机",
-                             QKeySequence(Qt::Key_Insert), &Page::insertItem);
+  insertAction_ = gui::addCommand(this, "新增", "在当前人材机所在的工程中新增一项同类的人材机",
+                                  {QKeySequence(Qt::Key_Insert)}, &Page::insertItem);
   insertMenu_ = new QMenu("新增", this);
-  deleteAction_ = addCommand("删除", "删除选中的人材机（由清单汇总而来的不能删除）",
-                             QKeySequence("Ctrl+Delete"), &Page::deleteItem);
-  moveUpAction_ = addCommand("上移", "把选中的行上移一行", QKeySequence("Alt+Up"), &Page::moveUp);
-  moveDownAction_ =
-      addCommand("下移", "把选中的行下移一行", QKeySequence("Alt+Down"), &Page::moveDown);
-  regroupAction_ =
-      addCommand("刷新分组", "重新生成分组，恢复排序前的顺序", QKeySequence("F5"), &Page::regroup);
+  deleteAction_ = gui::addCommand(this, "删除", "删除选中的人材机（由清单汇总而来的不能删除）",
+                                  {QKeySequence("Ctrl+Delete")}, &Page::deleteItem);
+  moveUpAction_ =
+      gui::addCommand(this, "上移", "把选中的行上移一行", {QKeySequence("Alt+Up")}, &Page::moveUp);
+  moveDownAction_ = gui::addCommand(this, "下移", "把选中的行下移一行", {QKeySequence("Alt+Down")},
+                                    &Page::moveDown);
+  regroupAction_ = gui::addCommand(this, "刷新分组", "重新生成分组，恢复排序前的顺序",
+                                   {QKeySequence("F5")}, &Page::regroup);
 
   conditionAction_ = new QAction("条件过滤", this);
   conditionAction_->setCheckable(true);

@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "framework/commands.h"
 #include "host/app/scoped_undo.h"
 #include "host/app/services.h"
 #include "host/bwidgets/dialog.h"
@@ -156,7 +157,8 @@ gui::SubEngineeringDelegate* SubEngineeringViewImpl::createSubEngineeringDelege(
 }
 
 void SubEngineeringViewImpl::createActions() {
-  showResAction_ = addCommand("显示工料机", "显示或隐藏清单下的工料机", QKeySequence("Ctrl+R"));
+  showResAction_ =
+      addCommand(this, "显示工料机", "显示或隐藏清单下的工料机", {QKeySequence("Ctrl+R")});
   showResAction_->setCheckable(true);
   showResAction_->setChecked(true);
   connect(showResAction_, &QAction::toggled, this, [this](bool show) {
@@ -164,11 +166,11 @@ void SubEngineeringViewImpl::createActions() {
     filter_->setShowRes(show);
     rowsChanged();
   });
-  detailAction_ =
-      addCommand("工程量明细", "用多行计算式计算当前清单的成本工程量", QKeySequence("Ctrl+D"));
+  detailAction_ = addCommand(this, "工程量明细", "用多行计算式计算当前清单的成本工程量",
+                             {QKeySequence("Ctrl+D")});
   connect(detailAction_, &QAction::triggered, this, [this] { showQuantityDetailDialog(); });
   batchTypeAction_ =
-      addCommand("批量设置类型", "为选中的清单设置同一个类型", QKeySequence("Ctrl+T"));
+      addCommand(this, "批量设置类型", "为选中的清单设置同一个类型", {QKeySequence("Ctrl+T")});
   connect(batchTypeAction_, &QAction::triggered, this, &SubEngineeringViewImpl::batchSetType);
 }
 
@@ -283,7 +285,7 @@ void SubEngineeringViewImpl::chooseSubProject() {
 void SubEngineeringViewImpl::showElements(const std::vector<proxy::Element*>& elements) {
   if (subProjectBox_->currentIndex() > 0) {
     subProjectBox_->setCurrentIndex(0);
-    chooseSubProject(0);
+    chooseSubProject();
   }
   treeGrid_->selectElements(elements);
   treeGrid_->setFocus();

@@ -48,7 +48,13 @@ class Operator : public operators::SubEngineeringOperator {
   bool setQuantityDetail(proxy::Element* row, const domain::QuantityLines& lines) override {
     return row != refused && SubEngineeringOperator::setQuantityDetail(row, lines);
   }
+  std::vector<std::pair<std::string, proxy::Element*>> getSubProjects() const override {
+    auto all = SubEngineeringOperator::getSubProjects();
+    if (lastGone) all.pop_back();
+    return all;
+  }
   const proxy::Element* refused = nullptr;
+  bool lastGone = false;  ///< its last sub-project has been deleted
 };
 
 }  // namespace
@@ -171,11 +177,17 @@ class TestView : public QObject {
     QCOMPARE(grid_->frozenColumnCount(), 2);
 
     auto* range = page_->findChild<QComboBox*>("SubEngineering_subProject");
+    QCOMPARE(range->itemText(0), QString("整个项目"));
     range->setFocus();
-    driver_.key(Qt::Key_Down);
-    driver_.key(Qt::Key_Down);
+    driver_.key(Qt::Key_End);
     QVERIFY(!shown(bill_));
-    QVERIFY(shown(fixture_->bills(1).front()));
+    const QString chosen = range->currentText();
+    page_->activate();
+    QCOMPARE(range->currentText(), chosen);
+    op_->lastGone = true;
+    page_->activate();
+    QCOMPARE(range->currentIndex(), 0);
+    QVERIFY(shown(bill_));
   }
 
   void editsByField() {

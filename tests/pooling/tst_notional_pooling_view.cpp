@@ -9,12 +9,14 @@
 
 #include "host/app/scoped_undo.h"
 #include "host/bwidgets/screen.h"
+#include "host/domain/field_keys.h"
 #include "host/gui/tree_grid_view.h"
 #include "host/gui/view_model.h"
 #include "tests/support/test_main.h"
 #include "tests/workbench/project_fixture.h"
 #include "workbench/cli/driver.h"
 
+namespace keys = domain::keys;
 using records::BudgetItem;
 using records::Category;
 
@@ -61,6 +63,48 @@ class NotionalPoolingViewTest : public QObject {
       QTest::keyClick(list(), Qt::Key_Up);
       QCOMPARE(find<QLabel>("currentBill")->text(), current(*bills_[0]));
     }));
+  }
+
+  void whatIsShownCanBePooled() {
+    QVERIFY(open([&] {
+      auto* model = grid()->model();
+      const auto& view = dynamic_cast<const gui::ViewModel&>(*model);
+      const QModelIndex bill = model->index(0, 0);
+      const auto at = [&](int row, const std::string& key) {
+        return model->index(row, view.getColumnIndex(key), bill);
+      };
+      const auto text = [](const costing::Decimal& number, const QModelIndex& shown) {
+        QCOMPARE(*costing::Decimal::parse(shown.data().toString().toStdString()), number);
+      };
+      for (int row = 0; row < bills_[0]->childCount(); ++row) {
+        const auto& line = static_cast<const BudgetItem&>(*bills_[0]->child(row));
+        const QModelIndex left = at(row, keys::NPAmount);
+        text(project().remaining(line).rounded(4), left);
+        // Money as well without separators, by which it would sort as nothing.
+        text(line.amount.value(), at(row, keys::NPExcludeTaxTotalCost));
+        QCOMPARE(at(row, keys::NPCollectionAmount).data(), left.data());
+        QVERIFY(model->setData(at(row, keys::NPCollectionAmount), left.data()));
+        QVERIFY(!(left.flags() & Qt::ItemIsEditable));
+      }
+      // A bill has no quantity to pool, not 0.
+      QCOMPARE(bill.siblingAtColumn(view.getColumnIndex(keys::NPAmount)).data().toString(),
+               QString());
+    }));
+    QVERIFY(fixture_->channel.messages().empty());
+  }
+
+  void booksAllOrNothing() {
+    auto& second = static_cast<BudgetItem&>(*bills_[0]->child(1));
+    std::string before;
+    QVERIFY(open([&] {
+      check(0);
+      change([&] { project().pool(second, *item_, project().quantity(second)); });
+      before = project().dump();
+      press("确定");
+    }));
+    QVERIFY(project().dump() == before);
+    QCOMPARE(opened().undo().stack()->count(), 1);
+    QCOMPARE(fixture_->channel.messages().size(), std::size_t(1));
   }
 
   // Return and Space belong to the grid and the list; only the button that has the keyboard acts.

@@ -1,373 +1,395 @@
 #include "resitem/view.h"
 
 #include <QComboBox>
-#include <QDialog>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QPlainTextEdit>
 #include <QPushButton>
-#include <QScrollBar>
 #include <QToolButton>
-#include <QtTest>
+#include <QUndoStack>
 
 #include "framework/des_filter_view.h"
+#include "host/base/number_text.h"
 #include "host/bwidgets/search_box.h"
+#include "host/domain/field_keys.h"
 #include "host/gui/tree_grid_view.h"
 #include "resitem/filter_model.h"
 #include "resitem/model.h"
-#include "tests/support/fake_res_item_operator.h"
-#include "tests/support/recording_services.h"
 #include "tests/support/test_main.h"
 #include "tests/support/tester_proxy.h"
+#include "tests/workbench/project_fixture.h"
+#include "workbench/cli/driver.h"
 
 namespace keys = domain::keys;
-using Fake = tests::FakeResItemOperator;
 using gui::qce::destructors::DesFilterView;
+using records::Category;
+using records::ItemField;
+using records::ResourceItem;
 
 namespace {
 
-class FakeController : public abst::qce::QCEResItemController {
+// The program's operator, with an item that takes no writes.
+class Operator : public operators::ResItemOperator {
  public:
-  FakeController(Fake& op, abst::BaseModel& model) : op_(op), model_(model) {}
-  std::vector<std::pair<std::string, proxy::Element*>> getSubProjects() const override {
-    return subProjects;
+  using ResItemOperator::ResItemOperator;
+  bool setValue(proxy::Element* item, const std::string& key, const domain::Value& value,
+                int role) override {
+    return item != refused && ResItemOperator::setValue(item, key, value, role);
   }
-  bool moveUp(proxy::Element* item) override {
-    if (!model_.canMoveUp(item)) return false;
-    model_.beginMoveUpItem(item, item->parent());
-    op_.tree.move(item->row(), item->row() - 1, static_cast<tests::Node*>(item->parent()));
-    model_.endMoveUpItem();
-    return true;
-  }
-  bool moveDown(proxy::Element* item) override {
-    if (!model_.canMoveDown(item)) return false;
-    model_.beginMoveDownItem(item, item->parent());
-    op_.tree.move(item->row(), item->row() + 1, static_cast<tests::Node*>(item->parent()));
-    model_.endMoveDownItem();
-    return true;
-  }
-  bool canCollectToCost(proxy::Element* item) const override { return Fake::isItem(item); }
-  void collectToCost(proxy::Element* item) override { collected.push_back(item); }
-  std::vector<std::pair<std::string, proxy::Element*>> subProjects;
-  std::vector<proxy::Element*> collected;
-
- private:
-  Fake& op_;
-  abst::BaseModel& model_;
+  const proxy::Element* refused = nullptr;
 };
-
-// A page over three groups, as a host sets it up.
-struct Setup {
-  Setup() : controller(op, model) {
-    tests::attachTester(&model);
-    tests::attachTester(&filter);
-    tests::Node* steel = op.group("钢材");
-    s1 = Fake::item(steel, "s1", "螺纹钢筋", 10.0, 3500.0);
-    s1->set(keys::BRIAssociation, std::string("√"))->set(keys::BRIIsProvidedByJia, true);
-    s2 = Fake::item(steel, "s2", "镀锌铁丝", 2.5, 5.1);
-    s3 = Fake::item(steel, "s3", "型钢", 1.0, 4000.0);
-    labour = op.group("人工");
-    l1 = Fake::item(labour, "l1", "综合用工", 100.0, 150.0);
-    building = new tests::Node("1#楼");
-    controller.subProjects = {{"1#楼", building.get()}, {"2#楼", labour}};
-    model.setDisplayTable(&op.table);
-    model.setOperator(&op);
-    page.setController(&controller);
-    page.setModel(&filter);
-    page.resize(1280, 600);
-    page.show();
-    page.activate();
-    grid = page.findChild<gui::TreeGridView*>();
-    settle();
-  }
-
-  static void settle() { QCoreApplication::processEvents(); }
-
-  QModelIndex cell(proxy::Element* item, const std::string& key) const {
-    return filter.makeIndex(item, filter.getColumnIndex(key));
-  }
-  void select(const std::vector<proxy::Element*>& items) {
-    grid->selectionModel()->clearSelection();
-    for (proxy::Element* item : items) {
-      grid->selectionModel()->setCurrentIndex(cell(item, keys::BRIName),
-                                              QItemSelectionModel::Select);
-    }
-    settle();
-  }
-  void click(const QString& text, int nth = 0) {
-    for (auto* button : page.findChildren<QToolButton*>()) {
-      if (button->text() != text || nth-- > 0) continue;
-      QVERIFY(button->isEnabled());
-      QTest::mouseClick(button, Qt::LeftButton);
-      settle();
-      return;
-    }
-    QFAIL(qPrintable("no button " + text));
-  }
-  QString shown() const { return QString::fromStdString(tests::treeText(filter)); }
-  QString status() const { return page.findChild<QLabel*>("ResItem_status")->text(); }
-  double price(const tests::Node* item) const {
-    return std::get<double>(*item->find(keys::BRIExcludedTaxFee, domain::EditRole));
-  }
-  const std::vector<std::string>& steps() const { return services.undo.steps; }
-
-  tests::RecordingServices services;
-  Fake op;
-  gui::qce::QCEResItemModelImpl model;
-  gui::qce::QCEResItemFilterModelImpl filter{&model};
-  FakeController controller;
-  gui::qce::QCEResItemViewImpl page;
-  gui::TreeGridView* grid = nullptr;
-  scoped_refptr<tests::Node> building;
-  tests::Node *s1, *s2, *s3, *labour, *l1;
-};
-
-// Does something with the next modal dialog once it is open.
-template <class Do>
-void inDialog(Do act) {
-  QTimer::singleShot(0, [act] {
-    auto* dialog = QApplication::activeModalWidget();
-    QVERIFY(dialog != nullptr);
-    act(dialog);
-  });
-}
-
-void typeNumber(const QString& number, int key = Qt::Key_Return) {
-  inDialog([number, key](QWidget* dialog) {
-    auto* edit = dialog->findChild<QLineEdit*>();
-    QTest::keyClicks(edit, number);
-    QTest::keyClick(edit, Qt::Key(key));
-  });
-}
 
 }  // namespace
 
+/// The page of resource items over the office building, with its undo and its arithmetic.
 class TestView : public QObject {
   Q_OBJECT
 
  private slots:
+  void init() {
+    fixture_ = std::make_unique<tests::ProjectFixture>();
+    show();
+    for (int row = 0; row < 3; ++row) items_[row] = &fixture_->item(0, Category::Material, row);
+    labour_ = &fixture_->item(0, Category::Labour, 0);
+  }
+  void cleanup() {
+    hide();
+    fixture_.reset();
+  }
+
   void opensWithEverythingShown() {
-    Setup s;
-    QCOMPARE(s.shown(), QString("钢材(s1 s2 s3) 人工(l1)"));
-    QVERIFY(s.grid->isExpanded(s.filter.index(0, 0)));
-    QVERIFY(s.status().startsWith("显示 4 项，共 4 项"));
-    s.select({s.s1, s.l1});
-    QVERIFY2(s.status().contains("已选 2 项　　不含税合价 50,000.00 元"), qPrintable(s.status()));
-    s.op.group("设备");
-    s.model.rebuildGroup();
-    s.settle();
-    QVERIFY(s.shown().contains("设备"));
-    QVERIFY2(s.status().startsWith("显示 4 项，共 4 项"), qPrintable(s.status()));
+    const int all = static_cast<int>(fixture_->items().size());
+    QCOMPARE(shown(), all);
+    QVERIFY(grid_->isExpanded(filter_->index(0, 0)));
+    select({items_[0], labour_, items_[0]->group()});
+    const double sum =
+        (items_[0]->excludedAmount().value() + labour_->excludedAmount().value()).toDouble();
+    QCOMPARE(status(), QString("显示 %1 项，共 %1 项　　已选 2 项　　不含税合价 %2 元")
+                           .arg(all)
+                           .arg(base::ToThousandthsString(sum, 2).c_str()));
   }
 
   void filtersByFlagAndKeepsItsPlace() {
-    Setup s;
-    s.select({s.s1});
-    s.click("甲供");
-    QCOMPARE(s.shown(), QString("钢材(s1)"));
-    QCOMPARE(s.grid->currentElement(), s.s1);
-    QVERIFY(s.status().startsWith("显示 1 项，共 4 项"));
-    s.click("可调价");
-    QCOMPARE(s.shown(), QString());
-    s.click("全部", 0);
-    QCOMPARE(s.shown(), QString("钢材(s1 s2 s3) 人工(l1)"));
-    QVERIFY(s.grid->isExpanded(s.filter.index(1, 0)));
+    set(*items_[1], ItemField::OwnerSupplied, true);
+    select({items_[1]});
+    click("甲供");
+    QCOMPARE(grid_->currentElement(), items_[1]);
+    QVERIFY(status().startsWith(
+        QString("显示 %1 项，共 %2 项").arg(shown()).arg(fixture_->items().size())));
+    QVERIFY(shown() < int(fixture_->items().size()));
+    click("全部");
+    QCOMPARE(shown(), int(fixture_->items().size()));
+    QVERIFY(grid_->isExpanded(filter_->index(1, 0)));
   }
 
   void filtersByConditions() {
-    Setup s;
-    auto* panel = s.page.findChild<DesFilterView*>();
+    auto* panel = page_->findChild<DesFilterView*>();
     QVERIFY(!panel->isVisible());
-    s.click("条件过滤");
+    click("条件过滤");
     QVERIFY(panel->isVisible());
     auto* name = panel->findChild<QLineEdit*>("name");
-    QInputMethodEvent typed;  // as an input method hands over Chinese text
-    typed.setCommitString("钢");
-    QApplication::sendEvent(name, &typed);
+    name->setText(QString::fromStdString(items_[0]->name().str()));
     QTest::keyClick(panel, Qt::Key_Space);
-    QCOMPARE(s.shown(), QString("钢材(s1 s2 s3) 人工(l1)"));
+    QCOMPARE(shown(), int(fixture_->items().size()));
     QTest::keyClick(name, Qt::Key_Return);
-    QCOMPARE(s.shown(), QString("钢材(s1 s3)"));
-    QVERIFY(s.grid->isExpanded(s.filter.index(0, 0)));
-    s.settle();
-    QVERIFY2(s.status().startsWith("显示 2 项，共 4 项（条件过滤中）"), qPrintable(s.status()));
+    const int some = shown();
+    QVERIFY(some > 0 && some < 20);
+    QVERIFY(grid_->isExpanded(filter_->index(0, 0)));
     // Closing the panel keeps the filter, and the status line tells so.
-    s.click("条件过滤");
+    click("条件过滤");
     QVERIFY(!panel->isVisible());
-    QCOMPARE(s.shown(), QString("钢材(s1 s3)"));
-    s.click("条件过滤");
-    QTest::mouseClick(panel->cancelButton(), Qt::LeftButton);
-    QCOMPARE(s.shown(), QString("钢材(s1 s2 s3) 人工(l1)"));
-  }
-
-  void choosesTheSubProject() {
-    Setup s;
-    auto* box = s.page.findChild<QComboBox*>("ResItem_subProject");
-    QCOMPARE(box->itemText(0), QString("整个项目"));
-    box->setFocus();
-    QTest::keyClick(box, Qt::Key_Down);
-    QCOMPARE(s.op.subProject, s.building.get());
-    s.page.deactivate();
-    s.page.activate();
-    QCOMPARE(box->currentText(), QString("1#楼"));
-    s.controller.subProjects.erase(s.controller.subProjects.begin());  // deleted elsewhere
-    s.page.activate();
-    QCOMPARE(box->currentText(), QString("整个项目"));
-    QCOMPARE(s.op.subProject, nullptr);
+    QCOMPARE(shown(), some);
+    QVERIFY2(status().contains("（条件过滤中）"), qPrintable(status()));
+    click("条件过滤");
+    driver_.click(panel->cancelButton());
+    QCOMPARE(shown(), int(fixture_->items().size()));
   }
 
   void setsThePriceOfTheSelectedItemsInOneStep() {
-    Setup s;
-    s.select({s.labour, s.s1, s.l1});  // the grouping row has no price and is left out
-    typeNumber("88.5");
-    QTest::keyClick(s.grid, Qt::Key_B, Qt::ControlModifier);
-    QCOMPARE(s.price(s.s1), 88.5);
-    QCOMPARE(s.price(s.l1), 88.5);
-    QCOMPARE(s.price(s.s2), 5.1);
-    QCOMPARE(s.steps(), std::vector<std::string>{"批量设置不含税单价"});
-    typeNumber("99", Qt::Key_Escape);
-    s.click("批量设置不含税单价");
-    QCOMPARE(s.price(s.s1), 88.5);
-    QCOMPARE(s.steps().size(), std::size_t(1));
+    const auto before = items_[1]->price().value();
+    select({items_[0]->group(), items_[0], labour_});  // a grouping row has no price
+    typePrice("88.5", Qt::Key_Return);
+    QCOMPARE(price(*items_[0]), QString("88.50"));
+    QCOMPARE(price(*labour_), QString("88.50"));
+    QVERIFY(items_[1]->price().value() == before);
+    QCOMPARE(stack().count(), 1);
+    QCOMPARE(stack().undoText(), QString("批量设置不含税单价"));
+    typePrice("99", Qt::Key_Escape);
+    QCOMPARE(stack().count(), 1);
     // One that takes no price takes the whole batch back.
-    s.op.refused = s.l1;
-    typeNumber("77");
-    s.page.batchSetExcludeTaxPrice();
-    QCOMPARE(s.steps().back(), std::string("批量设置不含税单价!"));
-    const std::string& told = s.services.channel.messages().at(0).text;
-    QVERIFY2(told.find("综合用工") != std::string::npos, told.c_str());
-    QVERIFY2(told.find("本次批量设置已全部取消") != std::string::npos, told.c_str());
+    op_->refused = items_[0];
+    typePrice("77", Qt::Key_Return);
+    const QString name = QString::fromStdString(items_[0]->name().str());
+    QVERIFY2(fixture_->message().contains(name), qPrintable(fixture_->message()));
+    QVERIFY(fixture_->message().contains("本次批量设置已全部取消"));
+    QCOMPARE(price(*labour_), QString("88.50"));
+    QCOMPARE(stack().count(), 1);
   }
 
   void editsAndDeletesAnnotations() {
-    Setup s;
-    s.select({s.s2});
-    inDialog([](QWidget* dialog) {
-      auto* edit = dialog->findChild<QPlainTextEdit*>();
-      QTest::keyClicks(edit, "two");
-      QTest::keyClick(edit, Qt::Key_Return);
-      QTest::keyClicks(edit, "lines");
-      QTest::keyClick(edit, Qt::Key_Return, Qt::ControlModifier);
+    select({items_[1]});
+    const auto edit = [this](const std::function<void()>& type) {
+      QVERIFY(driver_.withPopup([this] { driver_.key(Qt::Key_F2, Qt::ShiftModifier); },
+                                [&](QWidget*) {
+                                  type();
+                                  driver_.key(Qt::Key_Return, Qt::ControlModifier);
+                                }));
+    };
+    edit([this] {
+      driver_.type("two");
+      driver_.key(Qt::Key_Return);
+      driver_.type("lines");
     });
-    QTest::keyClick(s.grid, Qt::Key_F2, Qt::ShiftModifier);
-    std::string comment;
-    QVERIFY(s.filter.getComment(s.s2, comment));
-    QCOMPARE(comment, std::string("two\nlines"));
-    s.settle();
-    inDialog([](QWidget* dialog) { static_cast<QDialog*>(dialog)->accept(); });
-    s.page.editComment();  // confirmed without a change: no undo step
-    s.page.deleteComment();
-    QVERIFY(s.filter.getComment(s.s2, comment));
-    QCOMPARE(comment, std::string());
-    QCOMPARE(s.steps(), (std::vector<std::string>{"编辑批注", "删除批注"}));
+    QCOMPARE(items_[1]->annotation().str(), std::string("two\nlines"));
+    edit([] {});  // confirmed without a change: no undo step
+    QCOMPARE(stack().count(), 1);
+    page_->deleteComment();
+    QVERIFY(items_[1]->annotation().empty());
+    QCOMPARE(stack().undoText(), QString("删除批注"));
   }
 
   void movesRowsAndTheSelectionFollows() {
-    Setup s;
-    QSignalSpy sorted(&s.model, &QAbstractItemModel::layoutChanged);
-    s.grid->header()->setSortIndicator(s.filter.getColumnIndex(keys::BRICode), Qt::AscendingOrder);
-    QVERIFY(sorted.wait());
-    s.select({s.s1, s.s2});
-    QTest::keyClick(s.grid, Qt::Key_Down, Qt::AltModifier);
-    QCOMPARE(s.grid->header()->sortIndicatorSection(), -1);  // no longer in the order of the codes
-    QCOMPARE(s.shown(), QString("钢材(s3 s1 s2) 人工(l1)"));
-    QCOMPARE(s.grid->currentElement(), s.s2);
-    QCOMPARE(s.grid->selectedElements().size(), std::size_t(2));
-    QCOMPARE(s.steps(), std::vector<std::string>{"下移"});
-    s.settle();
-    QTest::keyClick(s.grid, Qt::Key_Down, Qt::AltModifier);  // at the end already
-    QCOMPARE(s.shown(), QString("钢材(s3 s1 s2) 人工(l1)"));
-    QCOMPARE(s.grid->currentElement(), s.s2);
-    s.click("上移");
-    QCOMPARE(s.shown(), QString("钢材(s1 s2 s3) 人工(l1)"));
+    sortByCode();
+    auto& group = *items_[0]->group();
+    ResourceItem* const first = row(group, 0);
+    ResourceItem* const second = row(group, 1);
+    ResourceItem* const third = row(group, 2);
+    select({first, second});
+    driver_.key(Qt::Key_Down, Qt::AltModifier);
+    QCOMPARE(grid_->header()->sortIndicatorSection(), -1);  // no longer in the order of the codes
+    QVERIFY(row(group, 0) == third && row(group, 1) == first && row(group, 2) == second);
+    QCOMPARE(grid_->currentElement(), second);
+    QCOMPARE(grid_->selectedElements().size(), std::size_t(2));
+    QCOMPARE(stack().undoText(), QString("下移"));
+    click("上移");
+    QCOMPARE(row(group, 0), first);
+    driver_.key(Qt::Key_Up, Qt::AltModifier);  // at the top already
+    QCOMPARE(stack().count(), 2);
   }
 
   void movesPastRowsThatTheFilterHides() {
-    Setup s;
-    s.s1->set(keys::BRIPriceAdjustable, true);
-    s.s3->set(keys::BRIPriceAdjustable, true);
-    s.click("可调价");
-    s.select({s.s3});
-    s.click("上移");
-    QCOMPARE(s.shown(), QString("钢材(s3 s1)"));
-    s.click("全部");
-    QCOMPARE(s.shown(), QString("钢材(s3 s1 s2) 人工(l1)"));
+    for (int i = 0; i < 3; ++i) set(*items_[i], ItemField::PriceAdjustable, i != 1);
+    click("可调价");
+    select({items_[2]});
+    click("上移");
+    QVERIFY(items_[2]->row() == 0 && items_[0]->row() == 1 && items_[1]->row() == 2);
   }
 
-  void collectsToTheCurrentItem() {
-    Setup s;
-    s.select({s.s2, s.l1});
-    s.click("归集到成本");
-    QTest::keyClick(s.grid, Qt::Key_G, Qt::ControlModifier);
-    QVERIFY(s.controller.collected == (std::vector<proxy::Element*>{s.l1, s.l1}));
+  void poolsIntoTheCurrentItem() {
+    select({items_[1], labour_});
+    QString shown;
+    QVERIFY(driver_.withPopup(
+        [this] { driver_.key(Qt::Key_G, Qt::ControlModifier); },
+        [&](QWidget* dialog) {
+          shown = dialog->findChild<QLabel*>("NotionalPooling_currentItem")->text();
+          dialog->close();
+        }));
+    QVERIFY2(shown.contains(QString::fromStdString(labour_->code().str())), qPrintable(shown));
   }
 
   void enablesWhatCanBeDone() {
-    Setup s;
-    const auto enabled = [&s](const QString& text) {
-      for (auto* button : s.page.findChildren<QToolButton*>()) {
-        if (button->text() == text) return button->isEnabled();
-      }
-      return false;
-    };
-    s.select({});
+    const auto enabled = [this](const QString& text) { return button(text)->isEnabled(); };
+    select({});
     QVERIFY(!enabled("批量设置不含税单价") && !enabled("上移"));
-    s.select({s.labour});
+    select({labour_->group()});
     QVERIFY(!enabled("批量设置不含税单价") && !enabled("编辑批注") && !enabled("归集到成本"));
-    s.select({s.s1});
+    select({items_[0]});
     QVERIFY(enabled("批量设置不含税单价") && enabled("编辑批注") && enabled("下移"));
     QVERIFY(!enabled("上移"));
-    s.select({s.s2, s.l1});  // not siblings
+    select({items_[1], labour_});  // not siblings
     QVERIFY(!enabled("上移") && !enabled("下移"));
-  }
 
-  void keepsItsPlaceWhenItRegroups() {
-    Setup s;
-    s.grid->collapse(s.filter.index(1, 0));
-    s.select({s.s2, s.s3});
-    s.op.onRebuild = [&s] { s.op.tree.move(0, 2, s.op.tree.node(0)); };
-    QSignalSpy sorted(&s.model, &QAbstractItemModel::layoutChanged);
-    s.grid->header()->setSortIndicator(0, Qt::AscendingOrder);
-    QVERIFY(sorted.wait());
-    QTest::keyClick(s.grid, Qt::Key_F5);
-    QTest::qWait(160);
-    QCOMPARE(s.grid->header()->sortIndicatorSection(), -1);  // and nothing sorts again
-    s.settle();
-    QCOMPARE(s.shown(), QString("钢材(s2 s3 s1) 人工(l1)"));
-    QCOMPARE(s.grid->currentElement(), s.s3);
-    QCOMPARE(s.grid->selectedElements(), (std::vector<proxy::Element*>{s.s2, s.s3}));
-    QVERIFY(s.grid->isExpanded(s.filter.index(0, 0)));
-    QVERIFY(!s.grid->isExpanded(s.filter.index(1, 0)));
-  }
-
-  void closesTheSearchBoxWithThePage() {
-    Setup s;
-    s.click("查找");
-    QVERIFY(s.grid->searchBox()->isVisible());
-    s.page.deactivate();
-    QVERIFY(!s.grid->searchBox()->isVisible());
-  }
-
-  void offersItsCommandsInTheContextMenu() {
-    Setup s;
-    s.select({s.s2});
-    emit s.grid->customContextMenuRequested(
-        s.grid->visualRect(s.cell(s.s2, keys::BRIName)).center());
-    auto* menu = s.page.findChild<QMenu*>("ResItem_contextMenu");
+    select({items_[1]});
+    emit grid_->customContextMenuRequested(
+        grid_->visualRect(filter_->makeIndex(items_[1], 0)).center());
+    auto* menu = page_->findChild<QMenu*>("ResItem_contextMenu");
     QVERIFY(menu != nullptr && menu->isVisible());
-    QStringList enabled;
+    QStringList offered;
     for (const QAction* action : menu->actions()) {
-      if (action->isEnabled() && !action->text().isEmpty()) enabled << action->text();
+      if (action->isEnabled()) offered << action->text();
     }
     for (const char* text :
          {"归集到成本", "批量设置不含税单价", "编辑批注", "上移", "下移", "条件过滤", "刷新分组"}) {
-      QVERIFY2(enabled.contains(text), text);
+      QVERIFY2(offered.contains(text), text);
     }
-    QVERIFY(!enabled.contains("删除批注"));  // there is none to delete
+    QVERIFY(!offered.contains("删除批注"));  // there is none to delete
     menu->close();
   }
+
+  void keepsItsPlaceWhenItRegroups() {
+    grid_->collapse(filter_->index(1, 0));
+    sortByCode();
+    select({items_[1], items_[2]});
+    driver_.key(Qt::Key_F5);
+    QTest::qWait(160);
+    QCOMPARE(grid_->header()->sortIndicatorSection(), -1);  // and nothing sorts again
+    QVERIFY(items_[0]->row() == 0 && items_[1]->row() == 1);
+    QCOMPARE(grid_->currentElement(), items_[2]);
+    QCOMPARE(grid_->selectedElements(), (std::vector<proxy::Element*>{items_[1], items_[2]}));
+    QVERIFY(grid_->isExpanded(filter_->index(0, 0)));
+    QVERIFY(!grid_->isExpanded(filter_->index(1, 0)));
+
+    click("查找");
+    QVERIFY(grid_->searchBox()->isVisible());
+    page_->deactivate();
+    QVERIFY(!grid_->searchBox()->isVisible());
+  }
+
+  void addsItemsOfOnesOwn() {
+    const std::string before = project().dump();
+    const costing::Decimal total = project().totals().excluded;
+    const int items = shown();
+    select({items_[0]});
+    driver_.key(Qt::Key_Insert);
+    auto* added = dynamic_cast<ResourceItem*>(grid_->currentElement());
+    QVERIFY(added != nullptr && added != items_[0]);
+    driver_.type("临时用料");  // the name is being edited
+    driver_.key(Qt::Key_Return);
+    QCOMPARE(shown(), items + 1);
+    QCOMPARE(added->name().str(), std::string("临时用料"));
+    QVERIFY(added->group() == items_[0]->group() && added->account() != nullptr);
+    const auto type = [this](proxy::Element* item, const std::string& key, const char* text) {
+      return filter_->setData(filter_->makeIndex(item, filter_->getColumnIndex(key)), text);
+    };
+    QVERIFY(type(added, keys::BRIUnit, "工日"));
+    QVERIFY(type(added, keys::BRIAmount, "12.5"));
+    QVERIFY(type(added, keys::BRIExcludedTaxFee, "200"));
+    QVERIFY(project().totals().excluded - total == costing::Decimal(2500));
+    QVERIFY(!type(added, keys::BRIAmount, "-1"));
+    QCOMPARE(fixture_->channel.messages().size(), std::size_t(1));
+    for (const std::string& key : {keys::BRIUnit, keys::BRIAmount}) {  // those of the bills
+      const QModelIndex cell = filter_->makeIndex(items_[0], filter_->getColumnIndex(key));
+      QVERIFY(!cell.flags().testFlag(Qt::ItemIsEditable));
+      QVERIFY(!type(items_[0], key, "3"));
+    }
+
+    select({items_[0], added});
+    driver_.key(Qt::Key_Delete, Qt::ControlModifier);
+    QVERIFY(fixture_->message().contains("没有删除任何人材机"));
+    QCOMPARE(shown(), items + 1);
+    select({added});
+    driver_.key(Qt::Key_Delete, Qt::ControlModifier);
+    QCOMPARE(shown(), items);
+    QCOMPARE(project().totals().excluded.toString(), total.toString());
+    while (stack().canUndo()) stack().undo();
+    QCOMPARE(project().dump(), before);
+  }
+
+  void addsTheFirstItem() {
+    hide();
+    fixture_->close();
+    store::Failure failure;
+    QVERIFY(store::ProjectFile::create(fixture_->path(), nullptr, {"空", "投标成本测算", {}},
+                                       failure, {}, true));
+    show();
+    grid_->setCurrentIndex({});  // no row says where the item goes
+    QVERIFY(driver_.withPopup([this] { page_->insertItem(); },
+                              [](QWidget* dialog) {
+                                QTest::keyClick(dialog->findChild<QComboBox*>(), Qt::Key_Down);
+                                QTest::keyClick(dialog, Qt::Key_Return);
+                              }));
+    auto* added = dynamic_cast<ResourceItem*>(grid_->currentElement());
+    QVERIFY(added != nullptr);
+    QVERIFY(&added->group()->unitWork() == project().unitWorks().at(1));
+    QCOMPARE(added->category(), Category::Labour);
+    QCOMPARE(added->code().str(), std::string("补充人工001"));
+  }
+
+ private:
+  void show() {
+    QVERIFY(fixture_->open() != nullptr);
+    op_ = std::make_unique<Operator>(project());
+    model_ = std::make_unique<gui::qce::QCEResItemModelImpl>();
+    filter_ = std::make_unique<gui::qce::QCEResItemFilterModelImpl>(model_.get());
+    tests::attachTester(model_.get());
+    tests::attachTester(filter_.get());
+    model_->setDisplayTable(&fixture_->opened()->resItemTable());
+    model_->setOperator(op_.get());
+    auto& controller = fixture_->opened()->resItemController();
+    controller.setModel(model_.get());
+    page_ = std::make_unique<gui::qce::QCEResItemViewImpl>();
+    page_->setController(&controller);
+    page_->setModel(filter_.get());
+    page_->resize(1400, 700);
+    page_->show();
+    page_->activate();
+    QVERIFY(QTest::qWaitForWindowActive(page_.get()));
+    grid_ = page_->findChild<gui::TreeGridView*>();
+    grid_->setFocus();
+  }
+  void hide() {
+    page_.reset();
+    fixture_->opened()->resItemController().setModel(nullptr);
+    filter_.reset();
+    model_.reset();
+    op_.reset();
+  }
+  records::Project& project() { return fixture_->opened()->project(); }
+  QUndoStack& stack() { return *fixture_->opened()->undo().stack(); }
+  void set(ResourceItem& item, ItemField field, bool value) {
+    project().set(item, field, value);
+    project().takeRecorded();
+  }
+  static ResourceItem* row(records::ResourceGroup& group, int number) {
+    return static_cast<ResourceItem*>(group.rows().at(number));
+  }
+
+  int shown(const QModelIndex& parent = {}) const {
+    int items = 0;
+    for (int i = 0; i < filter_->rowCount(parent); ++i) {
+      const QModelIndex at = filter_->index(i, 0, parent);
+      items += filter_->hasChildren(at) ? shown(at) : 1;
+    }
+    return items;
+  }
+  QString status() const {
+    QCoreApplication::processEvents();
+    return page_->findChild<QLabel*>("ResItem_status")->text();
+  }
+  QString price(ResourceItem& item) const {
+    return filter_->makeIndex(&item, filter_->getColumnIndex(keys::BRIExcludedTaxFee))
+        .data()
+        .toString();
+  }
+  void select(const std::vector<proxy::Element*>& elements) {
+    grid_->selectionModel()->clear();
+    grid_->selectElements(elements);
+    QCoreApplication::processEvents();
+  }
+  void sortByCode() {
+    QSignalSpy sorted(model_.get(), &QAbstractItemModel::layoutChanged);
+    grid_->header()->setSortIndicator(filter_->getColumnIndex(keys::BRICode), Qt::AscendingOrder);
+    QVERIFY(sorted.wait());
+  }
+  QToolButton* button(const QString& text) const {
+    for (auto* found : page_->findChildren<QToolButton*>()) {
+      if (found->text() == text) return found;
+    }
+    qFatal("no such button");
+  }
+  void click(const QString& text) {
+    QVERIFY(button(text)->isEnabled());
+    driver_.click(button(text));
+    QCoreApplication::processEvents();
+  }
+  void typePrice(const QString& price, Qt::Key last) {
+    QVERIFY(driver_.withPopup([this] { driver_.key(Qt::Key_B, Qt::ControlModifier); },
+                              [&](QWidget*) {
+                                driver_.type(price);
+                                driver_.key(last);
+                              }));
+  }
+
+  std::unique_ptr<tests::ProjectFixture> fixture_;
+  std::unique_ptr<Operator> op_;
+  std::unique_ptr<gui::qce::QCEResItemModelImpl> model_;
+  std::unique_ptr<gui::qce::QCEResItemFilterModelImpl> filter_;
+  std::unique_ptr<gui::qce::QCEResItemViewImpl> page_;
+  cli::Driver driver_;
+  gui::TreeGridView* grid_ = nullptr;
+  ResourceItem* items_[3] = {};  // the first materials of the first unit work
+  ResourceItem* labour_ = nullptr;
 };
 
 QCE_WIDGET_TEST_MAIN(TestView)

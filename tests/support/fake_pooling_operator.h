@@ -6,7 +6,6 @@
 
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/notional_pooling_operator.h"
-#include "host/proxy/qce/field_accessors.h"
 #include "tests/support/test_elements.h"
 
 namespace tests {
@@ -24,12 +23,9 @@ class FakePoolingOperator : public NodeHost<domain::qce::QCENotionalPoolingOpera
     header.addColumn(keys::NPCollectionAmount, {"归集数量", FloatingPointField, 3, {}, {}, false})
         .width = 100;
   }
-  ~FakePoolingOperator() override { proxy::qce::InstallFieldAccessors(std::move(before_)); }
-
-  /// A bill and its row; asked for its texts, it answers "code-1", its name and "m3".
-  Node* bill(const std::string& code, const std::string& name) {
+  /// A bill and its row.
+  Node* bill(const std::string& code) {
     bills.emplace_back(new Node(code));
-    bills.back()->set(domain::keys::NPName, name);
     Node* row = tree.add(code);
     row->set(domain::keys::NPCode, code)->set(domain::keys::NPCollectionAmount, std::string());
     owners[row->id()] = bills.back().get();
@@ -94,22 +90,6 @@ class FakePoolingOperator : public NodeHost<domain::qce::QCENotionalPoolingOpera
   int collected = 0;
   int writes = 0;
   std::map<std::string, double> pooled;  ///< by "bill.name"
-
- private:
-  static std::string nameOf(const proxy::Element& element) {
-    const domain::Value* name =
-        static_cast<const Node&>(element).find(domain::keys::NPName, domain::EditRole);
-    return name != nullptr ? std::get<std::string>(*name) : std::string();
-  }
-  static proxy::qce::FieldAccessors accessors() {
-    const auto code = [](const proxy::Element& element) {
-      return static_cast<const Node&>(element).name();
-    };
-    return {[code](const proxy::Element& bill) { return code(bill) + "-1"; }, nameOf,
-            [](const proxy::Element&) { return std::string("m3"); }, code, nameOf};
-  }
-
-  proxy::qce::FieldAccessors before_ = proxy::qce::InstallFieldAccessors(accessors());
 };
 
 }  // namespace tests

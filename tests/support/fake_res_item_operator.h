@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "host/domain/field_keys.h"
@@ -66,10 +65,7 @@ class FakeResItemOperator : public NodeHost<domain::qce::QCEResItemOperator> {
   }
 
   void setSubProject(proxy::Element* element) override { subProject = element; }
-  void rebuildGroup() override {
-    ++rebuilt;
-    if (onRebuild) onRebuild();
-  }
+  void rebuildGroup() override { ++rebuilt; }
 
   bool getField(const proxy::Element* element, const std::string& key,
                 domain::Value& out) const override {
@@ -106,7 +102,6 @@ class FakeResItemOperator : public NodeHost<domain::qce::QCEResItemOperator> {
   proxy::Element* refused = nullptr;  ///< an item that takes no writes
   proxy::Element* subProject = nullptr;
   int rebuilt = 0;
-  std::function<void()> onRebuild;  ///< what a rebuild changes
   int filterType = domain::qce::FilterAll;
   mutable int fieldReads = 0;
 

@@ -80,6 +80,7 @@ flag that is no flag | priceAdjustable="true" | priceAdjustable="是" | true 或
 impossible date | 2026-03-15 | 2026-02-30 | 不是有效日期 | 3
 bid without tenderer | tenderer="乙" |  | 缺失 | 3
 unknown kind | kind="TBQD" | kind="XYZ" | 不可识别 | 2
+kind in small letters | kind="TBQD" | kind="tbqd" | 不可识别 | 2
 newer version | version="1" kind | version="2" kind | 请升级程序 | 2
 tender with bill prices | kind="TBQD" | kind="ZBQD" | 不该出现 | 11
 standard file with money | kind="TBQD" | kind="GCLQD" | 不该出现 | 11

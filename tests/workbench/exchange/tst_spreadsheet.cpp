@@ -212,7 +212,6 @@ class SpreadsheetTest : public QObject {
     QCOMPARE(exchange::spreadsheetFileName("1.2 a/b:c*?\"<>|\\"), QString("1.2 a_b_c_______.xlsx"));
     QCOMPARE(exchange::spreadsheetFileName(" .. "), QString("导出.xlsx"));
     QCOMPARE(exchange::spreadsheetFileName("nul"), QString("_nul.xlsx"));
-    QCOMPARE(exchange::spreadsheetFileName("汇总.XLSX"), QString("汇总.xlsx"));
     QCOMPARE(exchange::spreadsheetFileName(QString("𠮷").repeated(99)).size(), 80 + 5);
   }
 
@@ -280,8 +279,6 @@ class SpreadsheetTest : public QObject {
     {
       const FileSizeLimit full(1 << 20);
       const QString problem = exchange::replaceFile(buffer, path());
-      QVERIFY2(problem.contains("磁盘可能已满") && problem.contains("表.xlsx"),
-               qPrintable(problem));
       QVERIFY2(problem.contains("原来的文件没有改变"), qPrintable(problem));
     }
     QCOMPARE(tests::contentOf(path()), QByteArray("旧"));

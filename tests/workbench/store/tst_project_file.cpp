@@ -57,10 +57,10 @@ void book(tests::ProjectFixture& fixture) {
     // And gives the second item to a subcontract, next to its own bill.
     records::SubcontractData data;
     data.name = project.texts.intern("分包");
-    data.unit = static_cast<const records::Bill*>(at)->unit;
+    data.unit = fixture.bills().front()->unit;
     data.price = Decimal(12);
     records::Subcontract& entry = project.addSubcontract(data);
-    project.assign(entry, {const_cast<records::Bill*>(static_cast<const records::Bill*>(at))});
+    project.assign(entry, {fixture.bills().front()});
     project.collect(fixture.item(0, Category::Material, 1), entry);
   }
   fixture.close();
