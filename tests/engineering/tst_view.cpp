@@ -312,6 +312,16 @@ class TestView : public QObject {
     QVERIFY(!page_->useDetailCalc(fields));
   }
 
+  void goesOnFromTheCalculationThatIsThere() {
+    type(bill_, keys::SECalcExpr, "工程量*2");
+    current(bill_, keys::SECalcExpr);
+    page_->showQuantityDetailDialog();
+    auto* dialog = page_->findChild<QDialog*>("QuantityDetailDialog");
+    QCOMPARE(dialog->findChild<QTableWidget*>()->item(0, 1)->text(), QString("工程量*2"));
+    dialog->accept();  // nothing was changed
+    QCOMPARE(text(bill_, keys::SECalcExpr), QString("工程量*2"));
+  }
+
   void exportsUnderTheNameThatWasSet() {
     driver_.key(Qt::Key_E, Qt::ControlModifier);
     page_->setExportExcelName("清单表");
