@@ -49,7 +49,7 @@ QCEIndirectFeeViewImpl::QCEIndirectFeeViewImpl(QWidget* parent) : BasePage(paren
   leftTree_->setObjectName("QCEIndirectFeeTreeView");
   leftTree_->setItemDelegate(new gui::StyledItemDelegate(leftTree_));
   leftTree_->setSelectionBehavior(QAbstractItemView::SelectRows);
-  leftTree_->setMinimumWidth(320);
+  leftTree_->setMinimumWidth(345);
   leftTree_->viewport()->installEventFilter(this);
   leftTree_->setEmptyText("工程没有间接费");
   rightTable_ = new bwidgets::TableView(splitter_);

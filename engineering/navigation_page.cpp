@@ -48,6 +48,7 @@ void NavigationPage::followTree() {
 
 void NavigationPage::activate() {
   active_ = true;
+  tree_->doItemsLayout();  // rows measured before the page was in a window know no style sheet
   QItemSelectionModel* selection = tree_->selectionModel();
   if (selection != nullptr && !selection->hasSelection()) {
     const QModelIndex first = tree_->model()->index(0, 0);

@@ -149,7 +149,7 @@ FeeCost kept(FeeCost cost) {
 std::unique_ptr<domain::DisplayTable> makeFeeGroupTable() {
   auto table = std::make_unique<domain::DisplayTable>("QCE_IndirectFeeGroup");
   table->getHeader()->addColumn(keys::IFName, fieldOf("费用组", domain::StringField, 0)).width =
-      170;
+      205;
   table->getHeader()->addColumn(
       keys::IFCostAmount, fieldOf("成本（元）", domain::FloatingPointField, costing::MoneyPlaces));
   return table;
