@@ -30,6 +30,7 @@ constexpr double PictureGap = 16 * Point;
 constexpr double LeastPicture = 150 * Point;  // a smaller one goes onto the next page
 constexpr int LeastTreeCharacters = 12;
 constexpr int LeastCharacters = 5;
+constexpr double LeastNumber = 4.5;
 constexpr int MostCharacters = 30;  // that a text asks for on one line
 
 const QColor HeaderFill(0xe6, 0xeb, 0xf2);
@@ -209,7 +210,7 @@ class Printer {
 
   /// Of the title and the facts.
   double headRoom() const {
-    return TitleRoom + std::ceil(head_.facts.size() / 2.0) * FactRoom + FactRoom / 2;
+    return TitleRoom + (1 + head_.facts.size() / 2) * FactRoom + FactRoom / 2;
   }
 
   static double indentOf(const app::Sheet& sheet, const app::SheetRow& row, int column) {
@@ -241,7 +242,7 @@ class Printer {
       const double halfTitle = title / 2 + em;  // it may take two lines
       ColumnNeed need;
       if (text == 0) {
-        need.least = need.natural = std::max(number, halfTitle);
+        need.least = need.natural = std::max({number, halfTitle, LeastNumber * em});
       } else {
         const double readable = (tree ? LeastTreeCharacters : LeastCharacters) * em;
         need.natural = std::max(number, std::min(std::max(text, title), MostCharacters * em));
@@ -305,13 +306,13 @@ class Printer {
     painter_.setFont(title_);
     painter_.drawText(QRectF(Margin, Margin, width - 2 * Margin, TitleRoom), Qt::AlignCenter,
                       title);
-    double y = Margin + TitleRoom;
     const double half = (width - 2 * Margin) / 2;
     for (int i = 0; i < head_.facts.size(); ++i) {
-      const bool right = i % 2 != 0;
-      const QRectF place(Margin + (right ? half : 0), y, half - Padding, FactRoom);
+      const bool right = i > 0 && i % 2 == 0;
+      const int line = (i + 1) / 2;
+      const QRectF place(Margin + (right ? half : 0), Margin + TitleRoom + line * FactRoom,
+                         (i == 0 ? 2 * half : half) - Padding, FactRoom);
       drawElided(place, head_.facts[i].first + QStringLiteral("：") + head_.facts[i].second, body_);
-      if (right) y += FactRoom;
     }
     return Margin + headRoom();
   }

@@ -24,9 +24,11 @@ struct ReportPart {
 };
 
 struct ReportHead {
-  QString project;                       ///< on every page
-  QList<QPair<QString, QString>> facts;  ///< caption and text, at the head of each part
-  QString note;                          ///< beside the page number, on every page
+  QString project;  ///< on every page
+  /// Caption and text, at the head of each part: the first one in a line of its own, the others two
+  /// in a line.
+  QList<QPair<QString, QString>> facts;
+  QString note;  ///< beside the page number, on every page
 };
 
 struct PrintedReport {
