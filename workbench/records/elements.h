@@ -149,12 +149,12 @@ class ResourceItem final : public Record {
   friend class Project;
   friend class ProjectBuilder;
 
+  int position_ = 0;  // first: it fits in beside the row number, and there are millions of items
   CostAccount* account_ = nullptr;
   Subcontract* subcontract_ = nullptr;
   Text code_, name_, spec_, unit_, annotation_;
   costing::PackedDecimal quantity_, price_, taxRate_;
   costing::PackedDecimal budgetAmount_, excludedAmount_, includedAmount_;
-  int position_ = 0;
   Category category_ = Category::Material;
   bool ownerSupplied_ = false, provisional_ = false, priceAdjustable_ = false, associated_ = false;
   bool gathered_ = false, linked_ = true;
