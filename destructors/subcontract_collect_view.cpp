@@ -69,6 +69,15 @@ void DesSetSubcontractCollectViewImpl::setModel(abst::BaseModel* model) {
   tree_->header()->setSectionsClickable(false);
   tree_->header()->setSortIndicatorShown(false);
   tree_->expandAll();
+  if (tree_->model() == nullptr) return;
+  // A bill that comes in is to be seen; so are those of an entry that comes back.
+  connect(tree_->model(), &QAbstractItemModel::rowsInserted, tree_,
+          [tree = tree_](const QModelIndex& parent, int first, int last) {
+            tree->expand(parent);
+            for (int row = first; row <= last; ++row) {
+              tree->expand(tree->model()->index(row, 0, parent));
+            }
+          });
 }
 
 void DesSetSubcontractCollectViewImpl::setAbstractView(

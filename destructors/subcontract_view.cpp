@@ -23,6 +23,9 @@ namespace keys = domain::keys;
 
 namespace {
 
+constexpr char Usage[] =
+    "空格或双击清单：关联到当前分包，再按取消关联。Insert 新增分包，Ctrl+Delete 删除分包";
+
 QSplitter* createSplitter(Qt::Orientation orientation, QWidget* parent) {
   auto* splitter = new QSplitter(orientation, parent);
   splitter->setHandleWidth(8);
@@ -43,12 +46,14 @@ DesSetSubcontractViewImpl::DesSetSubcontractViewImpl(QWidget* parent) : BasePage
   below->addWidget(bills_);
   below->setStretchFactor(0, 45);
   below->setStretchFactor(1, 55);
+  below->setSizes({4500, 5500});
   QSplitter* all = createSplitter(Qt::Vertical, this);
   all->addWidget(table_);
   all->addWidget(below);
   all->setStretchFactor(0, 45);
   all->setStretchFactor(1, 55);
-  note_ = new QLabel(this);
+  all->setSizes({4000, 6000});
+  note_ = new QLabel(Usage, this);
   note_->setObjectName("DesSetSubcontract_note");
   note_->setTextFormat(Qt::PlainText);
   note_->setContentsMargins(6, 3, 6, 3);
@@ -167,13 +172,15 @@ void DesSetSubcontractViewImpl::tellCurrent(const QModelIndex& current) {
 }
 
 void DesSetSubcontractViewImpl::refreshBills() {
+  if (!noted_) note_->setText(Usage);
+  noted_ = false;
   bills_->refresh(entryName());
 }
 
 void DesSetSubcontractViewImpl::onCurrentRowChanged(const QModelIndex& current,
                                                     const QModelIndex& /*previous*/) {
   if (!isVisible()) return;
-  note_->clear();
+  noted_ = false;
   tellCurrent(current);
 }
 
@@ -184,6 +191,7 @@ void DesSetSubcontractViewImpl::onDataChange(const QModelIndex& topLeft,
   proxy::Element* entry = table_->table()->elementAt(topLeft);
   if (view_ == nullptr || entry == nullptr || key.toStdString() != keys::BRIMeteringMethod) return;
   note_->setText(QString::fromStdString(view_->handleMeteringMethod(entry)));
+  noted_ = true;
 }
 
 }  // namespace gui::qce::destructors

@@ -48,7 +48,7 @@ class QCE_EXPORT DesSetSubcontractViewImpl : public gui::BasePage {
   void activate() override;
   void deactivate() override;
   void updateView() override;
-  /// What is associated with the current entry has changed.
+  /// An edit is complete: what is associated with the current entry may be something else.
   void refreshBills();
 
   DesSetSubcontractTableViewImpl* tableView() const { return table_; }
@@ -73,6 +73,7 @@ class QCE_EXPORT DesSetSubcontractViewImpl : public gui::BasePage {
   DesSetSubcontractCollectViewImpl* collect_ = nullptr;
   DesSetSubcontractAssociationBillViewImpl* bills_ = nullptr;
   QLabel* note_ = nullptr;
+  bool noted_ = false;  // the note is about the edit that is under way
   std::array<QMetaObject::Connection, 2> connections_;
 };
 

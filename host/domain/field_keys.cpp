@@ -66,6 +66,9 @@ const std::string SEBudgetTotalCost = "QCE_SEBudgetTotalCost";
 const std::string SECostTotalCost = "QCE_SECostTotalCost";
 const std::string SEType = "SEType";
 const std::string SERemark = "SERemark";
+const std::string SEUnitWork = "QCE_SEUnitWork";
+const std::string SESection = "QCE_SESection";
+const std::string SESubcontracts = "QCE_SESubcontracts";
 
 const std::string SEContent = "QCE_SEContent";
 const std::string SEBudgetContent = "QCE_SEBudgetContent";

@@ -80,6 +80,9 @@ QCE_CONTRACT_EXPORT extern const std::string SEBudgetTotalCost;  ///< revenue ex
 QCE_CONTRACT_EXPORT extern const std::string SECostTotalCost;    ///< cost excluding tax, yuan
 QCE_CONTRACT_EXPORT extern const std::string SEType;             ///< 类型
 QCE_CONTRACT_EXPORT extern const std::string SERemark;           ///< 备注
+QCE_CONTRACT_EXPORT extern const std::string SEUnitWork;         ///< name of its unit work
+QCE_CONTRACT_EXPORT extern const std::string SESection;          ///< name of its section
+QCE_CONTRACT_EXPORT extern const std::string SESubcontracts;     ///< names of subcontract entries
 
 // Bills of a resource item.
 QCE_CONTRACT_EXPORT extern const std::string SEContent;         ///< actual content per unit of bill

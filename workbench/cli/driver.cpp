@@ -21,10 +21,11 @@ namespace cli {
 namespace {
 
 /// The window that has the keyboard: the modal dialog's, else the one in front. Where no window
-/// manager hands the keyboard on when a dialog opens or closes, the window takes it.
+/// manager hands the keyboard on when a dialog or a popup opens or closes, the window takes it.
 QWindow* keyboardWindow() {
   QWidget* wanted = QApplication::activeModalWidget();
-  if (wanted == nullptr && QGuiApplication::focusWindow() == nullptr) {
+  const QWindow* focused = QGuiApplication::focusWindow();
+  if (wanted == nullptr && (focused == nullptr || !focused->isVisible())) {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
       if (widget->isVisible() && widget->windowType() == Qt::Window) wanted = widget;
     }

@@ -87,6 +87,7 @@ void Tour::walk() {
   step("费用汇总", &Tour::feeSummaries);
   step("间接费", &Tour::indirectFees);
   step("导出报表", &Tour::report);
+  step("分包设置", &Tour::subcontracts);
   step("缩放", &Tour::zoom);
   step("重新打开", &Tour::reopen);
 }

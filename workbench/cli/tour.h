@@ -82,6 +82,7 @@ class Tour {
   void feeSummaries();
   void indirectFees();
   void report();
+  void subcontracts();
   void zoom();
   void reopen();
 
@@ -127,6 +128,7 @@ class Tour {
   void clickButton(const QString& text, QWidget* in);
   QTreeView* grid() const;
   int column(const std::string& key) const;
+  QStringList summaryCosts();
   /// The shown items (not the grouping rows), top to bottom, in the given column.
   QModelIndexList items(int column) const;
   proxy::Element* element(const QModelIndex& index) const;

@@ -14,17 +14,7 @@ Decimal incomeOf(const Bill& bill) {
   return sum;
 }
 
-BillCosts::BillCosts(const Project& project) : project_(project) {
-  for (const ResourceItem* item : project_.bookings().touchedItems()) {
-    for (const BillLine& line : project_.linesOf(*item)) booked_[line.bill] += line.excludedAmount;
-  }
-  const RowList& entries = project_.subcontracts().rows();
-  for (int row = 0; row < entries.size(); ++row) {
-    share(*static_cast<const Subcontract*>(entries.at(row)));
-  }
-}
-
-void BillCosts::share(const Subcontract& entry) {
+std::vector<Decimal> sharesOf(const Subcontract& entry) {
   const int count = entry.rows().size();
   std::vector<Decimal> weights;
   weights.reserve(static_cast<std::size_t>(count));
@@ -40,6 +30,8 @@ void BillCosts::share(const Subcontract& entry) {
     whole = count;
   }
   const Decimal amount = entry.amount();
+  std::vector<Decimal> shares;
+  shares.reserve(weights.size());
   Decimal upTo;
   Decimal given;
   for (int row = 0; row < count; ++row) {
@@ -48,8 +40,23 @@ void BillCosts::share(const Subcontract& entry) {
     const Decimal until = last         ? amount
                           : byQuantity ? costing::excludedTaxAmount(upTo, entry.price)
                                        : costing::shareUpTo(amount, whole, upTo);
-    subcontracted_[&entry.billAt(row).bill] += until - given;
+    shares.push_back(until - given);
     given = until;
+  }
+  return shares;
+}
+
+BillCosts::BillCosts(const Project& project) : project_(project) {
+  for (const ResourceItem* item : project_.bookings().touchedItems()) {
+    for (const BillLine& line : project_.linesOf(*item)) booked_[line.bill] += line.excludedAmount;
+  }
+  const RowList& entries = project_.subcontracts().rows();
+  for (int row = 0; row < entries.size(); ++row) {
+    const auto& entry = *static_cast<const Subcontract*>(entries.at(row));
+    const std::vector<Decimal> shares = sharesOf(entry);
+    for (std::size_t i = 0; i < shares.size(); ++i) {
+      subcontracted_[&entry.billAt(static_cast<int>(i)).bill] += shares[i];
+    }
   }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <unordered_map>
+#include <vector>
 
 #include "workbench/records/project.h"
 
@@ -8,6 +9,8 @@ namespace records {
 
 /// What a bill brings: its amount, where the source prices bills, else those of its resources.
 costing::Decimal incomeOf(const Bill& bill);
+/// What of the entry's amount each of its bills stands for, in their order. They add up to it.
+std::vector<costing::Decimal> sharesOf(const Subcontract& entry);
 
 /// What the bills of a project cost, excluding tax, as the project is when this is made. A bill is
 /// the sum of its lines in all cost items, each rounded to 2 places, and of its shares of the
@@ -23,8 +26,6 @@ class BillCosts {
   costing::Decimal subcontracted(const Bill& bill) const;
 
  private:
-  void share(const Subcontract& entry);
-
   const Project& project_;
   std::unordered_map<const Bill*, costing::Decimal> booked_;  // in items that a booking has touched
   std::unordered_map<const Bill*, costing::Decimal> subcontracted_;

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "host/domain/qce/contract_types.h"
+
 namespace records {
 namespace {
 
@@ -25,8 +27,11 @@ const std::string& nameOf(MeteringMethod method) {
 }
 
 const std::vector<std::string>& contractTypes() {
-  static const std::vector<std::string> types = {"劳务外包合同", "清包合同", "专业分包合同",
-                                                 "采购合同", "租赁合同"};
+  static const std::vector<std::string> types = [] {
+    std::vector<std::string> all = domain::qce::contractTypes();
+    all.pop_back();  // stands for none
+    return all;
+  }();
   return types;
 }
 

@@ -455,6 +455,8 @@ void MainWindow::showHelp() {
       "<td>人材机归集：设置成本科目 / 关联到成本 / 设置归集</td></tr>"
       "<tr><td>Shift+F2</td><td>编辑批注</td></tr>"
       "<tr><td>Alt+↑ / Alt+↓</td><td>上移 / 下移选中的行</td></tr>"
+      "<tr><td>Insert / Ctrl+Delete</td><td>新增 / 删除间接费、分包</td></tr>"
+      "<tr><td>空格或双击</td><td>在分包设置中关联清单，或取消关联</td></tr>"
       "<tr><td>Ctrl+E</td><td>把当前页面的表格导出为 Excel 文件</td></tr>"
       "<tr><td>Ctrl+Shift+E</td><td>把三种汇总和间接费用导出为 Excel 文件和 PDF 报表</td></tr>"
       "<tr><td>Ctrl+F</td><td>在表格中查找，可用拼音首字母（lwg 找到螺纹钢）</td></tr>"

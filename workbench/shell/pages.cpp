@@ -25,6 +25,7 @@
 #include "workbench/shell/indirect_fee_page.h"
 #include "workbench/shell/project_info.h"
 #include "workbench/shell/session.h"
+#include "workbench/shell/subcontract_page.h"
 #include "workbench/shell/summary_sources.h"
 #include "workbench/shell/summary_view.h"
 
@@ -265,9 +266,9 @@ Page makeSubEngineeringPage(Session& session) {
 }  // namespace
 
 const std::vector<PageMaker>& pageMakers() {
-  static const std::vector<PageMaker> makers{makeResItemPage,        makeDesResItemPage,
-                                             makeSubEngineeringPage, makeIndirectFeePage,
-                                             makeFeeSummaryPage,     makeProjectInfoPage};
+  static const std::vector<PageMaker> makers{
+      makeResItemPage,     makeDesResItemPage, makeSubEngineeringPage, makeSubcontractPage,
+      makeIndirectFeePage, makeFeeSummaryPage, makeProjectInfoPage};
   return makers;
 }
 

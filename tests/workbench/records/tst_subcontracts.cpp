@@ -194,12 +194,12 @@ class SubcontractsTest : public QObject {
   void everyEditIsUndoneAndStored() {
     tests::ProjectFixture fixture;
     std::mt19937 random(20261121);
-    for (int round = 0; round < 15; ++round) {
+    for (int round = 0; round < 5; ++round) {
       controllers::OpenProject* opened = fixture.open();
       QUndoStack& stack = *opened->undo().stack();
       Project& project = opened->project();
       std::vector<std::string> states{project.dump()};
-      for (int step = 0; step < 25; ++step) {
+      for (int step = 0; step < 70; ++step) {
         const int before = stack.index();
         const bool jumps = random() % 5 == 0;
         if (jumps) {
@@ -216,7 +216,7 @@ class SubcontractsTest : public QObject {
         QVERIFY(project.dump() == states[static_cast<std::size_t>(stack.index())]);
       }
       const std::string last = project.dump();
-      QVERIFY(project.subcontracts().size() > 1);
+      QVERIFY(stack.count() > 20);
       QVERIFY(fixture.open()->project().dump() == last);
       fixture.close();
       const store::CheckReport report = store::check(fixture.path());
@@ -236,7 +236,6 @@ class SubcontractsTest : public QObject {
     SubcontractData data;
     data.name = project.texts.intern("分包" + std::to_string(number(100)));
     data.unit = pick(bills)->unit;
-    data.price = 12;
     if (count < 3) return void(project.addSubcontract(data, number(2) - 1));
     Subcontract& entry = entryAt(project, number(count));
     const std::function<void()> kinds[] = {

@@ -1,0 +1,256 @@
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTreeView>
+#include <QUndoStack>
+#include <functional>
+#include <map>
+
+#include "host/bwidgets/table_view.h"
+#include "host/domain/field_keys.h"
+#include "host/gui/tree_grid_view.h"
+#include "host/gui/view_model.h"
+#include "host/proxy/element.h"
+#include "workbench/cli/tour.h"
+#include "workbench/controllers/open_project.h"
+#include "workbench/services/channels.h"
+#include "workbench/shell/main_window.h"
+#include "workbench/shell/page_stack.h"
+#include "workbench/shell/session.h"
+#include "workbench/shell/summary_view.h"
+
+namespace cli {
+
+namespace keys = domain::keys;
+using costing::Decimal;
+using records::Bill;
+using records::Subcontract;
+
+namespace {
+
+/// The widget with this name, which must be there.
+template <class Widget>
+Widget* named(QWidget* in, const char* name) {
+  auto* found = in->findChild<Widget*>(QString::fromUtf8(name));
+  if (found == nullptr) throw Tour::StepFailed(std::string("找不到控件 ") + name);
+  return found;
+}
+
+/// Bills of the same work have this in common: the leading part of the code, and the unit.
+std::string workOf(const Bill& bill) {
+  return bill.code.str().substr(0, 9) + ' ' + bill.unit.str();
+}
+
+}  // namespace
+
+// The total cost of each summary, as it is shown.
+QStringList Tour::summaryCosts() {
+  require(window_->pages()->setCurrentPage("summary"), "没有费用汇总页面");
+  auto* kinds = named<QTreeView>(window_.get(), "QCEFeeSummaryTreeView");
+  QStringList costs;
+  for (int i = 0; i < kinds->model()->rowCount(); ++i) {
+    driver_.clickCell(kinds, kinds->model()->index(i, 0));
+    for (auto* each : window_->findChildren<shell::SummaryView*>()) {
+      if (!each->isVisible()) continue;
+      const auto& model = each->model();
+      const auto& total = model.row(model.index(model.rowCount() - 1, 0))->line();
+      costs << QString::fromStdString(total.cost.toString(costing::MoneyPlaces));
+    }
+  }
+  require(window_->pages()->setCurrentPage("subcontracts"), "没有分包设置页面");
+  return costs;
+}
+
+void Tour::subcontracts() {
+  const QString pageBefore = window_->pages()->currentPage();
+  records::Project& project = window_->session()->project().project();
+  QUndoStack& stack = window_->session()->undoStack();
+  const std::string before = project.dump();
+  const int steps = stack.index();
+  const QStringList costs = summaryCosts();
+  const Decimal costBefore = *Decimal::parse(costs.front().toStdString());
+
+  auto* table = named<bwidgets::TableView>(window_.get(), "DesSetSubcontract_table");
+  auto* tree = named<gui::TreeGridView>(window_.get(), "DesSetSubcontract_collect");
+  auto* bills = named<bwidgets::TableView>(window_.get(), "DesSetSubcontract_bills");
+  auto* filter = named<QLineEdit>(window_.get(), "DesSetSubcontract_filter");
+  const auto cell = [](const bwidgets::TreeGridView* in, int row, const std::string& key) {
+    return in->model()->index(row, in->viewModel()->getColumnIndex(key));
+  };
+  const auto shown = [&](const std::string& key) {
+    return cell(table, 0, key).data().toString().remove(',');
+  };
+  const auto money = [](const Decimal& value) {
+    return QString::fromStdString(value.toString(costing::MoneyPlaces));
+  };
+  const auto edit = [&](const std::string& key, const QString& text) {
+    driver_.clickCell(table, cell(table, 0, key));
+    driver_.key(Qt::Key_F2);
+    driver_.key(Qt::Key_A, Qt::ControlModifier);
+    driver_.type(text);
+    // A list of what matches stands over the editor first.
+    if (QApplication::activePopupWidget() != nullptr) driver_.key(Qt::Key_Return);
+    if (!table->hasFocus()) driver_.key(Qt::Key_Return);
+  };
+
+  // A bill whose work stands elsewhere, too, where there is one.
+  std::map<std::string, std::vector<Bill*>> works;
+  const std::function<void(proxy::Element*)> collect = [&](proxy::Element* at) {
+    auto* bill = dynamic_cast<Bill*>(at);
+    if (bill != nullptr) works[workOf(*bill)].push_back(bill);
+    for (int row = 0; bill == nullptr && row < at->childCount(); ++row) collect(at->child(row));
+  };
+  for (records::StructureNode* work : project.unitWorks()) collect(work);
+  const Bill* bill = nullptr;
+  for (const auto& [work, same] : works) {
+    const bool more = bill == nullptr || same.size() > works[workOf(*bill)].size();
+    if (more && !same.front()->quantityForCost().isZero()) bill = same.front();
+  }
+  require(bill != nullptr, "没有可用的清单");
+  const std::vector<Bill*>& same = works[workOf(*bill)];
+
+  // From the base list.
+  const bool opened = driver_.withPopup(
+      [&] { clickAction("从基础库添加"); },
+      [&](QWidget* dialog) {
+        auto* list = named<bwidgets::TableView>(dialog, "DesSetSubcontract_base");
+        int row = 0;
+        while (row + 1 < list->model()->rowCount() &&
+               cell(list, row, keys::BRIUnit).data().toString().toStdString() != bill->unit.str()) {
+          ++row;
+        }
+        driver_.clickCell(list, cell(list, row, keys::BRIName));
+        picture("分包基础库", dialog);
+        driver_.doubleClickCell(list, cell(list, row, keys::BRIName));
+      });
+  require(opened && project.subcontracts().size() == 1, "没有从基础库添加分包");
+  auto& entry = *static_cast<Subcontract*>(project.subcontracts().rows().at(0));
+  edit(keys::BRIUnit, QString::fromStdString(bill->unit.str()));
+  edit(keys::BRIMeteringMethod, "按清单工程量");
+  require(shown(keys::BRIAmount) == "0", "没有清单的分包有数量");
+
+  driver_.click(filter);
+  driver_.type(QString::fromStdString(bill->name.str()));
+  int at = 0;
+  while (at < bills->model()->rowCount() &&
+         bills->elementAt(bills->model()->index(at, 0))->id() != bill->id()) {
+    ++at;
+  }
+  require(at < bills->model()->rowCount(), "没有过滤出清单");
+  driver_.clickCell(bills, cell(bills, at, keys::SEName));
+  driver_.key(Qt::Key_Space);
+  require(entry.childCount() == 1 && &entry.billAt(0).bill == bill, "没有关联清单");
+  const Decimal quantity = bill->quantityForCost();
+  require(entry.amount() == (quantity * entry.price).rounded(2) &&
+              shown(keys::BRIExcludedTaxTotalCost) == money(entry.amount()),
+          "合价不等于工程量 × 单价");
+  require(cell(bills, at, keys::SEName).data(Qt::BackgroundRole).value<QColor>() ==
+              QColor(229, 243, 225),
+          "已关联的清单没有底色");
+  require(tree->model()->rowCount(tree->model()->index(0, 0)) == 1, "归集树没有清单");
+  picture("分包设置");
+
+  // A price, a contract type and an account.
+  edit(keys::BRIExcludedTaxFee, "275.5");
+  require(entry.price == *Decimal::parse("275.5") &&
+              entry.amount() == (quantity * entry.price).rounded(2),
+          "单价没有进入合价");
+  edit(keys::BRIContractType, "清包合同");
+  require(entry.contractType.str() == "清包合同", "没有选中合同类型");
+  edit(keys::BRIContractType, "<空白>");
+  require(entry.contractType.empty(), "没有清空合同类型");
+  const records::CostAccount* account = project.allAccounts().back();
+  edit(keys::CostAccount, QString::fromStdString(account->label));
+  require(entry.account == account, "没有选中成本科目");
+
+  // Another way of metering keeps the money.
+  const Decimal amount = entry.amount();
+  edit(keys::BRIMeteringMethod, "总价包干");
+  require(entry.metering == records::MeteringMethod::LumpSum && entry.price == amount &&
+              entry.amount() == amount && shown(keys::BRIAmount) == "1",
+          "总价包干没有保持合价");
+  require(named<QLabel>(window_.get(), "DesSetSubcontract_note")->text().contains("总价包干"),
+          "没有说明计量方式");
+  picture("计量方式");
+  driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  require(entry.metering == records::MeteringMethod::ByBills && entry.amount() == amount &&
+              shown(keys::BRIExcludedTaxTotalCost) == money(amount),
+          "撤销没有恢复计量方式");
+
+  // The same work in the whole project.
+  Decimal total;
+  for (const Bill* each : same) total += each->quantityForCost();
+  const int count = static_cast<int>(same.size());
+  channel_->answerNext(QMessageBox::Yes);
+  driver_.click(named<QPushButton>(window_.get(), "DesSetSubcontract_apply"));
+  const std::string asked = count > 1 ? std::to_string(count - 1) + " 条" : "没有与";
+  require(channel_->messages().size() == 1 &&
+              channel_->messages().front().text.find(asked) != std::string::npos,
+          "没有询问要归入多少条清单");
+  channel_->clear();
+  require(entry.childCount() == count && entry.quantityNow() == total &&
+              entry.amount() == (total * entry.price).rounded(2),
+          "应用到其他清单后的数量不对");
+  Decimal shares;
+  const QModelIndex top = tree->model()->index(0, 0);
+  const int shareColumn = tree->viewModel()->getColumnIndex(keys::SECostTotalCost);
+  for (int row = 0; row < count; ++row) {
+    const QModelIndex share = tree->model()->index(row, shareColumn, top);
+    shares += *Decimal::fromDouble(share.data(Qt::EditRole).toDouble());
+  }
+  require(shares == entry.amount(), "各清单的分包金额之和不等于合价");
+  picture("应用到其他清单");
+
+  for (const QString& cost : summaryCosts()) {
+    require(*Decimal::parse(cost.toStdString()) == costBefore + entry.amount(),
+            "汇总没有加上分包的金额：" + cost);
+  }
+  // From the line of the bid fees back to the entry.
+  require(window_->pages()->setCurrentPage("summary"), "没有费用汇总页面");
+  auto* kinds = named<QTreeView>(window_.get(), "QCEFeeSummaryTreeView");
+  driver_.clickCell(kinds, kinds->model()->index(0, 0));
+  for (auto* summary : window_->findChildren<shell::SummaryView*>()) {
+    if (!summary->isVisible()) continue;
+    QModelIndex found;
+    const std::function<void(const QModelIndex&)> look = [&](const QModelIndex& parent) {
+      for (int row = 0; row < summary->model().rowCount(parent); ++row) {
+        const QModelIndex index = summary->model().index(row, 0, parent);
+        const auto& line = summary->model().row(index)->line();
+        if (line.kind == records::SummaryLine::Kind::Subcontract) found = index;
+        look(index);
+      }
+    };
+    look({});
+    require(found.isValid(), "投标费用汇总没有分包");
+    summary->grid()->expandAll();
+    picture("汇总中的分包");
+    driver_.doubleClickCell(summary->grid(), found);
+    break;
+  }
+  require(window_->pages()->currentPage() == "subcontracts" && table->currentElement() != nullptr &&
+              table->currentElement()->id() == entry.id(),
+          "双击没有转到分包");
+  require(named<QLabel>(window_.get(), "totalsText")->text().contains("分包成本"),
+          "状态栏没有分包成本");
+
+  // What has bills is removed after a question.
+  driver_.clickCell(table, cell(table, 0, keys::BRIName));
+  channel_->answerNext(QMessageBox::Yes);
+  driver_.key(Qt::Key_Delete, Qt::ControlModifier);
+  require(channel_->messages().size() == 1 && project.subcontracts().size() == 0,
+          "没有询问并删除分包");
+  channel_->clear();
+  require(summaryCosts() == costs, "删除分包后汇总没有恢复");
+  driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  require(project.subcontracts().size() == 1 && entry.childCount() == count, "撤销没有恢复分包");
+  while (stack.index() > steps) driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  require(project.dump() == before, "分包的设置没有完全撤销");
+  filter->clear();
+  window_->pages()->setCurrentPage(pageBefore);
+}
+
+}  // namespace cli

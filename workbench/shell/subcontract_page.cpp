@@ -1,0 +1,159 @@
+#include "workbench/shell/subcontract_page.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QPointer>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include "destructors/subcontract_association_bill_filter_model.h"
+#include "destructors/subcontract_association_bill_model.h"
+#include "destructors/subcontract_association_bill_view.h"
+#include "destructors/subcontract_collect_model.h"
+#include "destructors/subcontract_collect_view.h"
+#include "destructors/subcontract_table_model.h"
+#include "destructors/subcontract_table_view.h"
+#include "destructors/subcontract_view.h"
+#include "host/base/number_text.h"
+#include "host/bwidgets/grid_sheet.h"
+#include "host/bwidgets/table_view.h"
+#include "host/gui/tree_grid_view.h"
+#include "workbench/controllers/open_project.h"
+#include "workbench/controllers/subcontract_controller.h"
+#include "workbench/shell/elided_label.h"
+
+namespace shell {
+
+namespace {
+
+using namespace gui::qce::destructors;
+
+void announceAll(QAbstractItemModel& model, const QModelIndex& parent = {}) {
+  const int rows = model.rowCount(parent);
+  if (rows == 0) return;
+  emit model.dataChanged(model.index(0, 0, parent),
+                         model.index(rows - 1, model.columnCount() - 1, parent));
+  for (int row = 0; row < rows; ++row) announceAll(model, model.index(row, 0, parent));
+}
+
+/// What stands behind the page, bound to the project as long as it lives.
+struct Subcontracts {
+  explicit Subcontracts(records::Project& ofProject)
+      : project(ofProject),
+        entries(project),
+        collected(project),
+        bills(project),
+        controller(project, entries, collected, bills) {
+    entryModel.setDisplayTable(entryTable.get());
+    entryModel.setOperator(&entries);
+    collectModel.setDisplayTable(collectTable.get());
+    collectModel.setOperator(&collected);
+    billModel.setDisplayTable(billTable.get());
+    billModel.setOperator(&bills);
+    controller.setModels(&entryModel, &collectModel);
+  }
+
+  /// Shows figures that may be other ones. A page that is hidden asks for its bills anew anyway.
+  void refresh() {
+    if (view.isNull() || !view->isVisible()) return;
+    announceAll(entryModel);
+    announceAll(collectModel);
+    view->refreshBills();
+    showTotals();
+  }
+  void showTotals() const {
+    if (totals.isNull()) return;
+    const costing::Totals sums = project.subcontractTotals();
+    const auto money = [](const costing::Decimal& value) {
+      return QString::fromStdString(base::ToThousandthsString(value.toDouble(), 2));
+    };
+    totals->setText(QStringLiteral("共 %1 条分包，合价 %2 元（不含税），%3 元（含税）")
+                        .arg(project.subcontracts().size())
+                        .arg(money(sums.excluded), money(sums.included)));
+  }
+
+  records::Project& project;
+  std::unique_ptr<domain::DisplayTable> entryTable = operators::makeSubcontractTable();
+  std::unique_ptr<domain::DisplayTable> collectTable = operators::makeSubcontractCollectTable();
+  std::unique_ptr<domain::DisplayTable> billTable = operators::makeSubcontractBillTable();
+  operators::SubcontractOperator entries;
+  operators::SubcontractCollectOperator collected;
+  operators::SubcontractBillOperator bills;
+  controllers::SubcontractController controller;
+  DesSetSubcontractTableModelImpl entryModel;
+  DesSetSubcontractCollectModelImpl collectModel;
+  DesSetSubcontractAssociationBillModelImpl billModel;
+  DesSetSubcontractAssociationBillFilterModelImpl billFilter{&billModel};
+  QPointer<DesSetSubcontractViewImpl> view;
+  QPointer<ElidedLabel> totals;
+};
+
+/// The page's tool bar brings its sums up to date when it is shown.
+class TotalsBar : public QToolBar {
+ public:
+  TotalsBar(std::function<void()> update, QWidget* parent)
+      : QToolBar(parent), update_(std::move(update)) {}
+
+ protected:
+  void showEvent(QShowEvent* event) override {
+    QToolBar::showEvent(event);
+    update_();
+  }
+
+ private:
+  std::function<void()> update_;
+};
+
+}  // namespace
+
+Page makeSubcontractPage(Session& session) {
+  auto behind = std::make_shared<Subcontracts>(session.project().project());
+  auto* frame = new QWidget;
+  auto* view = new DesSetSubcontractViewImpl(frame);
+  behind->view = view;
+  view->setAbstractView(&behind->controller);
+  view->setModel(&behind->entryModel);
+  view->setCollectModel(&behind->collectModel);
+  view->setAssociationBillModel(&behind->billFilter);
+  behind->controller.setFiguresChanged([all = behind.get()] { all->refresh(); });
+
+  auto* bar = new TotalsBar([all = behind.get()] { all->showTotals(); }, frame);
+  bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
+  bar->addActions(view->tableView()->actions());
+  bar->addSeparator();
+  behind->totals = new ElidedLabel(bar);
+  bar->addWidget(behind->totals);
+  auto* layout = new QVBoxLayout(frame);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  layout->addWidget(bar);
+  layout->addWidget(view, 1);
+
+  bwidgets::TreeGridView* entries = view->tableView()->table();
+  bwidgets::TreeGridView* tree = view->collectView()->tree();
+  bwidgets::TreeGridView* bills = view->billView()->table();
+  const auto inUse = [=] {
+    for (bwidgets::TreeGridView* grid : {tree, bills}) {
+      if (grid->isAncestorOf(QApplication::focusWidget()) || grid->hasFocus()) return grid;
+    }
+    return entries;
+  };
+  Page page;
+  page.key = QStringLiteral("subcontracts");
+  page.title = QStringLiteral("分包设置");
+  page.icon = QIcon(QStringLiteral(":/qce/icons/subcontracts.svg"));
+  page.widget = frame;
+  page.view = view;
+  page.find = [inUse] { inUse()->openSearchBox(); };
+  page.exportGrid = [=] {
+    bwidgets::TreeGridView* grid = inUse();
+    bwidgets::exportSheet(*grid, grid == tree ? "分包归集" : grid == bills ? "分包清单" : "分包");
+  };
+  page.setZoom = [=](int percent) {
+    for (bwidgets::TreeGridView* grid : {entries, tree, bills}) grid->setZoom(percent);
+  };
+  page.behind = behind;
+  return page;
+}
+
+}  // namespace shell
