@@ -28,8 +28,6 @@ using gui::qce::destructors::DesSetSubcontractViewImpl;
 using records::Bill;
 using records::Subcontract;
 
-Q_DECLARE_METATYPE(std::string)
-
 namespace {
 
 /// The page on the office building, as the window has it.

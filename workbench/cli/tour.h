@@ -128,7 +128,6 @@ class Tour {
   void clickButton(const QString& text, QWidget* in);
   QTreeView* grid() const;
   int column(const std::string& key) const;
-  QStringList summaryCosts();
   /// The shown items (not the grouping rows), top to bottom, in the given column.
   QModelIndexList items(int column) const;
   proxy::Element* element(const QModelIndex& index) const;

@@ -32,14 +32,6 @@ using records::Subcontract;
 
 namespace {
 
-/// The widget with this name, which must be there.
-template <class Widget>
-Widget* named(QWidget* in, const char* name) {
-  auto* found = in->findChild<Widget*>(QString::fromUtf8(name));
-  if (found == nullptr) throw Tour::StepFailed(std::string("找不到控件 ") + name);
-  return found;
-}
-
 /// Bills of the same work have this in common: the leading part of the code, and the unit.
 std::string workOf(const Bill& bill) {
   return bill.code.str().substr(0, 9) + ' ' + bill.unit.str();
@@ -47,37 +39,19 @@ std::string workOf(const Bill& bill) {
 
 }  // namespace
 
-// The total cost of each summary, as it is shown.
-QStringList Tour::summaryCosts() {
-  require(window_->pages()->setCurrentPage("summary"), "没有费用汇总页面");
-  auto* kinds = named<QTreeView>(window_.get(), "QCEFeeSummaryTreeView");
-  QStringList costs;
-  for (int i = 0; i < kinds->model()->rowCount(); ++i) {
-    driver_.clickCell(kinds, kinds->model()->index(i, 0));
-    for (auto* each : window_->findChildren<shell::SummaryView*>()) {
-      if (!each->isVisible()) continue;
-      const auto& model = each->model();
-      const auto& total = model.row(model.index(model.rowCount() - 1, 0))->line();
-      costs << QString::fromStdString(total.cost.toString(costing::MoneyPlaces));
-    }
-  }
-  require(window_->pages()->setCurrentPage("subcontracts"), "没有分包设置页面");
-  return costs;
-}
-
 void Tour::subcontracts() {
   const QString pageBefore = window_->pages()->currentPage();
   records::Project& project = window_->session()->project().project();
   QUndoStack& stack = window_->session()->undoStack();
   const std::string before = project.dump();
   const int steps = stack.index();
-  const QStringList costs = summaryCosts();
-  const Decimal costBefore = *Decimal::parse(costs.front().toStdString());
+  const std::array<Summary, 3> costs = readSummaries();
+  goTo("subcontracts");
 
-  auto* table = named<bwidgets::TableView>(window_.get(), "DesSetSubcontract_table");
-  auto* tree = named<gui::TreeGridView>(window_.get(), "DesSetSubcontract_collect");
-  auto* bills = named<bwidgets::TableView>(window_.get(), "DesSetSubcontract_bills");
-  auto* filter = named<QLineEdit>(window_.get(), "DesSetSubcontract_filter");
+  auto* table = find<bwidgets::TableView>("DesSetSubcontract_table");
+  auto* tree = find<gui::TreeGridView>("DesSetSubcontract_collect");
+  auto* bills = find<bwidgets::TableView>("DesSetSubcontract_bills");
+  auto* filter = find<QLineEdit>("DesSetSubcontract_filter");
   const auto cell = [](const bwidgets::TreeGridView* in, int row, const std::string& key) {
     return in->model()->index(row, in->viewModel()->getColumnIndex(key));
   };
@@ -117,7 +91,7 @@ void Tour::subcontracts() {
   const bool opened = driver_.withPopup(
       [&] { clickAction("从基础库添加"); },
       [&](QWidget* dialog) {
-        auto* list = named<bwidgets::TableView>(dialog, "DesSetSubcontract_base");
+        auto* list = find<bwidgets::TableView>("DesSetSubcontract_base", dialog);
         int row = 0;
         while (row + 1 < list->model()->rowCount() &&
                cell(list, row, keys::BRIUnit).data().toString().toStdString() != bill->unit.str()) {
@@ -173,8 +147,7 @@ void Tour::subcontracts() {
   require(entry.metering == records::MeteringMethod::LumpSum && entry.price == amount &&
               entry.amount() == amount && shown(keys::BRIAmount) == "1",
           "总价包干没有保持合价");
-  require(named<QLabel>(window_.get(), "DesSetSubcontract_note")->text().contains("总价包干"),
-          "没有说明计量方式");
+  require(find<QLabel>("DesSetSubcontract_note")->text().contains("总价包干"), "没有说明计量方式");
   picture("计量方式");
   driver_.key(Qt::Key_Z, Qt::ControlModifier);
   require(entry.metering == records::MeteringMethod::ByBills && entry.amount() == amount &&
@@ -186,7 +159,7 @@ void Tour::subcontracts() {
   for (const Bill* each : same) total += each->quantityForCost();
   const int count = static_cast<int>(same.size());
   channel_->answerNext(QMessageBox::Yes);
-  driver_.click(named<QPushButton>(window_.get(), "DesSetSubcontract_apply"));
+  driver_.click(find<QPushButton>("DesSetSubcontract_apply"));
   const std::string asked = count > 1 ? std::to_string(count - 1) + " 条" : "没有与";
   require(channel_->messages().size() == 1 &&
               channel_->messages().front().text.find(asked) != std::string::npos,
@@ -205,37 +178,36 @@ void Tour::subcontracts() {
   require(shares == entry.amount(), "各清单的分包金额之和不等于合价");
   picture("应用到其他清单");
 
-  for (const QString& cost : summaryCosts()) {
-    require(*Decimal::parse(cost.toStdString()) == costBefore + entry.amount(),
-            "汇总没有加上分包的金额：" + cost);
+  const Decimal share =
+      *Decimal::fromDouble(tree->model()->index(0, shareColumn, top).data(Qt::EditRole).toDouble());
+  const std::array<Summary, 3> more = followed(costs, entry.amount());
+  for (std::size_t i = 0; i < more.size(); ++i) {
+    const auto found = more[i].costs.find(bill);
+    require(found == more[i].costs.end() || found->second == costs[i].costs.at(bill) + share,
+            "清单的成本没有加上分包的金额");
   }
   // From the line of the bid fees back to the entry.
-  require(window_->pages()->setCurrentPage("summary"), "没有费用汇总页面");
-  auto* kinds = named<QTreeView>(window_.get(), "QCEFeeSummaryTreeView");
-  driver_.clickCell(kinds, kinds->model()->index(0, 0));
-  for (auto* summary : window_->findChildren<shell::SummaryView*>()) {
-    if (!summary->isVisible()) continue;
-    QModelIndex found;
-    const std::function<void(const QModelIndex&)> look = [&](const QModelIndex& parent) {
-      for (int row = 0; row < summary->model().rowCount(parent); ++row) {
-        const QModelIndex index = summary->model().index(row, 0, parent);
-        const auto& line = summary->model().row(index)->line();
-        if (line.kind == records::SummaryLine::Kind::Subcontract) found = index;
-        look(index);
-      }
-    };
-    look({});
-    require(found.isValid(), "投标费用汇总没有分包");
-    summary->grid()->expandAll();
-    picture("汇总中的分包");
-    driver_.doubleClickCell(summary->grid(), found);
-    break;
-  }
+  driver_.clickCell(find<QTreeView>("QCEFeeSummaryTreeView"),
+                    find<QTreeView>("QCEFeeSummaryTreeView")->model()->index(0, 0));
+  shell::SummaryView& summary = shownSummary();
+  QModelIndex line;
+  const std::function<void(const QModelIndex&)> look = [&](const QModelIndex& parent) {
+    for (int row = 0; row < summary.model().rowCount(parent); ++row) {
+      const QModelIndex index = summary.model().index(row, 0, parent);
+      const auto kind = summary.model().row(index)->line().kind;
+      if (kind == records::SummaryLine::Kind::Subcontract) line = index;
+      look(index);
+    }
+  };
+  look({});
+  require(line.isValid(), "投标费用汇总没有分包");
+  summary.grid()->expandAll();
+  picture("汇总中的分包");
+  driver_.doubleClickCell(summary.grid(), line);
   require(window_->pages()->currentPage() == "subcontracts" && table->currentElement() != nullptr &&
               table->currentElement()->id() == entry.id(),
           "双击没有转到分包");
-  require(named<QLabel>(window_.get(), "totalsText")->text().contains("分包成本"),
-          "状态栏没有分包成本");
+  require(find<QLabel>("totalsText")->text().contains("分包成本"), "状态栏没有分包成本");
 
   // What has bills is removed after a question.
   driver_.clickCell(table, cell(table, 0, keys::BRIName));
@@ -244,13 +216,14 @@ void Tour::subcontracts() {
   require(channel_->messages().size() == 1 && project.subcontracts().size() == 0,
           "没有询问并删除分包");
   channel_->clear();
-  require(summaryCosts() == costs, "删除分包后汇总没有恢复");
+  followed(costs, Decimal());
+  goTo("subcontracts");
   driver_.key(Qt::Key_Z, Qt::ControlModifier);
   require(project.subcontracts().size() == 1 && entry.childCount() == count, "撤销没有恢复分包");
   while (stack.index() > steps) driver_.key(Qt::Key_Z, Qt::ControlModifier);
   require(project.dump() == before, "分包的设置没有完全撤销");
   filter->clear();
-  window_->pages()->setCurrentPage(pageBefore);
+  goTo(pageBefore);
 }
 
 }  // namespace cli
