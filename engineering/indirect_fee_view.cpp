@@ -183,8 +183,13 @@ void QCEIndirectFeeViewImpl::addItem() {
   proxy::Element* group = leftTree_->currentElement();
   if (controller_ == nullptr || !controller_->canAddItem(group)) return;
   proxy::Element* item = controller_->addItem(group);
-  if (item != nullptr) rightTable_->selectElements({item});
   rightTable_->setFocus();
+  if (item == nullptr) return;
+  rightTable_->selectElements({item});
+  // It is to be named first.
+  const auto* columns = rightTable_->viewModel();
+  const QModelIndex name = columns->makeIndex(item, columns->getColumnIndex(domain::keys::IFName));
+  if (name.isValid()) rightTable_->setCurrentIndex(name);
 }
 
 void QCEIndirectFeeViewImpl::removeItems() {

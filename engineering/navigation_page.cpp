@@ -12,6 +12,12 @@
 
 namespace gui::qce {
 
+namespace {
+
+constexpr int LeastCharacters = 10;  // of a name on the left, in a narrow window
+
+}  // namespace
+
 NavigationPage::NavigationPage(const QString& treeName, int treeStretch, int stackStretch,
                                QWidget* parent)
     : Widget(parent),
@@ -22,6 +28,7 @@ NavigationPage::NavigationPage(const QString& treeName, int treeStretch, int sta
   tree_->setHeaderHidden(true);
   tree_->setEditTriggers(QAbstractItemView::NoEditTriggers);
   tree_->setUniformRowHeights(true);
+  tree_->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("费")) * LeastCharacters);
   splitter_->addWidget(tree_);
   splitter_->addWidget(stack_);
   splitter_->setHandleWidth(8);

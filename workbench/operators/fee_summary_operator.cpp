@@ -92,17 +92,17 @@ SummaryRow::SummaryRow(std::int64_t id, const SummaryLine& from)
 std::unique_ptr<domain::DisplayTable> makeFeeSummaryTable() {
   auto table = std::make_unique<domain::DisplayTable>("QCE_FeeSummary");
   domain::DisplayRow& header = *table->getHeader();
-  header.addColumn(summary_keys::Name, makeField("名称", domain::StringField)).width = 215;
+  header.addColumn(summary_keys::Name, makeField("名称", domain::StringField)).width = 255;
   const auto addNumber = [&header](const std::string& key, const char* text, int width) {
     domain::DataField field =
         makeField(text, domain::FloatingPointField, costing::MoneyPlaces, false);
     field.thousandsSeparators = true;
     header.addColumn(key, std::move(field)).width = width;
   };
-  addNumber(summary_keys::Income, "收入（不含税）", 118);
-  addNumber(summary_keys::Cost, "成本（不含税）", 118);
-  addNumber(summary_keys::Difference, "差额", 105);
-  addNumber(summary_keys::Share, "占比（%）", 76);
+  addNumber(summary_keys::Income, "收入（不含税）", 110);
+  addNumber(summary_keys::Cost, "成本（不含税）", 110);
+  addNumber(summary_keys::Difference, "差额", 98);
+  addNumber(summary_keys::Share, "占比（%）", 68);
   return table;
 }
 

@@ -150,8 +150,10 @@ std::unique_ptr<domain::DisplayTable> makeFeeGroupTable() {
   auto table = std::make_unique<domain::DisplayTable>("QCE_IndirectFeeGroup");
   table->getHeader()->addColumn(keys::IFName, fieldOf("费用组", domain::StringField, 0)).width =
       205;
-  table->getHeader()->addColumn(
-      keys::IFCostAmount, fieldOf("成本（元）", domain::FloatingPointField, costing::MoneyPlaces));
+  table->getHeader()
+      ->addColumn(keys::IFCostAmount,
+                  fieldOf("成本（元）", domain::FloatingPointField, costing::MoneyPlaces))
+      .width = 125;
   return table;
 }
 

@@ -8,6 +8,7 @@
 #include "engineering/indirect_fee_right_model.h"
 #include "engineering/indirect_fee_view.h"
 #include "host/bwidgets/table_view.h"
+#include "host/domain/field_keys.h"
 #include "host/gui/tree_grid_view.h"
 #include "workbench/controllers/indirect_fee_controller.h"
 #include "workbench/controllers/open_project.h"
@@ -59,6 +60,7 @@ Page makeIndirectFeePage(Session& session) {
   view->setController(&fees->controller);
   view->setModel(&fees->right);
   view->setLeftModel(&fees->left);
+  view->hideColumns({domain::keys::IFNumber});  // the rows of the grid have numbers
 
   auto* bar = new QToolBar(frame);
   bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
@@ -89,7 +91,8 @@ Page makeIndirectFeePage(Session& session) {
   page.view = view;
   page.find = [view] { view->rightTable()->openSearchBox(); };
   page.exportGrid = [view] { view->exportExcel(); };
-  page.setZoom = [view](int percent) {
+  page.setZoom = [view, width = view->leftTree()->minimumWidth()](int percent) {
+    view->leftTree()->setMinimumWidth(width * percent / 100);
     view->leftTree()->setZoom(percent);
     view->rightTable()->setZoom(percent);
   };

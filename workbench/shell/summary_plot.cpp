@@ -198,7 +198,8 @@ void SummaryPlot::setScales() {
   }
   if (most - least < 1) most = least + 1;
   // Behind the longest bar there is room for its difference.
-  const double room = std::clamp(digits * 7.5 / std::max(240, canvas()->width()), 0.1, 0.5);
+  const double longest = (digits + 1.0) * QFontMetrics(font()).horizontalAdvance(QLatin1Char('0'));
+  const double room = std::clamp(longest / std::max(120, canvas()->width()), 0.1, 0.65);
   setAxisScale(xBottom, least, most + (most - least) * room / (1 - room));
   setAxisMaxMajor(xBottom, 5);
   setAxisMaxMinor(xBottom, 0);

@@ -110,7 +110,7 @@ class IndirectFeePageTest : public QObject {
     f_->driver.key(Qt::Key_Insert);
     QCOMPARE(table_->model()->rowCount(), rows + 1);
     row_ = rows;
-    QCOMPARE(table_->currentIndex().row(), row_);
+    QCOMPARE(table_->currentIndex(), cell(keys::IFName, row_));
     type(keys::IFName, "夜间施工增加费");
     type(keys::IFCostAmount, "1500");
     QVERIFY(project().feeTotal() == before + costing::Decimal(1500));
