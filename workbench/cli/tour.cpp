@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPainter>
@@ -12,6 +13,7 @@
 #include <QRadioButton>
 #include <QToolButton>
 #include <QTreeView>
+#include <algorithm>
 
 #include "host/bwidgets/tree_grid_view.h"
 #include "host/domain/field_keys.h"
@@ -279,7 +281,11 @@ exchange::ReadSheet Tour::exported(const QString& name, const bwidgets::TreeGrid
   const exchange::ReadSheet& sheet = book.sheets.front();
   const QString difference = sheetDifference(sheet, shown);
   require(difference.isEmpty(), difference);
-  require(sheet.frozenColumns == shown.frozenColumnCount(), "冻结的列不对");
+  const std::vector<int> columns = shown.visibleColumns();
+  const auto frozen = std::count_if(columns.begin(), columns.end(), [&shown](int column) {
+    return shown.header()->visualIndex(column) < shown.frozenColumnCount();
+  });
+  require(sheet.frozenColumns == frozen, "冻结的列不对");
   spreadsheets_ << path;
   return sheet;
 }
