@@ -16,6 +16,7 @@ using records::ItemField;
 using records::LineTerms;
 using records::Project;
 using records::ResourceItem;
+using records::Subcontract;
 
 namespace {
 
@@ -100,6 +101,7 @@ struct Plain {
       const auto ownQuantity = own.find(item->id());
       const Decimal mine = ownQuantity == own.end() ? Decimal() : ownQuantity->second;
       const Decimal tax = Decimal(1) + item->taxRate().value() / 100;
+      const bool counts = item->linked() && item->subcontract() == nullptr;
       Decimal quantity = mine, unpriced = mine;
       costing::Totals sum;
       bool associated = false;
@@ -110,6 +112,7 @@ struct Plain {
         if (!line.terms.price) unpriced += line.cost;
         const Decimal base = line.terms.price ? bill->quantityForCost() * *line.terms.price
                                               : line.cost * item->price().value();
+        if (!counts) continue;
         line.excluded = base.rounded(2);
         line.included = (base * tax).rounded(2);
         if (!line.terms.price) continue;
@@ -118,6 +121,7 @@ struct Plain {
       }
       if (quantity != mine) quantity = quantity.rounded(places);
       if (unpriced != mine) unpriced = unpriced.rounded(places);
+      if (!counts) unpriced = 0;
       sum.excluded += (unpriced * item->price().value()).rounded(2);
       sum.included += (unpriced * item->price().value() * tax).rounded(2);
       if (item->quantity().value() != quantity) return name + "quantity";
@@ -173,7 +177,7 @@ class Booker {
     ResourceItem& item = *pick(candidates);
     Bill& bill = *bills_[random_() % bills_.size()];
     const Pair key(item.id(), bill.id());
-    switch (random_() % 13) {
+    switch (random_() % 18) {
       case 0:
       case 1:
       case 2: {
@@ -262,17 +266,59 @@ class Booker {
           }
         }
         break;
-      default:
+      case 12:
         if (random_() % 2 == 0) {
           project_.set(item, ItemField::Price, PackedDecimal(Decimal(int(random_() % 900)) / 7));
         } else {
           project_.set(item, ItemField::TaxRate, PackedDecimal(Decimal(int(random_() % 18))));
         }
         break;
+      default:
+        try {
+          giveAway(item, bill);
+        } catch (const records::Refusal&) {
+          break;  // a unit that does not fit, an item that is collected
+        }
     }
   }
 
  private:
+  /// Changes what counts in cost, or a subcontract entry.
+  void giveAway(ResourceItem& item, Bill& bill) {
+    records::SubcontractData data;
+    data.name = bill.name;
+    data.unit = bill.unit;
+    data.price = Decimal(int(random_() % 9000)) / 100;
+    const unsigned count = unsigned(project_.subcontracts().size());
+    if (count < 3) return void(project_.addSubcontract(data, int(random_() % 2) - 1));
+    auto& entry =
+        *static_cast<Subcontract*>(project_.subcontracts().member(int(random_() % count)));
+    switch (random_() % 9) {
+      case 0:
+        return project_.collect(item, entry);
+      case 1:
+        return project_.uncollect(item);
+      case 2:
+        return project_.setLinked({&item}, random_() % 2 == 0);
+      case 3:
+        return project_.setMetering(entry, static_cast<records::MeteringMethod>(random_() % 3));
+      case 4:
+      case 5:
+        return project_.assign(entry, {&bill, bills_[0]});
+      case 6:
+        return project_.unassign(entry, {&bill});
+      case 7:
+        if (random_() % 3 == 0) return project_.removeSubcontract(entry);
+        return void(project_.moveSubcontract(entry.row(), int(random_() % count)));
+      default:
+        data = entry;
+        data.price += 1;
+        data.account = pick(project_.allAccounts());
+        if (data.metering == records::MeteringMethod::ByQuantity) data.quantity = 7;
+        return project_.set(entry, data);
+    }
+  }
+
   bool isThere(const Plain& plain, const ResourceItem& item, const Bill& bill) const {
     const auto all = plain.lines(project_);
     const auto found = all.find(item.id());

@@ -1,18 +1,12 @@
-#include <QUndoStack>
 #include <QtTest>
-#include <algorithm>
 #include <functional>
-#include <random>
 
-#include "tests/workbench/project_fixture.h"
 #include "workbench/records/bill_costs.h"
 #include "workbench/records/project_builder.h"
 #include "workbench/records/summary.h"
 #include "workbench/services/fee_template.h"
-#include "workbench/store/check.h"
 
 using costing::Decimal;
-using costing::PackedDecimal;
 using records::Bill;
 using records::MeteringMethod;
 using records::Project;
@@ -25,24 +19,6 @@ namespace {
 
 Decimal dec(const char* text) {
   return Decimal::parse(text).value();
-}
-
-std::vector<Bill*> billsOf(const records::RowList& rows) {
-  std::vector<Bill*> bills;
-  for (int row = 0; row < rows.size(); ++row) {
-    auto* bill = dynamic_cast<Bill*>(rows.at(row));
-    if (bill != nullptr) {
-      bills.push_back(bill);
-      continue;
-    }
-    const auto below = billsOf(static_cast<records::Branch*>(rows.at(row))->rows());
-    bills.insert(bills.end(), below.begin(), below.end());
-  }
-  return bills;
-}
-
-Subcontract& entryAt(Project& project, int row) {
-  return *static_cast<Subcontract*>(project.subcontracts().member(row));
 }
 
 /// Walls, slabs and formwork with 160 days of labour; an entry for the walls and slabs by the m³.
@@ -188,102 +164,6 @@ class SubcontractsTest : public QObject {
       }
     }
     QVERIFY(project.dump() == before);
-  }
-
-  // The check of the file recomputes all figures, apart from the program.
-  void everyEditIsUndoneAndStored() {
-    tests::ProjectFixture fixture;
-    std::mt19937 random(20261121);
-    for (int round = 0; round < 5; ++round) {
-      controllers::OpenProject* opened = fixture.open();
-      QUndoStack& stack = *opened->undo().stack();
-      Project& project = opened->project();
-      std::vector<std::string> states{project.dump()};
-      for (int step = 0; step < 70; ++step) {
-        const int before = stack.index();
-        const bool jumps = random() % 5 == 0;
-        if (jumps) {
-          stack.setIndex(std::clamp(before - 3 + static_cast<int>(random() % 7), 0, stack.count()));
-        } else {
-          const app::ScopedUndo undo("");
-          edit(project, fixture.items(), random);
-          edit(project, fixture.items(), random);
-        }
-        if (!jumps && stack.index() != before) {
-          states.resize(static_cast<std::size_t>(before) + 1);
-          states.push_back(project.dump());
-        }
-        QVERIFY(project.dump() == states[static_cast<std::size_t>(stack.index())]);
-      }
-      const std::string last = project.dump();
-      QVERIFY(stack.count() > 20);
-      QVERIFY(fixture.open()->project().dump() == last);
-      fixture.close();
-      const store::CheckReport report = store::check(fixture.path());
-      QVERIFY2(report.ok(), qPrintable(report.findings.join('\n')));
-    }
-  }
-
- private:
-  /// Changes anything about the entries, or what they follow from.
-  static void edit(Project& project, const std::vector<ResourceItem*>& items,
-                   std::mt19937& random) {
-    const auto number = [&](int below) { return static_cast<int>(random() % unsigned(below)); };
-    const auto pick = [&](const auto& list) { return list[random() % list.size()]; };
-    const auto bills = billsOf(project.structure().rows());
-    const int count = project.subcontracts().size();
-    ResourceItem& item = *pick(items);
-    SubcontractData data;
-    data.name = project.texts.intern("分包" + std::to_string(number(100)));
-    data.unit = pick(bills)->unit;
-    if (count < 3) return void(project.addSubcontract(data, number(2) - 1));
-    Subcontract& entry = entryAt(project, number(count));
-    const std::function<void()> kinds[] = {
-        [&] { number(3) == 0 ? project.removeSubcontract(entry) : void(); },
-        [&] { project.moveSubcontract(number(count), number(count)); },
-        [&] { project.setMetering(entry, static_cast<MeteringMethod>(number(3))); },
-        [&] {
-          project.assign(entry, {pick(bills), pick(bills), pick(bills)});
-        },
-        [&] {
-          for (Bill* bill : bills)
-            bill->unit == entry.unit ? project.assign(entry, {bill}) : void();
-        },
-        [&] {
-          if (entry.rows().size() > 0) project.unassign(entry, {&entry.billAt(0).bill, bills[0]});
-        },
-        [&] {
-          data = entry;
-          data.price = Decimal(number(100000)) / 100;
-          data.account = pick(project.allAccounts());
-          if (data.metering == MeteringMethod::ByQuantity) data.quantity = Decimal(number(900)) / 7;
-          project.set(entry, data);
-        },
-        [&] {
-          project.setLinked({&item, pick(items)}, number(2) == 0);
-        },
-        [&] { project.collect(item, entry); },
-        [&] { project.uncollect(item); },
-        [&] { project.set(item, records::ItemField::Price, PackedDecimal(Decimal(number(900)))); },
-        [&] {
-          Bill& bill = entry.rows().size() > 0 ? entry.billAt(0).bill : *bills[0];
-          records::BillData changed = bill;
-          changed.expression = project.texts.intern(std::to_string(1 + number(500)));
-          project.set(bill, changed);
-        },
-        [&] {
-          if (project.remove(item)) return;  // refused for most
-          records::ResourceItemData own;
-          own.code = own.name = project.texts.intern("手工");
-          own.quantity = number(100);
-          project.add(*pick(project.unitWorks()), own);
-        },
-    };
-    try {
-      kinds[random() % std::size(kinds)]();
-    } catch (const records::Refusal&) {
-      // The rules are tested above.
-    }
   }
 };
 

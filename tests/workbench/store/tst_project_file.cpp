@@ -63,6 +63,13 @@ void book(tests::ProjectFixture& fixture) {
     project.assign(entry, {fixture.bills().front()});
     project.collect(fixture.item(0, Category::Material, 1), entry);
   }
+  {
+    // The entry follows its bill, in the file too.
+    const app::ScopedUndo undo("");
+    records::BillData data = *fixture.bills().front();
+    data.expression = project.texts.intern("工程量*2");
+    project.set(*fixture.bills().front(), data);
+  }
   fixture.close();
 }
 
