@@ -210,7 +210,8 @@ class Printer {
 
   /// Of the title and the facts.
   double headRoom() const {
-    return TitleRoom + (1 + head_.facts.size() / 2) * FactRoom + FactRoom / 2;
+    const int lines = 1 + head_.facts.size() / 2;
+    return TitleRoom + lines * FactRoom + FactRoom / 2;
   }
 
   static double indentOf(const app::Sheet& sheet, const app::SheetRow& row, int column) {
