@@ -7,7 +7,6 @@
 #include <QtTest>
 
 #include "host/abst/base_model.h"
-#include "host/bwidgets/search_box.h"
 #include "host/bwidgets/tree_grid_view.h"
 #include "resitem/filter_model.h"
 #include "resitem/model.h"
@@ -108,8 +107,6 @@ class TestBasePage : public QObject {
   void preparesItsGrid() {
     Table table;
     table.op.table.getHeader()->column(domain::keys::BRIName)->width = 173;
-    tests::FakeResItemOperator::item(table.op.tree.node(0), "s0", "板");
-    table.model.rebuildGroup();
     Page page;
     page.resize(700, 300);
     page.setModel(&table.filter);
@@ -119,17 +116,6 @@ class TestBasePage : public QObject {
     page.view->header()->resizeSection(1, 151);
     QCOMPARE(table.op.table.getHeader()->column(domain::keys::BRIName)->width,
              std::optional<int>(151));
-
-    const QModelIndex group = table.filter.index(0, 0);
-    QCOMPARE(table.filter.index(0, 0, group).data().toString(), QString("s1"));
-    QWidget* header = page.view->header()->viewport();
-    QTest::mouseClick(header, Qt::LeftButton, {}, QPoint(20, header->height() / 2));
-    QTRY_COMPARE(table.filter.index(0, 0, table.filter.index(0, 0)).data().toString(),
-                 QString("s0"));
-
-    page.view->setFocus();
-    QTest::keyClick(page.view, Qt::Key_F, Qt::ControlModifier);
-    QVERIFY(page.view->searchBox() != nullptr && page.view->searchBox()->isVisible());
   }
 
   void freezesUpToTheLeadingKeyColumn() {

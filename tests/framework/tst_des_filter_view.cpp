@@ -143,19 +143,6 @@ class TestDesFilterView : public QObject {
                                    panel.cancelButton(),    panel.resetButton()};
     QCOMPARE(order, expected);
   }
-
-  void cutsNoText() {
-    DesFilterView panel(DesFilterView::SubEngineering, nullptr);
-    panel.resize(panel.minimumSizeHint());
-    panel.show();
-    for (auto* label : panel.findChildren<QLabel*>()) {
-      QVERIFY2(label->width() >= label->sizeHint().width(), qPrintable(label->text()));
-    }
-    for (auto* button : panel.findChildren<QAbstractButton*>()) {
-      if (button->text().isEmpty()) continue;  // a box's own clear button
-      QVERIFY2(button->width() >= button->sizeHint().width(), qPrintable(button->text()));
-    }
-  }
 };
 
 QCE_WIDGET_TEST_MAIN(TestDesFilterView)

@@ -111,18 +111,6 @@ class TestResItemBillModel : public QObject {
     QVERIFY(!model_->headerData(0, Qt::Vertical, Qt::ToolTipRole).isValid());
   }
 
-  void opensTheUnitOfSummarisedRowsAndClosesTheirPrice() {
-    op_->summarised.insert(op_->tree.node(1));
-    for (int row = 0; row < 3; ++row) {
-      const bool summarised = row == 1;
-      QCOMPARE(bool(cell(row, keys::SEUnit).flags() & Qt::ItemIsEditable), summarised);
-      QCOMPARE(bool(cell(row, keys::RIExcludedTaxFee).flags() & Qt::ItemIsEditable), !summarised);
-      QVERIFY(cell(row, keys::SEContent).flags() & Qt::ItemIsEditable);
-      QVERIFY(cell(row, keys::SEName).flags() & Qt::ItemIsEnabled);
-    }
-    QVERIFY(model_->flags({}) & Qt::ItemIsEnabled);
-  }
-
   void showsBudgetFiguresPlainAndColoured() {
     const QModelIndex budget = cell(0, keys::BRIExcludedTaxFee);
     QCOMPARE(budget.data().toString(), QString("1234.500"));

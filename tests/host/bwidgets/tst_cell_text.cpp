@@ -13,19 +13,14 @@ class TestCellText : public QObject {
     const tests::Rows<QString, QString> rows("text", "number");  // "-" for none
     const auto row = [&rows](const char* text, const char* number) { rows(text, text, number); };
     row("12.50", "12.50");
-    row(" 12.5 ", "12.5");
     row("1,234,567.89", "1234567.89");
     row("１２．５", "12.5");
-    row("１，２００", "1200");
     row("¥1,200.00", "1200.00");
     row("-￥3", "-3");
-    row("+3", "+3");
     row(".5", ".5");
     row("12,5", "-");  // a decimal comma is not guessed at
     row("1,23,456", "-");
-    row("12kg", "-");
     row("6%", "-");  // 6 or 0.06: the user has to say
-    row("abc", "-");
     row("", "-");
     row("nan", "-");
     row("1e999", "-");

@@ -82,8 +82,7 @@ class TestStyledItemDelegate : public QObject {
   void takesNumbersAlone_data() {
     const tests::Rows<QString, double> row;
     row("separators", "1,234.5", 1234.5);
-    row("full-width digits", QString::fromUtf8("１２．５"), 12.5);
-    row("Chinese full stop", QString::fromUtf8("3。5"), 3.5);
+    row("full width", QString::fromUtf8("１２。５"), 12.5);
     row("negative", "-2", -2.0);
   }
   void takesNumbersAlone() {

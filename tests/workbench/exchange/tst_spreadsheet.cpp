@@ -108,12 +108,10 @@ class SpreadsheetTest : public QObject {
   void keepsNumbersAsNumbers_data() {
     const tests::Rows<double, int, bool, QString> row{"value", "places", "thousands", "format"};
     row("money", 1234567.005, 2, true, "#,##0.00");
-    row("whole thousands", 1e15, 0, true, "#,##0");
     row("six places", 0.000001, 6, false, "0.000000");
     row("more places than a double has", 0.1, 40, false, "0.000000000000000");
     row("negative", -2.675, 2, true, "#,##0.00");
     row("very large", 9e307, 2, false, "0.00");
-    row("smallest", 5e-300, 2, false, "0.00");
     row("negative zero", -0.0, 2, false, "0.00");
   }
   void keepsNumbersAsNumbers() {
@@ -147,17 +145,14 @@ class SpreadsheetTest : public QObject {
     const tests::Rows<QString> row{"content"};
     row("formula", "=1+1");
     row("link formula", "=HYPERLINK(\"http://x\",\"点\")");
-    row("plus", "+86 10 1234");
     row("array formula", "{=SUM(A1:A2)}");
     row("digits", "00123.50");
     row("address", "https://example.org/");
     row("marks", "<a> & \"b\" 'c' ]]>");
-    row("blanks", "  前后空格 ");
     row("line break", "一行\n二行\t制表");
     row("control character", QString("a\x01") + "b\x1f");
     row("escape", "_x0041_ _x005F_ _xZZZZ_");
     row("beyond the base plane", "𠮷野家 ㎡ ①");
-    row("255 bytes and more", QString("长").repeated(300));
     row("longest", QString("长").repeated(32767));
   }
   void keepsTextsAsTexts() {
