@@ -106,7 +106,7 @@ class SpreadsheetTest : public QObject {
   }
 
   void keepsNumbersAsNumbers_data() {
-    const tests::Rows<double, int, bool, QString> row{"value", "places", "thousands", "format"};
+    const tests::Rows<double, int, bool, QString> row;
     row("money", 1234567.005, 2, true, "#,##0.00");
     row("six places", 0.000001, 6, false, "0.000000");
     row("more places than a double has", 0.1, 40, false, "0.000000000000000");
@@ -115,10 +115,7 @@ class SpreadsheetTest : public QObject {
     row("negative zero", -0.0, 2, false, "0.00");
   }
   void keepsNumbersAsNumbers() {
-    QFETCH(double, value);
-    QFETCH(int, places);
-    QFETCH(bool, thousands);
-    QFETCH(QString, format);
+    const auto [value, places, thousands, format] = tests::fetch<double, int, bool, QString>();
     app::Sheet sheet = oneCell(cell(value, places));
     sheet.columns[0].thousands = thousands;
     const ReadCell found = roundTrip(sheet).cell(1, 0);
@@ -142,7 +139,7 @@ class SpreadsheetTest : public QObject {
   }
 
   void keepsTextsAsTexts_data() {
-    const tests::Rows<QString> row{"content"};
+    const tests::Rows<QString> row;
     row("formula", "=1+1");
     row("link formula", "=HYPERLINK(\"http://x\",\"点\")");
     row("array formula", "{=SUM(A1:A2)}");
@@ -156,7 +153,7 @@ class SpreadsheetTest : public QObject {
     row("longest", QString("长").repeated(32767));
   }
   void keepsTextsAsTexts() {
-    QFETCH(QString, content);
+    const auto [content] = tests::fetch<QString>();
     const ReadCell found = roundTrip(oneCell(cell(content.toStdString()))).cell(1, 0);
     QCOMPARE(found.kind, ReadCell::Text);
     QCOMPARE(found.text, content);

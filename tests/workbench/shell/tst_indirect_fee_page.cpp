@@ -85,20 +85,17 @@ class IndirectFeePageTest : public QObject {
   }
 
   void refusalsNameThePlaceAndTheCure_data() {
-    const tests::Rows<QString, QString, QString> row("key", "typed", "message");
-    const auto key = [](const std::string& text) { return QString::fromStdString(text); };
-    row("expression", key(keys::IFCostExpression), "人工费*(", "括号没有配对");
-    row("variable", key(keys::IFCostExpression), "利润", "可以使用的变量：人工费");
-    row("rate", key(keys::IFCostRate), "1001", "0 到 1000");
-    row("account", key(keys::CostAccount), "没有的科目", "没有成本科目");
+    const tests::Rows<std::string, QString, QString> row;
+    row("expression", keys::IFCostExpression, "人工费*(", "括号没有配对");
+    row("variable", keys::IFCostExpression, "利润", "可以使用的变量：人工费");
+    row("rate", keys::IFCostRate, "1001", "0 到 1000");
+    row("account", keys::CostAccount, "没有的科目", "没有成本科目");
   }
   void refusalsNameThePlaceAndTheCure() {
-    QFETCH(QString, key);
-    QFETCH(QString, typed);
-    QFETCH(QString, message);
+    const auto [key, typed, words] = tests::fetch<std::string, QString, QString>();
     const std::string before = project().dump();
-    type(key.toStdString(), typed);
-    QVERIFY2(this->message().contains(message), qPrintable(this->message()));
+    type(key, typed);
+    QVERIFY2(message().contains(words), qPrintable(message()));
     QVERIFY(project().dump() == before);
     QVERIFY(!f_->stack().canUndo());
   }
