@@ -23,6 +23,7 @@ DesCollectionDialog::DesCollectionDialog(Offer offer, Confirm confirm, QWidget* 
       features_(new QPlainTextEdit(this)),
       price_(new QLineEdit(this)),
       metering_(new QLabel(this)),
+      effect_(new QLabel(this)),
       bills_(new DesSourceBillView(this)) {
   setWindowTitle("设置归集");
   target_->setObjectName("DesCollection_target");
@@ -43,6 +44,8 @@ DesCollectionDialog::DesCollectionDialog(Offer offer, Confirm confirm, QWidget* 
   price_->setToolTip("不含税单价（元），可输入数字或计算式，例如 120*0.95");
   metering_->setObjectName("DesCollection_metering");
   metering_->setWordWrap(true);
+  effect_->setObjectName("DesCollection_effect");
+  effect_->setWordWrap(true);
 
   auto* account = new QHBoxLayout;
   account->addWidget(accountText_, 1);
@@ -53,6 +56,7 @@ DesCollectionDialog::DesCollectionDialog(Offer offer, Confirm confirm, QWidget* 
   form->addRow("项目特征", features_);
   form->addRow("劳务、专业分包单价", price_);
   form->addRow("计量", metering_);
+  form->addRow("成本变化", effect_);
   auto* fields = new QWidget(this);
   fields->setLayout(form);
   form->setContentsMargins(0, 0, 0, 0);
@@ -76,6 +80,7 @@ DesCollectionDialog::DesCollectionDialog(Offer offer, Confirm confirm, QWidget* 
   showTarget();
   connect(target_, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
           &DesCollectionDialog::showTarget);
+  connect(price_, &QLineEdit::textChanged, this, &DesCollectionDialog::showEffect);
   connect(accountButton_, &QPushButton::clicked, this, &DesCollectionDialog::chooseAccount);
   connect(bills_, &DesSourceBillView::currentBillChanged, this, [this] {
     const auto* bill = bills_->currentBill();
@@ -88,21 +93,50 @@ DesCollectionDialog::DesCollectionDialog(Offer offer, Confirm confirm, QWidget* 
 
 DesCollectionDialog::~DesCollectionDialog() = default;
 
+bool DesCollectionDialog::isNew(int target) const {
+  return target >= 0 && target < static_cast<int>(offer_.targets.size()) &&
+         offer_.targets[static_cast<std::size_t>(target)].entry == nullptr;
+}
+
 void DesCollectionDialog::showTarget() {
   const int number = target_->currentIndex();
   if (number < 0 || number >= static_cast<int>(offer_.targets.size())) return;
+  if (isNew(shown_)) {
+    auto& left = offer_.targets[static_cast<std::size_t>(shown_)];
+    left.account = account_;
+    left.price = price_->text().toStdString();
+    featuresTyped_ = features_->document()->isModified();
+    if (featuresTyped_) left.features = features_->toPlainText().toStdString();
+  }
+  shown_ = number;
   const auto& target = offer_.targets[static_cast<std::size_t>(number)];
   const bool isNew = target.entry == nullptr;
+  const bool typed = isNew && featuresTyped_;
   setAccount(target.account);
   // The features of the bill that is current are what a new subcontract is about.
   const auto* bill = bills_->currentBill();
-  features_->setPlainText(
-      QString::fromStdString(isNew && bill != nullptr ? bill->features : target.features));
+  features_->setPlainText(QString::fromStdString(
+      isNew && !typed && bill != nullptr ? bill->features : target.features));
+  features_->document()->setModified(typed);
   price_->setText(QString::fromStdString(target.price));
   metering_->setText(QString::fromStdString(target.metering));
   accountButton_->setEnabled(isNew);
   features_->setReadOnly(!isNew);
   price_->setReadOnly(!isNew);
+  showEffect();
+}
+
+void DesCollectionDialog::showEffect() {
+  if (!offer_.effect) return;
+  const auto effect = offer_.effect(setting());
+  QString pays = "单价尚不能计算";
+  if (!effect.pays.empty()) {
+    pays = QString(isNew(shown_) ? "新建分包的合价 %1 元计入成本"
+                                 : "该分包的合价仍为 %1 元，不因归集改变")
+               .arg(QString::fromStdString(effect.pays));
+  }
+  effect_->setText(
+      QString("选中的人材机减少成本 %1 元；%2。").arg(QString::fromStdString(effect.leaves), pays));
 }
 
 void DesCollectionDialog::setAccount(proxy::Element* account) {
@@ -120,16 +154,24 @@ void DesCollectionDialog::chooseAccount() {
   if (dialog.exec() == 1) setAccount(dialog.account());
 }
 
-void DesCollectionDialog::accept() {
-  const int number = target_->currentIndex();
-  if (number < 0) return;
+DesCollectionDialog::Setting DesCollectionDialog::setting() const {
   Setting setting;
-  setting.entry = offer_.targets.at(static_cast<std::size_t>(number)).entry;
+  setting.entry = offer_.targets.at(static_cast<std::size_t>(target_->currentIndex())).entry;
   setting.account = account_;
   setting.features = features_->toPlainText().trimmed().toStdString();
   setting.price = price_->text().trimmed().toStdString();
-  if (confirm_(setting)) {
+  return setting;
+}
+
+void DesCollectionDialog::accept() {
+  if (target_->currentIndex() < 0) return;
+  if (confirm_(setting())) {
     Dialog::accept();
+    return;
+  }
+  // Of an entry that is there, only the choice itself can be mended.
+  if (price_->isReadOnly()) {
+    target_->setFocus();
     return;
   }
   price_->setFocus();

@@ -14,7 +14,8 @@ class QPushButton;
 namespace gui::qce::destructors {
 
 /// Asks what resource items are to be collected into (设置归集): a new subcontract entry made of
-/// the fields, or one that is there, whose fields are shown and stay as they are.
+/// the fields, or one that is there, whose fields are shown and stay as they are. What was typed
+/// for a new one is kept while another one is looked at.
 class QCE_EXPORT DesCollectionDialog : public bwidgets::Dialog {
   Q_OBJECT
 
@@ -29,6 +30,8 @@ class QCE_EXPORT DesCollectionDialog : public bwidgets::Dialog {
     std::vector<abst::qce::destructors::CollectionTarget> targets;
     DesCostAccountDialog::Entries accounts;
     DesSourceBillView::Bills bills;
+    /// What a setting would do to the cost; may be empty.
+    std::function<abst::qce::destructors::CollectionEffect(const Setting&)> effect;
   };
 
   DesCollectionDialog(Offer offer, Confirm confirm, QWidget* parent = nullptr);
@@ -37,19 +40,25 @@ class QCE_EXPORT DesCollectionDialog : public bwidgets::Dialog {
   void accept() override;
 
  private:
+  Setting setting() const;
+  bool isNew(int target) const;
   void showTarget();
+  void showEffect();
   void chooseAccount();
   void setAccount(proxy::Element* account);
 
   Offer offer_;
   Confirm confirm_;
   proxy::Element* account_ = nullptr;
+  int shown_ = -1;              // target whose fields are shown
+  bool featuresTyped_ = false;  // those of the new entry
   QComboBox* target_;
   QLineEdit* accountText_;
   QPushButton* accountButton_;
   QPlainTextEdit* features_;
   QLineEdit* price_;
   QLabel* metering_;
+  QLabel* effect_;
   DesSourceBillView* bills_;
 };
 

@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
 #include <QVBoxLayout>
@@ -74,7 +75,9 @@ DesCostAccountDialog::DesCostAccountDialog(const QString& caption, const Entries
   layout->addWidget(label);
   layout->addWidget(filter_);
   layout->addWidget(tree_, 1);
-  layout->addWidget(createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel));
+  auto* buttons = createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+  okButton_ = buttons->button(QDialogButtonBox::Ok);
+  layout->addWidget(buttons);
   resize(520, 560);
   filter_->setFocus();
 }
@@ -88,7 +91,11 @@ proxy::Element* DesCostAccountDialog::account() const {
 
 void DesCostAccountDialog::accept() {
   // A filter that leaves nothing leaves nothing to choose.
-  if (tree_->currentItem() != nullptr && !tree_->currentItem()->isHidden()) Dialog::accept();
+  if (hasChoice()) Dialog::accept();
+}
+
+bool DesCostAccountDialog::hasChoice() const {
+  return tree_->currentItem() != nullptr && !tree_->currentItem()->isHidden();
 }
 
 void DesCostAccountDialog::narrow(const QString& wish) {
@@ -108,6 +115,7 @@ void DesCostAccountDialog::narrow(const QString& wish) {
     tree_->setCurrentItem(best);
     tree_->scrollToItem(best);
   }
+  okButton_->setEnabled(hasChoice());
 }
 
 bool DesCostAccountDialog::eventFilter(QObject* watched, QEvent* event) {

@@ -7,6 +7,7 @@
 #include "qce_export.h"
 
 class QLineEdit;
+class QPushButton;
 class QTreeWidget;
 class QTreeWidgetItem;
 
@@ -36,9 +37,12 @@ class QCE_EXPORT DesCostAccountDialog : public bwidgets::Dialog {
 
  private:
   void narrow(const QString& wish);
+  /// Whether a row that is shown is current.
+  bool hasChoice() const;
 
   QLineEdit* filter_;
   QTreeWidget* tree_;
+  QPushButton* okButton_;
   std::vector<proxy::Element*> accounts_;  // by the number that a row keeps
 };
 

@@ -43,6 +43,11 @@ void DesResItemFilterModelImpl::rebuildGroup() {
   if (getSource() != nullptr) getSource()->rebuildGroup();
 }
 
+// A grouping row that itself holds the text would be shown without an item.
+bool DesResItemFilterModelImpl::filterAcceptsRow(proxy::Element* element) const {
+  return isItem(element) && ResItemFilterModelImpl::filterAcceptsRow(element);
+}
+
 bool DesResItemFilterModelImpl::lessThan(const QModelIndex& left, const QModelIndex& right) const {
   if (valueReader(getDisplayTable(), left.column()) == nullptr) {
     return ResItemFilterModelImpl::lessThan(left, right);

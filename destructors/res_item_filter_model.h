@@ -22,6 +22,9 @@ class QCE_EXPORT DesResItemFilterModelImpl
   void rebuildGroup() override;
 
  protected:
+  using ResItemFilterModelImpl::filterAcceptsRow;
+
+  bool filterAcceptsRow(proxy::Element* element) const override;
   bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
   gui::SortInputs::Reader sortReader(int sourceColumn) const override;
 };

@@ -23,12 +23,19 @@
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/destructors/des_res_item_keys.h"
+#include "host/domain/qce/destructors/des_res_item_operator.h"
 #include "host/gui/styled_item_delegate.h"
 #include "host/gui/tree_grid_view.h"
 
 namespace gui::qce::destructors {
 
 namespace keys = domain::keys;
+
+namespace {
+
+const char* const NoMatch = "没有符合条件的人材机";
+
+}  // namespace
 
 // ---------------------------------------------------------------------------------------------
 // Guide
@@ -79,7 +86,7 @@ DesResItemSummaryTableViewImpl::DesResItemSummaryTableViewImpl(QWidget* parent)
       statusTimer_(new QTimer(this)) {
   table_->setObjectName("DesResItemSummary_table");
   table_->setItemDelegate(new gui::StyledItemDelegate(table_));
-  table_->setEmptyText("没有符合条件的人材机");
+  table_->setEmptyText(NoMatch);
   table_->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(table_, &QWidget::customContextMenuRequested, this,
           &DesResItemSummaryTableViewImpl::showContextMenu);
@@ -144,6 +151,10 @@ void DesResItemSummaryTableViewImpl::onDataChanged() {
 void DesResItemSummaryTableViewImpl::refreshStatus() {
   const QAbstractItemModel* rows = table_->model();
   if (rows == nullptr || table_->viewModel() == nullptr) return;
+  const auto* op = dynamic_cast<const domain::qce::destructors::DesResItemSummaryOperator*>(
+      abstractModel()->getOperator());
+  const std::string reason = op != nullptr ? op->getEmptyReason() : std::string();
+  table_->setEmptyText(reason.empty() ? NoMatch : QString::fromStdString(reason));
   const auto sum = [&](const std::string& key) {
     const int column = table_->viewModel()->getColumnIndex(key);
     double cents = 0.0;

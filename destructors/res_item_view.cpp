@@ -14,6 +14,7 @@
 #include <QSignalBlocker>
 #include <QTimer>
 #include <QToolButton>
+#include <algorithm>
 #include <cmath>
 
 #include "destructors/collection_dialog.h"
@@ -74,6 +75,8 @@ void DesResItemViewImpl::init() {
                                      "Ctrl+Shift+G", &Page::onBtnCancelContractPush);
   sourceAction_ =
       addCommand("查看来源", "转到当前人材机所来自的清单", "Ctrl+J", &Page::onFindSource);
+  itemPageAction_ = addCommand("到人材机页添加…", "转到人材机页的当前人材机处，在那里添加人材机",
+                               "Ctrl+Shift+I", &Page::showItemPage);
   regroupAction_ = addCommand("恢复原顺序", "恢复排序前的顺序", "F5", &Page::regroup);
   groupedAction_ = new QAction("按工程和类别分组", this);
   groupedAction_->setCheckable(true);
@@ -91,6 +94,7 @@ QAction* DesResItemViewImpl::addCommand(const QString& text, const QString& tool
   action->setShortcut(QKeySequence(keys));
   action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
   action->setToolTip(QString("%1（%2）").arg(toolTip, keys));
+  action->setData(action->toolTip());  // what it says while it can be used
   connect(action, &QAction::triggered, this, slot);
   addAction(action);
   return action;
@@ -102,8 +106,10 @@ QPushButton* DesResItemViewImpl::addButton(QBoxLayout* toolBar, QAction* action,
   button->setObjectName(name);
   button->setToolTip(action->toolTip());
   connect(button, &QPushButton::clicked, action, &QAction::trigger);
-  connect(action, &QAction::changed, button,
-          [button, action] { button->setEnabled(action->isEnabled()); });
+  connect(action, &QAction::changed, button, [button, action] {
+    button->setEnabled(action->isEnabled());
+    button->setToolTip(action->toolTip());
+  });
   toolBar->addWidget(button);
   return button;
 }
@@ -171,6 +177,8 @@ void DesResItemViewImpl::fillContextMenu(QMenu* menu) {
   menu->addSeparator();
   menu->addActions({setContractAction_, cancelContractAction_, sourceAction_});
   menu->addSeparator();
+  menu->addAction(itemPageAction_);
+  menu->addSeparator();
   ResItemViewImpl::fillContextMenu(menu);
   menu->addActions({groupedAction_, regroupAction_});
 }
@@ -222,12 +230,12 @@ void DesResItemViewImpl::onModelReset() {
   if (wasEmpty_) expandAll();
   wasEmpty_ = treeGrid()->model()->rowCount() == 0;
   updateView();
-  onCurrentRowChanged();
+  refreshActions();  // the grid tells of the current row itself
 }
 
 void DesResItemViewImpl::onDataChanged() {
   updateView();
-  onCurrentRowChanged();  // it may have been closed or opened
+  refreshActions();  // the current row may have been closed or opened
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -236,13 +244,21 @@ void DesResItemViewImpl::onDataChanged() {
 void DesResItemViewImpl::onCurrentRowChanged() {
   ResItemViewImpl::onCurrentRowChanged();
   if (controller_ == nullptr || !isSeen()) return;
+  refreshActions();
+  controller_->setCurrentItem(treeGrid()->currentElement());
+  timer_->start();
+}
+
+void DesResItemViewImpl::refreshActions() {
+  if (controller_ == nullptr || !isSeen()) return;
   proxy::Element* current = treeGrid()->currentElement();
   const bool closed = current != nullptr && controller_->isClosed(current);
+  const QString reason =
+      closed ? QString::fromStdString(controller_->getClosedReason(current)) : QString();
   for (QAction* action : {linkAction_, unlinkAction_, setContractAction_}) {
+    action->setToolTip(reason.isEmpty() ? action->data().toString() : reason);
     action->setEnabled(!closed);
   }
-  controller_->setCurrentItem(current);
-  timer_->start();
 }
 
 void DesResItemViewImpl::onTimeOut() {
@@ -259,7 +275,7 @@ void DesResItemViewImpl::onTimeOut() {
 
 void DesResItemViewImpl::onSubEngineeringChange() {
   updateView();
-  onTimeOut();
+  timer_->start();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -313,9 +329,11 @@ void DesResItemViewImpl::batchSetCostAccount() {
   }
   if (!requireItems(items)) return;
   controller_->setCurrentItem(current);
-  const QString caption = isSetCostAccountToLocal()
-                              ? QString("仅对当前的人材机设置成本科目:")
-                              : QString("为选中的 %1 项人材机设置成本科目:").arg(items.size());
+  const QString caption =
+      isSetCostAccountToLocal()
+          ? QString("仅对当前的人材机“%1 %2”设置成本科目:")
+                .arg(textOf(current, keys::BRICode), textOf(current, keys::BRIName))
+          : QString("为选中的 %1 项人材机设置成本科目:").arg(items.size());
   DesCostAccountDialog dialog(caption, controller_->getCostAccounts(),
                               controller_->getCostAccount(items.front()), this);
   if (dialog.exec() != 1) return;
@@ -329,13 +347,17 @@ void DesResItemViewImpl::onBtnSetContractPush() {
 
 void DesResItemViewImpl::popupSetContract() {
   const Controller::Items items = selectedItems();
-  if (controller_ == nullptr || !requireItems(items)) return;
+  if (controller_ == nullptr || !requireItems(items) || !controller_->canCollect(items)) return;
   proxy::Element* current = treeGrid()->currentElement();
+  const bool among = std::find(items.begin(), items.end(), current) != items.end();
   DesCollectionDialog::Offer offer;
   offer.items = items.size();
   offer.targets = controller_->getCollectionTargets(items);
   offer.accounts = controller_->getCostAccounts();
-  offer.bills = controller_->getSourceBills(model_->isItem(current) ? current : items.front());
+  offer.bills = controller_->getSourceBills(among ? current : items.front());
+  offer.effect = [this, &items](const DesCollectionDialog::Setting& setting) {
+    return controller_->getCollectionEffect(items, setting);
+  };
   DesCollectionDialog dialog(
       std::move(offer),
       [this, &items](const DesCollectionDialog::Setting& setting) {
@@ -359,6 +381,18 @@ void DesResItemViewImpl::onFindSource() {
   if (requireItems(model_->isItem(current) ? Controller::Items{current} : Controller::Items{})) {
     controller_->findSource(current);
   }
+}
+
+void DesResItemViewImpl::showItemPage() {
+  if (controller_ != nullptr) controller_->showItemPage(treeGrid()->currentElement());
+}
+
+QString DesResItemViewImpl::textOf(const proxy::Element* item, const std::string& key) const {
+  domain::Value value;
+  const domain::Operator* op = model_->getOperator();
+  if (op == nullptr || !op->getValue(item, key, domain::DisplayRole, value)) return {};
+  const auto* text = std::get_if<std::string>(&value);
+  return text != nullptr ? QString::fromStdString(*text) : QString();
 }
 
 void DesResItemViewImpl::insertItem() {
@@ -395,13 +429,7 @@ void DesResItemViewImpl::regroup() {
 }
 
 void DesResItemViewImpl::showItems(const std::vector<proxy::Element*>& items) {
-  if (auto* filter = dynamic_cast<gui::ResItemTextFilter*>(abstractModel())) {
-    filter->filter({});
-    filter->filterType({});
-  }
-  findChild<QLineEdit*>("ResItem_filterText")->clear();
-  QMenu* types = findChild<QPushButton*>("ResItem_filterRCJButton")->menu();
-  types->actions().last()->setChecked(true);
+  clearTextFilter();
   treeGrid()->selectElements(items);
   treeGrid()->setFocus();
 }

@@ -77,6 +77,8 @@ class QCE_EXPORT DesResItemViewImpl : public gui::ResItemViewImpl {
   /// The current row has rested: shows what depends on it.
   void onTimeOut();
   void exportExcel() override;
+  /// Leads to the page where items are added.
+  void showItemPage();
   /// Goes back from a sorted to the stored order.
   void regroup();
 
@@ -103,7 +105,10 @@ class QCE_EXPORT DesResItemViewImpl : public gui::ResItemViewImpl {
   bool isSeen() const { return isActive() && isVisible(); }
   /// False after telling the user that nothing is selected.
   bool requireItems(const Controller::Items& items) const;
+  void refreshActions();
   void setGrouped(bool grouped);
+  /// A text of the item as the table shows it.
+  QString textOf(const proxy::Element* item, const std::string& key) const;
   void refreshStatusLater();
   void refreshStatus();
 
@@ -116,6 +121,7 @@ class QCE_EXPORT DesResItemViewImpl : public gui::ResItemViewImpl {
   QAction* setContractAction_ = nullptr;
   QAction* cancelContractAction_ = nullptr;
   QAction* sourceAction_ = nullptr;
+  QAction* itemPageAction_ = nullptr;
   QAction* groupedAction_ = nullptr;
   QAction* regroupAction_ = nullptr;
   QCheckBox* localBox_ = nullptr;

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -67,18 +68,15 @@ void ResItemViewImpl::setModel(abst::BaseModel* model) {
 QWidget* ResItemViewImpl::createTextFilter() {
   auto* box = new QWidget(this);
   auto* menu = new QMenu(box);
-  auto* types = new QActionGroup(menu);
+  types_ = new QActionGroup(menu);
   for (const char* type : {"人工", "材料", "机械", "主材", "设备", "所有"}) {
     QAction* action = menu->addAction(type);
     action->setCheckable(true);
-    types->addAction(action);
+    types_->addAction(action);
   }
-  types->actions().last()->setChecked(true);
-  menu->setActiveAction(types->actions().last());
-  connect(types, &QActionGroup::triggered, this, [this](const QAction* action) {
-    if (textFilter_ != nullptr) textFilter_->filterType(action->text().toStdString());
-    expandAll();
-  });
+  types_->actions().last()->setChecked(true);
+  menu->setActiveAction(types_->actions().last());
+  connect(types_, &QActionGroup::triggered, this, &ResItemViewImpl::applyTextFilter);
 
   auto* typeButton = new QPushButton("筛选条件", box);
   typeButton->setObjectName("ResItem_filterRCJButton");
@@ -91,6 +89,9 @@ QWidget* ResItemViewImpl::createTextFilter() {
   textEdit_->setPlaceholderText("输入内容");
   textEdit_->setClearButtonEnabled(true);
   connect(textEdit_, &QLineEdit::returnPressed, this, &ResItemViewImpl::applyTextFilter);
+  connect(textEdit_, &QLineEdit::textChanged, this, [this](const QString& text) {
+    if (text.isEmpty()) applyTextFilter();
+  });
   auto* filterButton = new QPushButton("过滤", box);
   filterButton->setFlat(true);
   filterButton->setFixedWidth(40);
@@ -105,8 +106,20 @@ QWidget* ResItemViewImpl::createTextFilter() {
 }
 
 void ResItemViewImpl::applyTextFilter() {
-  if (textFilter_ != nullptr) textFilter_->filter(textEdit_->text().toStdString());
+  if (textFilter_ != nullptr) {
+    textFilter_->filterType(types_->checkedAction()->text().toStdString());
+    textFilter_->filter(textEdit_->text().toStdString());
+  }
   expandAll();
+}
+
+void ResItemViewImpl::clearTextFilter() {
+  const QSignalBlocker blocker(textEdit_);
+  textEdit_->clear();
+  types_->actions().last()->setChecked(true);
+  if (textFilter_ == nullptr) return;
+  textFilter_->filterType({});
+  textFilter_->filter({});
 }
 
 void ResItemViewImpl::find() {

@@ -5,6 +5,7 @@
 #include "framework/base_page.h"
 #include "qce_export.h"
 
+class QActionGroup;
 class QBoxLayout;
 class QLineEdit;
 class QMenu;
@@ -58,18 +59,23 @@ class QCE_EXPORT ResItemViewImpl : public BasePage {
   /// Adds the entries of the grid's context menu.
   virtual void fillContextMenu(QMenu* menu);
 
+  /// Shows all again: no text, and the type "所有".
+  void clearTextFilter();
+
   gui::TreeGridView* treeGrid() const { return treeGrid_; }
 
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
   QWidget* createTextFilter();
+  /// Filters by what the controls say.
   void applyTextFilter();
   void showContextMenu(const QPoint& position);
 
   gui::TreeGridView* treeGrid_ = nullptr;
   ResItemTextFilter* textFilter_ = nullptr;
   QLineEdit* textEdit_ = nullptr;
+  QActionGroup* types_ = nullptr;
 };
 
 }  // namespace gui

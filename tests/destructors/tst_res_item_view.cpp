@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -12,6 +13,7 @@
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QtTest>
+#include <algorithm>
 #include <memory>
 
 #include "destructors/res_item_filter_model.h"
@@ -87,6 +89,9 @@ class FakeController : public des::DesResItemController {
  public:
   void setCurrentItem(proxy::Element* item) override { told.push_back(item); }
   bool isClosed(proxy::Element* item) const override { return item == closed; }
+  std::string getClosedReason(proxy::Element* item) const override {
+    return isClosed(item) ? "已归集" : "";
+  }
   void linkToCost(const Items& items) override { log("link", items); }
   void unlinkFromCost(const Items& items) override { log("unlink", items); }
   std::vector<des::CostAccountEntry> getCostAccounts() const override {
@@ -103,6 +108,13 @@ class FakeController : public des::DesResItemController {
     return {{nullptr, "钢筋劳务", account2.get(), "特征一", "850.00", "按实际数量"},
             {entry.get(), "F1 旧分包", account1.get(), "旧特征", "99.00", "总价包干"}};
   }
+  bool canCollect(const Items& items) const override {
+    return std::find(items.begin(), items.end(), closed) == items.end();
+  }
+  des::CollectionEffect getCollectionEffect(const Items&,
+                                            const des::CollectionSetting& setting) const override {
+    return {"1,500.50", setting.price == "bad" ? "" : "=" + setting.price};
+  }
   bool setCollection(const Items& items, const des::CollectionSetting& setting) override {
     const auto name = [](proxy::Element* element) {
       return element != nullptr ? static_cast<tests::Node*>(element)->name() : "-";
@@ -115,6 +127,7 @@ class FakeController : public des::DesResItemController {
   void cancelCollection(const Items& items) override { log("cancel", items); }
   std::vector<des::SourceBill> getSourceBills(proxy::Element* item) const override {
     ++billQuestions;
+    billsOf = item;
     if (item == nullptr) return {};
     return {{nullptr, "010101", "挖土方", "特征一", "m3", "10"},
             {nullptr, "010102", "回填方", "特征二", "m3", "5"}};
@@ -136,6 +149,7 @@ class FakeController : public des::DesResItemController {
   std::vector<proxy::Element*> told;
   QStringList calls;
   mutable int billQuestions = 0;
+  mutable proxy::Element* billsOf = nullptr;
 };
 
 struct Setup {
@@ -221,6 +235,16 @@ class TestDesResItemView : public QObject {
     text->setText("铁丝");
     QTest::keyClick(text, Qt::Key_Return);
     QCOMPARE(s.shown(), QString("工程(w)"));
+    text->setText("工");  // not entered yet; grouping rows hold it too
+    types[1]->trigger();
+    QCOMPARE(s.shown(), QString());
+    types[0]->trigger();
+    QCOMPARE(s.shown(), QString("工程(l)"));
+    QTest::keyClick(text, Qt::Key_Backspace);
+    types.last()->trigger();
+    QCOMPARE(s.shown(), QString("工程(s w l)"));
+    text->setText("铁");
+    QTest::keyClick(text, Qt::Key_Return);
     s.page->showItems({s.steel});
     QCOMPARE(s.grid->currentElement(), s.steel);
     QVERIFY(text->text().isEmpty());
@@ -255,7 +279,11 @@ class TestDesResItemView : public QObject {
     s.select({s.steel, s.labour});
     Setup::inDialog([](QDialog* dialog) {
       auto* line = dialog->findChild<QLineEdit*>("DesCostAccount_filter");
-      QTest::keyClicks(line, "gjg");  // 钢筋工
+      const auto* ok = dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
+      QTest::keyClicks(line, "gjgx");
+      QVERIFY(!ok->isEnabled());
+      QTest::keyClick(line, Qt::Key_Backspace);  // gjg: 钢筋工
+      QVERIFY(ok->isEnabled());
       auto* tree = dialog->findChild<QTreeWidget*>();
       QVERIFY(!tree->topLevelItem(1)->isHidden() && tree->topLevelItem(0)->isHidden());
       QTest::keyClick(line, Qt::Key_Return);
@@ -267,6 +295,7 @@ class TestDesResItemView : public QObject {
     Setup::inDialog([](QDialog* dialog) {
       auto* tree = dialog->findChild<QTreeWidget*>();
       QCOMPARE(tree->currentItem()->text(0), QString("01"));  // the account so far
+      QVERIFY(dialog->findChild<QLabel*>()->text().contains("“s 螺纹钢”"));
       const QRect row = tree->visualItemRect(tree->topLevelItem(0));
       QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, row.center());
       QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, row.center());
@@ -292,11 +321,18 @@ class TestDesResItemView : public QObject {
       QTest::keyClicks(price, "bad");
       QTest::keyClick(price, Qt::Key_Return);
       QVERIFY(dialog->isVisible());  // refused
+      auto* effect = dialog->findChild<QLabel*>("DesCollection_effect");
+      QVERIFY(effect->text().contains("1,500.50") && effect->text().contains("不能计算"));
+      features->selectAll();
+      QTest::keyClicks(features, "own");
       auto* target = dialog->findChild<QComboBox*>("DesCollection_target");
       target->setCurrentIndex(1);
       QVERIFY(price->isReadOnly() && features->isReadOnly());
       QCOMPARE(price->text(), QString("99.00"));
+      QVERIFY2(effect->text().contains("仍为 =99.00"), qPrintable(effect->text()));
       target->setCurrentIndex(0);
+      bills->setCurrentItem(bills->topLevelItem(0));
+      QCOMPARE(price->text() + features->toPlainText(), QString("badown"));
       price->selectAll();
       QTest::keyClicks(price, "800*2");
       QTest::keyClick(price, Qt::Key_Return);
@@ -304,7 +340,20 @@ class TestDesResItemView : public QObject {
     });
     s.click("ResItem_setContract");
     QCOMPARE(s.controller.calls,
-             (QStringList{"collect - A2 特征二 bad|s|l", "collect - A2 特征二 800*2|s|l"}));
+             (QStringList{"collect - A2 特征二 bad|s|l", "collect - A2 own 800*2|s|l"}));
+
+    // One of them is collected already: said before anything is asked. The current row is not among
+    // the selected ones, so its bills are not shown.
+    s.controller.calls.clear();
+    s.controller.closed = s.labour;
+    s.page->popupSetContract();
+    s.controller.closed = nullptr;
+    s.grid->selectionModel()->setCurrentIndex(s.filter.makeIndex(s.wire, 0),
+                                              QItemSelectionModel::NoUpdate);
+    Setup::inDialog([](QDialog*) {});
+    s.page->popupSetContract();
+    QCOMPARE(s.controller.billsOf, s.steel);
+    QVERIFY(s.controller.calls.isEmpty());
   }
 
   void followsTheCurrentRowWhileItIsSeen() {
@@ -329,6 +378,12 @@ class TestDesResItemView : public QObject {
       return names;
     };
     QCOMPARE(enabled(), (QStringList{"ResItem_cancelContract", "ResItem_setCostAccount"}));
+    QCOMPARE(s.button("ResItem_setContract")->toolTip(), QString("已归集"));
+    const auto told = s.controller.told.size();
+    emit s.model.dataChanged(s.model.makeIndex(s.labour, 0), s.model.makeIndex(s.labour, 1));
+    s.page->onSubEngineeringChange();
+    QCOMPARE(s.controller.told.size(), told);
+    QCOMPARE(s.controller.billQuestions, 0);
     QVERIFY(refreshed.wait());
     QCOMPARE(refreshed.size(), 1);
     QCOMPARE(s.controller.billQuestions, 1);
@@ -347,6 +402,7 @@ class TestDesResItemView : public QObject {
     s.page->activate();
     QCOMPARE(s.controller.told.back(), s.steel);
     QCOMPARE(enabled().size(), 5);
+    QVERIFY(s.button("ResItem_setContract")->toolTip().contains("Ctrl+G"));
     s.select({s.labour});
     s.page.reset();  // with the refresh pending
     QCOMPARE(refreshed.size(), 1);

@@ -1,9 +1,14 @@
+#include <QAbstractItemView>
+#include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTabBar>
 #include <QTreeView>
@@ -12,6 +17,7 @@
 #include <set>
 
 #include "destructors/res_item_view.h"
+#include "host/base/number_text.h"
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/destructors/des_res_item_keys.h"
@@ -49,6 +55,11 @@ void Tour::designItems() {
   QUndoStack& undo = window_->session()->undoStack();
   const int stepsBefore = undo.index();
   const Decimal costBefore = project.totals().excluded;
+  // Of items and subcontracts.
+  const auto total = [&project] {
+    return project.totals().excluded + project.subcontractTotals().excluded;
+  };
+  const Decimal totalBefore = total();
 
   std::vector<proxy::Element*> shown;  // rows of items, from top to bottom
   const std::function<void(const QModelIndex&)> look = [&](const QModelIndex& parent) {
@@ -113,20 +124,47 @@ void Tour::designItems() {
     if (type->text() == "材料") picture("人材机归集按类型过滤");
   }
 
+  // A text, and none again.
+  auto* filterLine = find<QLineEdit>("ResItem_filterText", view);
+  const QString part = QString::fromStdString(item(shown.back()).name().str()).left(2);
+  driver_.click(filterLine);
+  driver_.type(part);
+  driver_.key(Qt::Key_Return);
+  const std::size_t all = shown.size();
+  readShown();
+  require(!shown.empty() && shown.size() < all, "没有按文字“" + part + "”过滤");
+  for (proxy::Element* row : shown) {
+    const ResourceItem& each = item(row);
+    require(QString::fromStdString(each.code().str() + "\n" + each.name().str() + "\n" +
+                                   each.spec().str())
+                .contains(part, Qt::CaseInsensitive),
+            "过滤后显示了不含“" + part + "”的人材机");
+  }
+  picture("人材机归集按文字过滤");
+  for (int i = 0; i < part.size(); ++i) driver_.key(Qt::Key_Backspace);
+  require(filterLine->text().isEmpty(), "没有清空过滤的文字");
+  readShown();
+  require(shown.size() == all, "清空文字后没有显示全部人材机");
+
   // Two items of one unit, so that they can be paid for by quantity, that cost something and have
   // sources.
   proxy::Element* first = nullptr;
   proxy::Element* second = nullptr;
+  proxy::Element* third = nullptr;
   for (proxy::Element* row : shown) {
     if (item(row).excludedAmount().value() <= 0 || project.linesOf(item(row)).empty()) continue;
     if (first == nullptr) {
       first = row;
-    } else if (item(row).unit() == item(first).unit()) {
+    } else if (item(row).unit() != item(first).unit()) {
+      continue;
+    } else if (second == nullptr) {
       second = row;
+    } else {
+      third = row;
       break;
     }
   }
-  require(second != nullptr, "没有可用的人材机");
+  require(third != nullptr, "没有可用的人材机");
   ResourceItem& a = item(first);
   ResourceItem& b = item(second);
   const records::CostAccount* accountOfA = a.account();
@@ -169,6 +207,9 @@ void Tour::designItems() {
   require(project.totals().excluded == costBefore, "重新关联后成本不对");
 
   // Collected into a new subcontract, and given back.
+  const auto yuan = [](const Decimal& value) {
+    return QString::fromStdString(base::ToThousandthsString(value.toDouble(), 2));
+  };
   const int entries = project.subcontracts().size();
   const auto collect = [&] {
     const bool came = driver_.withPopup(
@@ -185,6 +226,8 @@ void Tour::designItems() {
           require(dialog->isVisible() && channel_->messages().size() == 1, "没有拒绝有误的单价");
           channel_->clear();
           enter("120*0.95");
+          const QString effect = find<QLabel>("DesCollection_effect", dialog)->text();
+          require(effect.contains(yuan(both)), "没有说明减少的成本：" + effect);
           picture("设置归集", dialog);
           driver_.key(Qt::Key_Return);
           if (dialog->isVisible()) static_cast<QDialog*>(dialog)->reject();
@@ -201,7 +244,9 @@ void Tour::designItems() {
   require(a.subcontract() == &entry && b.subcontract() == &entry, "没有归集选中的人材机");
   require(entry.quantityNow() == quantity && entry.amount() == (quantity * 114).rounded(2),
           "分包的数量或合价不对");
+  const Decimal paid = entry.amount();
   require(project.totals().excluded == costBefore - both, "归集后人材机仍计入成本");
+  require(total() == totalBefore - both + paid, "归集后的总成本不对");
   require(Driver::waitUntil([&] { return !button("ResItem_setLinkCB")->isEnabled(); }) &&
               !button("ResItem_setUnLinkCB")->isEnabled() &&
               !button("ResItem_setContract")->isEnabled(),
@@ -225,10 +270,69 @@ void Tour::designItems() {
   require(summary->model()->rowCount() > 0 && summary->model()->rowCount() <= 2,
           "按分包的汇总不对");
   picture("按分包汇总");
-  driver_.click(tabs, tabs->tabRect(0).center());
+
+  // Back by a double click, and another item into the same entry.
+  driver_.doubleClickCell(summary, summary->model()->index(0, 1));
+  require(view->isVisible() && !view->selectedItems().empty(), "汇总行没有转到明细");
+  for (proxy::Element* row : view->selectedItems()) {
+    require(item(row).subcontract() == &entry, "汇总行转到了其他人材机");
+  }
+  ResourceItem& c = item(third);
+  const Decimal more = c.excludedAmount().value();
+  driver_.clickCell(table, cell(third));
+  const bool intoOld = driver_.withPopup(
+      [&] { click("ResItem_setContract"); },
+      [&](QWidget* dialog) {
+        auto* target = find<QComboBox>("DesCollection_target", dialog);
+        driver_.withPopup([&] { driver_.click(target); },
+                          [&](QWidget* popup) {
+                            auto* choices = popup->findChild<QAbstractItemView*>();
+                            driver_.clickCell(choices,
+                                              choices->model()->index(target->count() - 1, 0));
+                          });
+        const QString effect = find<QLabel>("DesCollection_effect", dialog)->text();
+        require(effect.contains(yuan(more)) && effect.contains(yuan(paid)),
+                "没有说明成本的变化：" + effect);
+        picture("归集到已有分包", dialog);
+        clickButton("确定", dialog);
+        if (dialog->isVisible()) static_cast<QDialog*>(dialog)->reject();
+      });
+  require(intoOld && c.subcontract() == &entry && entry.amount() == paid,
+          "没有归集到已有的分包，或改变了它的合价");
+  require(total() == totalBefore - both - more + paid, "归集到已有分包后的总成本不对");
+
+  // Given back: two by the button, the last one by the menu, with the entry that nothing is left
+  // of.
   selectRows(first, second);
   click("ResItem_cancelContract");
-  require(a.subcontract() == nullptr && project.totals().excluded == costBefore,
+  require(a.subcontract() == nullptr && channel_->messages().empty() &&
+              total() == totalBefore - more + paid,
+          "取消归集后的总成本不对");
+  driver_.clickCell(table, cell(third));
+  channel_->answerNext(QMessageBox::Yes);
+  const bool menuCame = driver_.withPopup(
+      [&] {
+        const QPoint at = table->visualRect(cell(third)).center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, table->viewport()->mapToGlobal(at));
+        QApplication::sendEvent(table->viewport(), &event);
+      },
+      [&](QWidget* popup) {
+        auto* menu = qobject_cast<QMenu*>(popup);
+        require(menu != nullptr, "没有打开右键菜单");
+        picture("人材机归集的右键菜单", menu);
+        for (QAction* each : menu->actions()) {
+          if (each->text() == "取消归集") {
+            driver_.click(menu, menu->actionGeometry(each).center());
+            return;
+          }
+        }
+        menu->close();
+      });
+  require(menuCame && c.subcontract() == nullptr && channel_->messages().size() == 1,
+          "右键菜单没有取消归集，或没有询问是否删除空分包");
+  channel_->clear();
+  require(project.subcontracts().size() == entries && total() == totalBefore &&
+              project.totals().excluded == costBefore,
           "取消归集没有恢复成本");
 
   // Where an item comes from.

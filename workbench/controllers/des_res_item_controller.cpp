@@ -1,15 +1,19 @@
 #include "workbench/controllers/des_res_item_controller.h"
 
 #include <algorithm>
+#include <map>
 #include <stdexcept>
 #include <utility>
 
 #include "host/app/scoped_undo.h"
 #include "host/base/number_text.h"
 #include "workbench/costing/expression.h"
+#include "workbench/costing/rules.h"
+#include "workbench/records/labels.h"
 
 namespace controllers {
 
+using abst::qce::destructors::CollectionEffect;
 using abst::qce::destructors::CollectionSetting;
 using abst::qce::destructors::CollectionTarget;
 using abst::qce::destructors::CostAccountEntry;
@@ -24,7 +28,10 @@ using records::SubcontractData;
 
 namespace {
 
-constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbers are the toolkit's
+// The contract's button numbers are the toolkit's.
+constexpr int OkButton = 0x400;    // QMessageBox::Ok
+constexpr int YesButton = 0x4000;  // QMessageBox::Yes
+constexpr int NoButton = 0x10000;  // QMessageBox::No
 
 void tell(const std::string& message) {
   app::qce::GetQCEChannel()->message(message, OkButton);
@@ -34,9 +41,23 @@ std::string nameOf(const ResourceItem& item) {
   return "“" + item.code().str() + " " + item.name().str() + "”";
 }
 
+std::string moneyText(const Decimal& money) {
+  return base::ToThousandthsString(money.toDouble(), costing::MoneyPlaces);
+}
+
+/// Where an item is collected; it must be.
+std::string collectedText(const ResourceItem& item) {
+  return "已归集到" + records::label(*item.subcontract());
+}
+
 std::string quantityText(const Decimal& quantity) {
   return base::ToThousandthsStringWithStripTrailingZeros(quantity.toDouble(),
                                                          costing::MaxQuantityPlaces);
+}
+
+/// Throws costing::ExpressionError where the text has no value.
+Decimal priceOf(const std::string& text) {
+  return costing::evaluate(text).rounded(costing::UnitPricePlaces);
 }
 
 /// What the price of an entry is for.
@@ -99,12 +120,32 @@ bool DesResItemController::isClosed(proxy::Element* row) const {
   return item != nullptr && item->subcontract() != nullptr;
 }
 
+std::string DesResItemController::getClosedReason(proxy::Element* row) const {
+  return isClosed(row)
+             ? collectedText(*operators::DesResItemOperator::itemOf(row)) + "，请先取消归集"
+             : std::string();
+}
+
 void DesResItemController::linkToCost(const Items& rows) {
-  write("关联到成本", [&] { project_.setLinked(itemsOf(rows), true); });
+  setLinked(rows, true);
 }
 
 void DesResItemController::unlinkFromCost(const Items& rows) {
-  write("取消关联到成本", [&] { project_.setLinked(itemsOf(rows), false); });
+  setLinked(rows, false);
+}
+
+void DesResItemController::setLinked(const Items& rows, bool linked) {
+  const ResourceItems items = itemsOf(rows);
+  // A collected item is refused by name, whatever it was before.
+  const bool any = std::any_of(items.begin(), items.end(), [linked](const ResourceItem* item) {
+    return item->linked() != linked || item->subcontract() != nullptr;
+  });
+  if (!any) {
+    tell(linked ? "选中的人材机都已关联到成本，无需关联。"
+                : "选中的人材机都没有关联到成本，无需取消关联。");
+    return;
+  }
+  write(linked ? "关联到成本" : "取消关联到成本", [&] { project_.setLinked(items, linked); });
 }
 
 std::vector<CostAccountEntry> DesResItemController::getCostAccounts() const {
@@ -189,15 +230,42 @@ std::vector<CollectionTarget> DesResItemController::getCollectionTargets(const I
   return targets;
 }
 
-bool DesResItemController::setCollection(const Items& rows, const CollectionSetting& setting) {
-  const ResourceItems items = itemsOf(rows);
-  if (items.empty()) return false;
-  for (const ResourceItem* item : items) {
+bool DesResItemController::canCollect(const Items& rows) const {
+  for (const ResourceItem* item : itemsOf(rows)) {
     if (item->subcontract() == nullptr) continue;
-    tell(nameOf(*item) + "已归集到分包“" + item->subcontract()->name.str() +
-         "”，未作任何改动；请先取消归集，或取消选择该项后重试。");
+    tell(nameOf(*item) + collectedText(*item) +
+         "，未作任何改动；请先取消归集，或取消选择该项后重试。");
     return false;
   }
+  return true;
+}
+
+CollectionEffect DesResItemController::getCollectionEffect(const Items& rows,
+                                                           const CollectionSetting& setting) const {
+  const ResourceItems items = itemsOf(rows);
+  Decimal leaves;
+  for (const ResourceItem* item : items) leaves += item->excludedAmount().value();
+  CollectionEffect effect{moneyText(leaves), {}};
+  try {
+    if (const auto* entry = dynamic_cast<const Subcontract*>(setting.entry)) {
+      effect.pays = moneyText(entry->amount());
+    } else if (const Decimal price = priceOf(setting.price); !price.isNegative()) {
+      const SubcontractData data = newEntry(items);
+      const Decimal one = 1;
+      effect.pays = moneyText(costing::excludedTaxAmount(
+          data.metering == MeteringMethod::LumpSum ? one : data.quantity, price));
+    }
+  } catch (const costing::ExpressionError&) {
+    // It is being typed.
+  } catch (const std::overflow_error&) {
+    // Refused when it is confirmed.
+  }
+  return effect;
+}
+
+bool DesResItemController::setCollection(const Items& rows, const CollectionSetting& setting) {
+  const ResourceItems items = itemsOf(rows);
+  if (items.empty() || !canCollect(rows)) return false;
   auto* entry = dynamic_cast<Subcontract*>(setting.entry);
   SubcontractData data;
   if (entry == nullptr) {
@@ -205,7 +273,7 @@ bool DesResItemController::setCollection(const Items& rows, const CollectionSett
     data.account = dynamic_cast<CostAccount*>(setting.account);
     data.features = project_.texts.intern(setting.features);
     try {
-      data.price = costing::evaluate(setting.price).rounded(costing::UnitPricePlaces);
+      data.price = priceOf(setting.price);
     } catch (const costing::ExpressionError& error) {
       tell("劳务、专业分包单价“" + setting.price + "”无法计算：" + error.what() +
            "请输入数字或计算式，例如 120*0.95。");
@@ -230,11 +298,42 @@ void DesResItemController::cancelCollection(const Items& rows) {
     tell("选中的人材机都没有归集，无需取消。");
     return;
   }
+  auto emptied = emptiedBy(items);
+  if (!emptied.empty()) {
+    std::string names;
+    Decimal amount;
+    for (const auto& entry : emptied) {
+      names += (names.empty() ? "" : "、") + records::label(*entry);
+      amount += entry->amount();
+    }
+    const int answer =
+        app::qce::GetQCEChannel()->message("取消归集后，" + names + "不再有人材机和清单，但合价 " +
+                                               moneyText(amount) + " 元仍计入成本。是否同时删除？",
+                                           YesButton | NoButton);
+    if (answer != YesButton) emptied.clear();
+  }
   write("取消归集", [&] {
     for (ResourceItem* item : items) {
       if (item->subcontract() != nullptr) project_.uncollect(*item);
     }
+    for (const auto& entry : emptied) project_.removeSubcontract(*entry);
   });
+}
+
+std::vector<scoped_refptr<Subcontract>> DesResItemController::emptiedBy(
+    const ResourceItems& items) const {
+  std::map<Subcontract*, std::size_t> given;
+  for (const ResourceItem* item : items) {
+    if (item->subcontract() != nullptr) ++given[item->subcontract()];
+  }
+  std::vector<scoped_refptr<Subcontract>> emptied;
+  for (const auto& [entry, count] : given) {
+    if (entry->rows().size() > 0 || project_.collectedItems(*entry).size() > count) continue;
+    emptied.emplace_back(entry);
+  }
+  std::sort(emptied.begin(), emptied.end(),
+            [](const auto& a, const auto& b) { return a->row() < b->row(); });
+  return emptied;
 }
 
 std::vector<SourceBill> DesResItemController::getSourceBills(proxy::Element* row) const {
@@ -259,6 +358,10 @@ void DesResItemController::findSource(proxy::Element* row) {
   } else if (!follow_ || !follow_(bills)) {
     tell(nameOf(*item) + "的来源清单无法显示。");
   }
+}
+
+void DesResItemController::showItemPage(proxy::Element* current) {
+  if (followItem_) followItem_(operators::DesResItemOperator::itemOf(current));
 }
 
 void DesResItemController::insertItem(proxy::Element* current) {

@@ -34,9 +34,14 @@ class DesResItemController : public abst::qce::destructors::DesResItemController
   void setSourceFollower(std::function<bool(const std::vector<proxy::Element*>&)> follow) {
     follow_ = std::move(follow);
   }
+  /// What leads to the page where items are added, and to this item there; null for none.
+  void setItemFollower(std::function<void(records::ResourceItem*)> follow) {
+    followItem_ = std::move(follow);
+  }
 
   void setCurrentItem(proxy::Element* row) override;
   bool isClosed(proxy::Element* row) const override;
+  std::string getClosedReason(proxy::Element* row) const override;
   void linkToCost(const Items& rows) override;
   void unlinkFromCost(const Items& rows) override;
   std::vector<abst::qce::destructors::CostAccountEntry> getCostAccounts() const override;
@@ -45,12 +50,16 @@ class DesResItemController : public abst::qce::destructors::DesResItemController
   void setCostAccount(const Items& rows, proxy::Element* account) override;
   std::vector<abst::qce::destructors::CollectionTarget> getCollectionTargets(
       const Items& rows) const override;
+  bool canCollect(const Items& rows) const override;
+  abst::qce::destructors::CollectionEffect getCollectionEffect(
+      const Items& rows, const abst::qce::destructors::CollectionSetting& setting) const override;
   bool setCollection(const Items& rows,
                      const abst::qce::destructors::CollectionSetting& setting) override;
   void cancelCollection(const Items& rows) override;
   std::vector<abst::qce::destructors::SourceBill> getSourceBills(
       proxy::Element* row) const override;
   void findSource(proxy::Element* row) override;
+  void showItemPage(proxy::Element* current) override;
   void insertItem(proxy::Element* current) override;
   void deleteItems(const Items& rows) override;
 
@@ -71,13 +80,17 @@ class DesResItemController : public abst::qce::destructors::DesResItemController
   /// Writes inside one undo step. A refusal takes everything back, is told to the user and answered
   /// with false.
   static bool write(const char* name, const std::function<void()>& change);
+  void setLinked(const Items& rows, bool linked);
   records::SubcontractData newEntry(const ResourceItems& items) const;
+  /// Entries that have neither items nor bills once these items are given back.
+  std::vector<scoped_refptr<records::Subcontract>> emptiedBy(const ResourceItems& items) const;
 
   records::Project& project_;
   operators::DesResItemOperator& rows_;
   abst::qce::QCEResItemController& items_;
   std::function<void(const Changes&)> changed_;
   std::function<bool(const std::vector<proxy::Element*>&)> follow_;
+  std::function<void(records::ResourceItem*)> followItem_;
   scoped_refptr<proxy::Element> current_;
   bool local_ = false;
   std::vector<scoped_refptr<records::ResourceItem>> edited_;

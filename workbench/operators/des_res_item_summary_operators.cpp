@@ -67,6 +67,7 @@ domain::DataField fieldOf(const char* name, int type, int places) {
 bool ItemScope::holds(const ResourceItem& item) const {
   if (everything) return true;
   if (waiting) return !item.linked() && item.subcontract() == nullptr;
+  if (collected) return item.subcontract() != nullptr;
   if (category) return item.category() == *category;
   if (account) return item.account() == *account;
   return entry != nullptr && item.subcontract() == entry;
@@ -111,16 +112,20 @@ ItemScope DesResItemGuideOperator::scopeOf(const proxy::Element* element) {
 void DesResItemGuideOperator::rebuild() {
   Figures all;
   Figures waiting;
+  Figures collected;
   std::array<Figures, records::CategoryCount> categories;
   std::unordered_map<const CostAccount*, Figures> accounts;
   std::unordered_map<const Subcontract*, Figures> entries;
-  const ItemScope waits{false, true, {}, {}, nullptr};
+  const ItemScope waits{false, true, false, {}, {}, nullptr};
   forEachItem(project_, [&](ResourceItem& item) {
     all.add(project_, item);
     if (waits.holds(item)) waiting.add(project_, item);
     categories.at(static_cast<std::size_t>(item.category())).add(project_, item);
     accounts[item.account()].add(project_, item);
-    if (item.subcontract() != nullptr) entries[item.subcontract()].add(project_, item);
+    if (item.subcontract() != nullptr) {
+      entries[item.subcontract()].add(project_, item);
+      collected.add(project_, item);
+    }
   });
 
   // Ids below zero are the guide's own; an account or entry lends its id.
@@ -139,7 +144,7 @@ void DesResItemGuideOperator::rebuild() {
   for (int i = 0; i < records::CategoryCount; ++i) {
     const auto category = static_cast<Category>(i);
     const Figures& figures = categories.at(static_cast<std::size_t>(i));
-    ItemScope scope{false, false, category, {}, nullptr};
+    ItemScope scope{false, false, false, category, {}, nullptr};
     --nextId;  // the same id for a category, whether others have items or not
     if (figures.items == 0) continue;
     add(byCategory->rows(), nextId, records::nameOf(category), scope, figures);
@@ -151,22 +156,18 @@ void DesResItemGuideOperator::rebuild() {
   for (CostAccount* account : order) {
     const auto found = accounts.find(account);
     if (found == accounts.end()) continue;
-    ItemScope scope{false, false, {}, account, nullptr};
+    ItemScope scope{false, false, false, {}, account, nullptr};
     add(byAccount->rows(), account != nullptr ? account->id() : nextId,
         account != nullptr ? account->label : "（无成本科目）", scope, found->second);
   }
-  Figures collected;
-  for (const auto& [entry, figures] : entries) {
-    collected.items += figures.items;
-    collected.market += figures.market;
-  }
-  Entry* byEntry = add(root_->rows(), 0, "按分包", {}, collected);
+  const ItemScope collects{false, false, true, {}, {}, nullptr};
+  Entry* byEntry = add(root_->rows(), 0, "按分包", collects, collected);
   const records::RowList& subcontracts = project_.subcontracts().rows();
   for (int row = 0; row < subcontracts.size(); ++row) {
     const auto* entry = static_cast<const Subcontract*>(subcontracts.at(row));
     const auto found = entries.find(entry);
     if (found == entries.end()) continue;
-    ItemScope scope{false, false, {}, {}, entry};
+    ItemScope scope{false, false, false, {}, {}, entry};
     add(byEntry->rows(), entry->id(), entry->name.str(), scope, found->second);
   }
 }
@@ -287,6 +288,15 @@ void DesResItemSummaryOperator::rebuild() {
   for (const auto& members : byCategory) {
     for (const auto& row : members) root_->rows().append(row);
   }
+}
+
+std::string DesResItemSummaryOperator::getEmptyReason() const {
+  if (root_->size() > 0) return {};
+  if (scope_.waiting) return "没有待归集的人材机：每一项都已关联到成本或归集到分包。";
+  if (scope_.collected) {
+    return "还没有归集到分包的人材机。请在“明细”中选择人材机，再点“设置归集”。";
+  }
+  return scope_.everything ? "项目中还没有人材机。请在人材机页添加。" : "";
 }
 
 bool DesResItemSummaryOperator::getValue(const proxy::Element* element, const std::string& key,

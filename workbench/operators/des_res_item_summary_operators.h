@@ -16,7 +16,8 @@ std::unique_ptr<domain::DisplayTable> makeDesResItemSummaryTable();
 /// Which items an entry of the guide stands for.
 struct ItemScope {
   bool everything = true;
-  bool waiting = false;  ///< neither linked nor collected
+  bool waiting = false;    ///< neither linked nor collected
+  bool collected = false;  ///< into whatever entry
   std::optional<records::Category> category;
   std::optional<records::CostAccount*> account;  ///< itself, not those below it; null: none
   const records::Subcontract* entry = nullptr;
@@ -73,6 +74,7 @@ class DesResItemSummaryOperator : public domain::qce::destructors::DesResItemSum
   bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
   void setGuideEntry(proxy::Element* entry) override;
   void rebuild() override;
+  std::string getEmptyReason() const override;
 
  private:
   class Row;

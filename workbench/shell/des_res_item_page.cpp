@@ -140,14 +140,19 @@ class Tabs : public gui::BasePage {
   }
 
   void followRow() {
-    auto* table = summary_->tableView()->table();
-    std::vector<proxy::Element*> rows;
+    const auto* table = summary_->tableView()->table();
+    std::vector<scoped_refptr<records::ResourceItem>> items;
     for (records::ResourceItem* item :
          operators::DesResItemSummaryOperator::itemsOf(table->currentElement())) {
+      items.emplace_back(item);
+    }
+    if (items.empty()) return;
+    // Switching makes the rows anew when items have come or gone, so they are looked up after it.
+    tabs_->setCurrentWidget(items_);
+    std::vector<proxy::Element*> rows;
+    for (const auto& item : items) {
       if (proxy::Element* row = behind_->rows.rowOf(*item)) rows.push_back(row);
     }
-    if (rows.empty()) return;
-    tabs_->setCurrentWidget(items_);
     items_->showItems(rows);
   }
 
@@ -165,6 +170,8 @@ Page makeDesResItemPage(Session& session) {
   behind->controller.setSourceFollower([&session](const std::vector<proxy::Element*>& bills) {
     return followBills(session, bills);
   });
+  behind->controller.setItemFollower(
+      [&session](records::ResourceItem* item) { followItem(session, item); });
   auto* tabs = new Tabs(behind);
 
   Page page;

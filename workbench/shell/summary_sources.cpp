@@ -144,6 +144,17 @@ class Follower {
     return false;
   }
 
+  bool toResources(StructureNode* work, const std::string& account, const Elements& selected) {
+    const Page* page = pageOf(session_, QStringLiteral("人材机"));
+    auto* view =
+        page != nullptr ? qobject_cast<gui::qce::QCEResItemViewImpl*>(page->widget) : nullptr;
+    if (view == nullptr) return false;
+    if (onlyAsking_) return true;
+    emit session_.pageWanted(page->key);
+    view->showItems(work, account, selected);
+    return true;
+  }
+
  private:
   Elements categoryRows(records::Category category) {
     Elements rows;
@@ -160,17 +171,6 @@ class Follower {
       if (isBelow(work, &node)) rows.push_back(project_.subProject(*work));
     }
     return rows;
-  }
-
-  bool toResources(StructureNode* work, const std::string& account, const Elements& selected) {
-    const Page* page = pageOf(session_, QStringLiteral("人材机"));
-    auto* view =
-        page != nullptr ? qobject_cast<gui::qce::QCEResItemViewImpl*>(page->widget) : nullptr;
-    if (view == nullptr) return false;
-    if (onlyAsking_) return true;
-    emit session_.pageWanted(page->key);
-    view->showItems(work, account, selected);
-    return true;
   }
 
   /// To what is booked on an account for which `isIn` holds: items, else a fee, else an entry.
@@ -239,6 +239,11 @@ bool followBills(Session& session, const std::vector<proxy::Element*>& bills) {
   emit session.pageWanted(page->key);
   view->showElements(bills);
   return true;
+}
+
+bool followItem(Session& session, ResourceItem* item) {
+  return Follower(session, false)
+      .toResources(nullptr, {}, item != nullptr ? Elements{item} : Elements{});
 }
 
 }  // namespace shell

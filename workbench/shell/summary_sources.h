@@ -17,4 +17,8 @@ bool followSummaryLine(Session& session, const records::SummaryLine& line, bool 
 /// Leads to the page of bills and selects these there; false where that page is not there.
 bool followBills(Session& session, const std::vector<proxy::Element*>& bills);
 
+/// Leads to the page of resource items with all its filters off, and selects this one there; null
+/// for none. False where that page is not there.
+bool followItem(Session& session, records::ResourceItem* item);
+
 }  // namespace shell

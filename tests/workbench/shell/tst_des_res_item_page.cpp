@@ -1,3 +1,4 @@
+#include <QMessageBox>
 #include <QTabBar>
 #include <QUndoStack>
 #include <QtTest>
@@ -8,6 +9,7 @@
 #include "destructors/res_item_summary_view.h"
 #include "destructors/res_item_view.h"
 #include "host/app/scoped_undo.h"
+#include "host/base/number_text.h"
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/destructors/des_res_item_keys.h"
@@ -103,6 +105,9 @@ class TestDesResItemPage : public QObject {
     QVERIFY(message().contains("取消归集"));
 
     // Units that differ make a lump sum of what the items cost.
+    const auto effect = controller_->getCollectionEffect(pair, {&entry, nullptr, "", ""});
+    QCOMPARE(effect.leaves + " " + effect.pays,
+             "0.00 " + base::ToThousandthsString(entry.amount().toDouble(), 2));
     const Rows mixed{row(labour[2]), row(material[0])};
     const auto offers = controller_->getCollectionTargets(mixed);
     QCOMPARE(offers.size(), std::size_t(2));
@@ -117,10 +122,38 @@ class TestDesResItemPage : public QObject {
       out += project().amountIfCounted(*item);
     }
     QVERIFY(project().totals().excluded == cost - out);
-    controller_->cancelCollection({pair[0], pair[1], mixed[0], mixed[1], row(material[1])});
-    QVERIFY(project().totals().excluded == cost);
+    // What the entries pay is offered to go with their last items, and stays where that is refused.
+    const auto total = [this] {
+      return project().totals().excluded + project().subcontractTotals().excluded;
+    };
+    const Decimal collected = total();
+    const Decimal lump =
+        static_cast<const records::Subcontract*>(project().subcontracts().rows().at(1))->amount();
+    QUndoStack& undo = window_->session()->undoStack();
+    const Rows all{pair[0], pair[1], mixed[0], mixed[1], row(material[1])};
+    channel_->clear();
+    controller_->cancelCollection(pair);  // one is left in the entry
+    QVERIFY(channel_->messages().empty());
+    undo.undo();
+    channel_->answerNext(QMessageBox::No);
+    controller_->cancelCollection(mixed);
+    QVERIFY2(message().contains("是否同时删除"), qPrintable(message()));
+    QCOMPARE(project().subcontracts().size(), 2);
+    QVERIFY(total() == collected + lump);
+    undo.undo();
+    const int step = undo.index();
+    channel_->answerNext(QMessageBox::Yes);
+    controller_->cancelCollection(all);
+    QCOMPARE(undo.index(), step + 1);
+    QCOMPARE(project().subcontracts().size(), 0);
+    QVERIFY(total() == cost);
+    undo.undo();
+    QVERIFY(total() == collected && project().subcontracts().size() == 2);
+    undo.redo();
     controller_->cancelCollection(pair);
     QVERIFY(message().contains("没有归集"));
+    controller_->linkToCost(pair);
+    QVERIFY(message().contains("无需关联"));
     while (window_->session()->undoStack().canUndo()) window_->session()->undoStack().undo();
     QVERIFY(project().dump() == before);
   }
@@ -178,6 +211,10 @@ class TestDesResItemPage : public QObject {
     };
     visit({});
     QVERIFY(entries > 8);
+    const QModelIndex given = guide.model()->index(4, 0);  // to any subcontract
+    guide.setCurrentIndex(given);
+    QCOMPARE(table.rowCount(), 1);
+    QCOMPARE(cell(0, keys::BRIMarketTotalCost), given.sibling(4, 2).data(Qt::EditRole));
     guide.setCurrentIndex(guide.model()->index(1, 0));  // what waits
     QCOMPARE(table.rowCount(), 1);
     QCOMPARE(cell(0, keys::BRIName).toString().toStdString(), labour[0]->name().str());
@@ -241,6 +278,31 @@ class TestDesResItemPage : public QObject {
                          Qt::MatchRecursive)
                  .size(),
              0);
+  }
+
+  void findsTheItemsOfASummaryRowAfterItemsHaveCome() {
+    auto* tabs = page_->findChild<QTabBar*>();
+    QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
+    auto* table = page_->findChild<bwidgets::TableView*>("DesResItemSummary_table");
+    const auto follow = [&](int at) {
+      const QPoint place = table->visualRect(table->model()->index(at, 2)).center();
+      QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, place);
+      QTest::mouseDClick(table->viewport(), Qt::LeftButton, {}, place);
+    };
+    const int kinds = table->model()->rowCount();
+    controller_->insertItem(row(itemsOf(records::Category::Labour).front()));
+    QTRY_COMPARE(table->model()->rowCount(), kinds + 1);
+    int own = 0;
+    while (own < kinds && !table->model()->index(own, 1).data().toString().contains("补充")) ++own;
+    table->scrollTo(table->model()->index(own, 2));
+    follow(own);
+    QVERIFY(view_->isVisible());
+    QCOMPARE(view_->selectedItems().size(), std::size_t(1));
+    const ResourceItem* item = DesResItemOperator::itemOf(view_->selectedItems().front());
+    QCOMPARE(item->code().str(), std::string("补充人工001"));
+
+    view_->showItemPage();
+    QCOMPARE(window_->pages()->currentPage(), QString("resources"));
   }
 
   void closesWithARefreshPending() {

@@ -5,6 +5,17 @@
 namespace abst::qce::destructors {
 
 DesResItemController::~DesResItemController() = default;
+std::string DesResItemController::getClosedReason(proxy::Element* /*item*/) const {
+  return {};
+}
+bool DesResItemController::canCollect(const Items& /*items*/) const {
+  return true;
+}
+CollectionEffect DesResItemController::getCollectionEffect(
+    const Items& /*items*/, const CollectionSetting& /*setting*/) const {
+  return {};
+}
+void DesResItemController::showItemPage(proxy::Element* /*current*/) {}
 void DesResItemController::insertItem(proxy::Element* /*current*/) {}
 void DesResItemController::deleteItems(const Items& /*items*/) {}
 

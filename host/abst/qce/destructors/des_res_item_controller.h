@@ -42,6 +42,12 @@ struct CollectionSetting {
   std::string price;  ///< a number or an expression, yuan
 };
 
+/// What a collection does to the cost, as texts in yuan excluding tax.
+struct CollectionEffect {
+  std::string leaves;  ///< what the items counted for so far
+  std::string pays;    ///< what the entry pays afterwards; empty while the price has no value
+};
+
 /// What the page of design-side resource items asks of the host. Commands that change data are one
 /// undo step each, are done for all items or for none, and have told the user why when they were
 /// refused. Items are those of the page's model, without its grouping rows.
@@ -55,6 +61,8 @@ class QCE_CONTRACT_EXPORT DesResItemController {
   virtual void setCurrentItem(proxy::Element* item) = 0;
   /// Whether the item is closed to linking, unlinking and collecting.
   virtual bool isClosed(proxy::Element* item) const = 0;
+  /// Why the item is closed and what opens it, in UTF-8. By default nothing is said.
+  virtual std::string getClosedReason(proxy::Element* item) const;
 
   virtual void linkToCost(const Items& items) = 0;
   virtual void unlinkFromCost(const Items& items) = 0;
@@ -70,6 +78,12 @@ class QCE_CONTRACT_EXPORT DesResItemController {
 
   /// What the items can be collected into; the first is the proposal for a new entry.
   virtual std::vector<CollectionTarget> getCollectionTargets(const Items& items) const = 0;
+  /// False after telling the user why these items cannot be collected, before anything else is
+  /// asked. By default all can.
+  virtual bool canCollect(const Items& items) const;
+  /// What collecting with this setting would do. By default nothing is known.
+  virtual CollectionEffect getCollectionEffect(const Items& items,
+                                               const CollectionSetting& setting) const;
   /// False where it was refused.
   virtual bool setCollection(const Items& items, const CollectionSetting& setting) = 0;
   virtual void cancelCollection(const Items& items) = 0;
@@ -80,6 +94,8 @@ class QCE_CONTRACT_EXPORT DesResItemController {
   virtual void findSource(proxy::Element* item) = 0;
 
   // The set of items. By default nothing happens.
+  /// Leads to the page where items are added, to the place of the current row (null for none).
+  virtual void showItemPage(proxy::Element* current);
   virtual void insertItem(proxy::Element* current);
   virtual void deleteItems(const Items& items);
 };

@@ -19,6 +19,9 @@ namespace qce::destructors {
 DesResItemOperator::~DesResItemOperator() = default;
 DesResItemGuideOperator::~DesResItemGuideOperator() = default;
 DesResItemSummaryOperator::~DesResItemSummaryOperator() = default;
+std::string DesResItemSummaryOperator::getEmptyReason() const {
+  return {};
+}
 
 }  // namespace qce::destructors
 

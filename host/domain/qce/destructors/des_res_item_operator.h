@@ -34,6 +34,8 @@ class QCE_CONTRACT_EXPORT DesResItemSummaryOperator : public Operator {
   // Both change the rows: the caller resets its model around the call.
   virtual void setGuideEntry(proxy::Element* entry) = 0;
   virtual void rebuild() = 0;
+  /// Why there is no row, in UTF-8; empty while there are rows. By default nothing is said.
+  virtual std::string getEmptyReason() const;
 };
 
 }  // namespace domain::qce::destructors
