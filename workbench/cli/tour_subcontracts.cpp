@@ -202,6 +202,7 @@ void Tour::subcontracts() {
   look({});
   require(line.isValid(), "投标费用汇总没有分包");
   summary.grid()->expandAll();
+  summary.grid()->scrollTo(line);
   picture("汇总中的分包");
   driver_.doubleClickCell(summary.grid(), line);
   require(window_->pages()->currentPage() == "subcontracts" && table->currentElement() != nullptr &&

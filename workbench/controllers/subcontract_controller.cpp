@@ -239,7 +239,7 @@ Elements SubcontractController::addFromBase(const Elements& rows, proxy::Element
     if (data.account == nullptr && !from->account.empty()) unknown.insert(from->account);
     made.push_back(data);
   }
-  const Elements added = made.empty() ? Elements() : add("从基础库添加分包", made, after);
+  Elements added = made.empty() ? Elements() : add("从基础库添加分包", made, after);
   if (!added.empty() && !unknown.empty()) {
     std::string list;
     for (const std::string& account : unknown) list += (list.empty() ? "" : "、") + account;

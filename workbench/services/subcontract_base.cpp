@@ -71,7 +71,8 @@ SubcontractBaseEntry readEntry(const Json& object, const std::string& place) {
   for (const auto& [key, value] : object.items()) {
     // Keys that mean nothing are mostly misspelt ones.
     if (std::find(known.begin(), known.end(), key) == known.end()) {
-      fail(place + "." + key, "不是可用的键，请改为下列之一：" + listed(known) + "。");
+      std::string at = place;
+      fail(at.append(".").append(key), "不是可用的键，请改为下列之一：" + listed(known) + "。");
     }
   }
   SubcontractBaseEntry entry;
