@@ -394,9 +394,8 @@ void DesResItemController::billChanged(records::Bill& /*bill*/) {
   bills_ = true;
 }
 
-// The name of an entry stands in the rows of its items.
 void DesResItemController::subcontractChanged(Subcontract& entry) {
-  for (ResourceItem* item : project_.collectedItems(entry)) edited_.emplace_back(item);
+  entries_.insert(&entry);
 }
 
 void DesResItemController::aboutToInsert(records::ResourceGroup& /*parent*/, int /*row*/) {
@@ -417,7 +416,11 @@ void DesResItemController::rearranged(records::ResourceGroup& /*group*/) {
 
 void DesResItemController::stepFinished() {
   // Handlers may edit in their turn, so that the lists are taken first.
-  const auto edited = std::exchange(edited_, {});
+  auto edited = std::exchange(edited_, {});
+  // The name of an entry stands in the rows of its items. An entry that is gone has none.
+  for (const Subcontract* entry : std::exchange(entries_, {})) {
+    for (ResourceItem* item : project_.collectedItems(*entry)) edited.emplace_back(item);
+  }
   Changes changes;
   changes.rebuild = std::exchange(rebuild_, false);
   changes.bills = std::exchange(bills_, false);

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "host/abst/qce/destructors/des_res_item_controller.h"
@@ -94,6 +95,7 @@ class DesResItemController : public abst::qce::destructors::DesResItemController
   scoped_refptr<proxy::Element> current_;
   bool local_ = false;
   std::vector<scoped_refptr<records::ResourceItem>> edited_;
+  std::unordered_set<const records::Subcontract*> entries_;
   bool rebuild_ = false;
   bool bills_ = false;
 };

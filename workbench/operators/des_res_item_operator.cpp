@@ -123,6 +123,7 @@ void DesResItemOperator::rebuildGroup() {
       if (group == nullptr || group->rows().size() == 0) continue;
       // In the order of the stored places, which a sorted page may not have.
       std::vector<ResourceItem*> members;
+      members.reserve(static_cast<std::size_t>(group->rows().size()));
       for (int row = 0; row < group->rows().size(); ++row) {
         members.push_back(static_cast<ResourceItem*>(group->rows().at(row)));
       }

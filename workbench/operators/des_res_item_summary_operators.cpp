@@ -18,7 +18,6 @@ using records::Category;
 using records::CostAccount;
 using records::ResourceItem;
 using records::Subcontract;
-using records::Text;
 
 namespace keys = domain::keys;
 

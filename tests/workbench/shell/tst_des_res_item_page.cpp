@@ -333,6 +333,7 @@ class TestDesResItemPage : public QObject {
   std::vector<ResourceItem*> itemsOf(records::Category category) {
     std::vector<ResourceItem*> items;
     const auto& rows = project().categoryGroup(*project().unitWorks().front(), category)->rows();
+    items.reserve(std::size_t(rows.size()));
     for (int at = 0; at < rows.size(); ++at) {
       items.push_back(static_cast<ResourceItem*>(rows.at(at)));
     }
