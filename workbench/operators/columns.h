@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 #include "host/domain/display_table.h"
 #include "workbench/costing/rules.h"
@@ -14,15 +15,17 @@ namespace operators {
 domain::DataField makeField(const char* name, int type, int places = costing::MaxQuantityPlaces,
                             bool strip = true);
 
-/// A table of `columns`: each has a `key`, a `name`, a `type`, a `width`, and may hold `money`.
+/// A table of `columns`: each has a `key`, a `name`, a `type`, a `width`, and may hold `money`,
+/// which has separators where nobody sorts by what is shown.
 template <class Columns>
-std::unique_ptr<domain::DisplayTable> makeTable(const std::string& name, const Columns& columns) {
+std::unique_ptr<domain::DisplayTable> makeTable(const std::string& name, const Columns& columns,
+                                                bool separators = false) {
   auto table = std::make_unique<domain::DisplayTable>(name);
   for (const auto& column : columns) {
     const int places = column.money ? costing::MoneyPlaces : costing::MaxQuantityPlaces;
-    table->getHeader()
-        ->addColumn(column.key, makeField(column.name, column.type, places, !column.money))
-        .width = column.width;
+    domain::DataField field = makeField(column.name, column.type, places, !column.money);
+    field.thousandsSeparators = separators && column.money;
+    table->getHeader()->addColumn(column.key, std::move(field)).width = column.width;
   }
   return table;
 }

@@ -6,6 +6,7 @@
 
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/destructors/des_res_item_keys.h"
+#include "workbench/operators/columns.h"
 
 namespace operators {
 
@@ -42,37 +43,30 @@ class DesResItemOperator::GroupRow final : public records::Branch {
 
 std::unique_ptr<domain::DisplayTable> makeDesResItemTable() {
   using namespace domain;
-  auto table = std::make_unique<DisplayTable>("QCE_DesResItem");
-  DisplayRow& header = *table->getHeader();
-  const auto add = [&header](const std::string& key, const char* name, int type, int width,
-                             int places = 0) {
-    DataField field;
-    field.displayName = name;
-    field.type = type;
-    if (type == FloatingPointField) {
-      field.precision = places;
-      field.stripTrailingZeros = places != costing::MoneyPlaces;
-      field.zeroShowsEmpty = false;
-      field.thousandsSeparators = places == costing::MoneyPlaces;
-    }
-    header.addColumn(key, std::move(field)).width = width;
+  struct Column {
+    const std::string& key;
+    const char* name;
+    int type;
+    int width;
+    bool money = false;
   };
-  add(keys::BRIType, "类别", StringField, 50);
-  add(keys::BRICode, "编码", StringField, 100);
-  add(keys::BRIName, "名称", StringField, 170);
-  add(keys::BRISpec, "规格型号", StringField, 110);
-  add(keys::BRIUnit, "单位", StringField, 50);
-  add(keys::BRILinkCB, "关联成本", StringField, 64);
-  add(keys::BRIContract, "归集到", StringField, 130);
-  add(keys::CostAccount, "成本科目", StringField, 130);
-  add(keys::BRIAmount, "数量", FloatingPointField, 90, costing::MaxQuantityPlaces);
-  add(keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 122, costing::MoneyPlaces);
-  add(keys::BRIMarketTotalCost, "不含税合价（元）", FloatingPointField, 120, costing::MoneyPlaces);
-  add(keys::BRIExcludedTaxTotalCost, "计入成本（元）", FloatingPointField, 120,
-      costing::MoneyPlaces);
-  add(keys::BRIBudgetTotalCost, "预算合价（元）", FloatingPointField, 110, costing::MoneyPlaces);
-  add(keys::BRIBillCount, "清单数", IntegerField, 60);
-  return table;
+  const Column columns[] = {
+      {keys::BRIType, "类别", StringField, 50},
+      {keys::BRICode, "编码", StringField, 100},
+      {keys::BRIName, "名称", StringField, 170},
+      {keys::BRISpec, "规格型号", StringField, 110},
+      {keys::BRIUnit, "单位", StringField, 50},
+      {keys::BRILinkCB, "关联成本", StringField, 64},
+      {keys::BRIContract, "归集到", StringField, 130},
+      {keys::CostAccount, "成本科目", StringField, 130},
+      {keys::BRIAmount, "数量", FloatingPointField, 90},
+      {keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 122, true},
+      {keys::BRIMarketTotalCost, "不含税合价（元）", FloatingPointField, 120, true},
+      {keys::BRIExcludedTaxTotalCost, "计入成本（元）", FloatingPointField, 120, true},
+      {keys::BRIBudgetTotalCost, "预算合价（元）", FloatingPointField, 110, true},
+      {keys::BRIBillCount, "清单数", IntegerField, 60},
+  };
+  return makeTable("QCE_DesResItem", columns, true);
 }
 
 DesResItemOperator::DesResItemOperator(records::Project& project, ResItemOperator& items)

@@ -9,6 +9,7 @@
 
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/destructors/des_res_item_keys.h"
+#include "workbench/operators/columns.h"
 
 namespace operators {
 
@@ -48,18 +49,13 @@ struct Figures {
   }
 };
 
-domain::DataField fieldOf(const char* name, int type, int places) {
-  domain::DataField field;
-  field.displayName = name;
-  field.type = type;
-  if (type == domain::FloatingPointField) {
-    field.precision = places;
-    field.stripTrailingZeros = places != costing::MoneyPlaces;
-    field.zeroShowsEmpty = false;
-    field.thousandsSeparators = places == costing::MoneyPlaces;
-  }
-  return field;
-}
+struct Column {
+  const std::string& key;
+  const char* name;
+  int type;
+  int width;
+  bool money = false;
+};
 
 }  // namespace
 
@@ -86,16 +82,12 @@ class DesResItemGuideOperator::Entry final : public records::Branch {
 };
 
 std::unique_ptr<domain::DisplayTable> makeDesResItemGuideTable() {
-  using namespace domain;
-  auto table = std::make_unique<DisplayTable>("QCE_DesResItemGuide");
-  DisplayRow& header = *table->getHeader();
-  header.addColumn(keys::BRIName, fieldOf("汇总范围", StringField, 0)).width = 206;
-  header.addColumn(keys::BRIItemCount, fieldOf("项数", IntegerField, 0)).width = 50;
-  header
-      .addColumn(keys::BRIMarketTotalCost,
-                 fieldOf("合价（元）", FloatingPointField, costing::MoneyPlaces))
-      .width = 112;
-  return table;
+  const Column columns[] = {
+      {keys::BRIName, "汇总范围", domain::StringField, 206},
+      {keys::BRIItemCount, "项数", domain::IntegerField, 50},
+      {keys::BRIMarketTotalCost, "合价（元）", domain::FloatingPointField, 112, true},
+  };
+  return makeTable("QCE_DesResItemGuide", columns, true);
 }
 
 DesResItemGuideOperator::DesResItemGuideOperator(records::Project& project)
@@ -209,26 +201,21 @@ class DesResItemSummaryOperator::Row final : public records::Record {
 
 std::unique_ptr<domain::DisplayTable> makeDesResItemSummaryTable() {
   using namespace domain;
-  auto table = std::make_unique<DisplayTable>("QCE_DesResItemSummary");
-  DisplayRow& header = *table->getHeader();
-  const auto add = [&header](const std::string& key, const char* name, int type, int width,
-                             int places = 0) {
-    header.addColumn(key, fieldOf(name, type, places)).width = width;
+  const Column columns[] = {
+      {keys::BRIType, "类别", StringField, 50},
+      {keys::BRICode, "编码", StringField, 84},
+      {keys::BRIName, "名称", StringField, 140},
+      {keys::BRISpec, "规格型号", StringField, 100},
+      {keys::BRIUnit, "单位", StringField, 50},
+      {keys::BRIAmount, "数量", FloatingPointField, 86},
+      {keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 118, true},
+      {keys::BRIMarketTotalCost, "不含税合价（元）", FloatingPointField, 116, true},
+      {keys::BRIExcludedTaxTotalCost, "计入成本（元）", FloatingPointField, 110, true},
+      {keys::CostAccount, "成本科目", StringField, 130},
+      {keys::BRIContract, "归集到", StringField, 130},
+      {keys::BRIItemCount, "工程数", IntegerField, 60},
   };
-  add(keys::BRIType, "类别", StringField, 50);
-  add(keys::BRICode, "编码", StringField, 84);
-  add(keys::BRIName, "名称", StringField, 140);
-  add(keys::BRISpec, "规格型号", StringField, 100);
-  add(keys::BRIUnit, "单位", StringField, 50);
-  add(keys::BRIAmount, "数量", FloatingPointField, 86, costing::MaxQuantityPlaces);
-  add(keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 118, costing::MoneyPlaces);
-  add(keys::BRIMarketTotalCost, "不含税合价（元）", FloatingPointField, 116, costing::MoneyPlaces);
-  add(keys::BRIExcludedTaxTotalCost, "计入成本（元）", FloatingPointField, 110,
-      costing::MoneyPlaces);
-  add(keys::CostAccount, "成本科目", StringField, 130);
-  add(keys::BRIContract, "归集到", StringField, 130);
-  add(keys::BRIItemCount, "工程数", IntegerField, 60);
-  return table;
+  return makeTable("QCE_DesResItemSummary", columns, true);
 }
 
 DesResItemSummaryOperator::DesResItemSummaryOperator(records::Project& project)

@@ -1,3 +1,4 @@
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QTabBar>
 #include <QUndoStack>
@@ -215,6 +216,12 @@ class TestDesResItemPage : public QObject {
     guide.setCurrentIndex(given);
     QCOMPARE(table.rowCount(), 1);
     QCOMPARE(cell(0, keys::BRIMarketTotalCost), given.sibling(4, 2).data(Qt::EditRole));
+    auto* text = summary->findChild<QLineEdit*>("DesResItemSummary_text");
+    text->setText("没有这样的人材机");
+    QTest::keyClick(text, Qt::Key_Return);
+    QCOMPARE(table.rowCount(), 0);
+    text->clear();
+    QTest::keyClick(text, Qt::Key_Return);
     guide.setCurrentIndex(guide.model()->index(1, 0));  // what waits
     QCOMPARE(table.rowCount(), 1);
     QCOMPARE(cell(0, keys::BRIName).toString().toStdString(), labour[0]->name().str());
