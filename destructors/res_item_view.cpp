@@ -75,7 +75,7 @@ void DesResItemViewImpl::init() {
                                      "Ctrl+Shift+G", &Page::onBtnCancelContractPush);
   sourceAction_ =
       addCommand("查看来源", "转到当前人材机所来自的清单", "Ctrl+J", &Page::onFindSource);
-  itemPageAction_ = addCommand("到人材机页添加…", "转到人材机页的当前人材机处，在那里添加人材机",
+  itemPageAction_ = addCommand("到人材机页添加", "转到人材机页的当前人材机处，在那里添加人材机",
                                "Ctrl+Shift+I", &Page::showItemPage);
   regroupAction_ = addCommand("恢复原顺序", "恢复排序前的顺序", "F5", &Page::regroup);
   groupedAction_ = new QAction("按工程和类别分组", this);

@@ -210,6 +210,17 @@ void Tour::designItems() {
   const auto yuan = [](const Decimal& value) {
     return QString::fromStdString(base::ToThousandthsString(value.toDouble(), 2));
   };
+  auto* tabs = page->findChild<QTabBar*>();
+  auto* guide = page->findChild<gui::TreeGridView*>("DesResItemSummary_guide");
+  auto* summary = page->findChild<bwidgets::TableView*>("DesResItemSummary_table");
+  const auto collectedLine = [guide] {
+    return guide->model()->index(guide->model()->rowCount() - 1, 0);
+  };
+  driver_.click(tabs, tabs->tabRect(1).center());
+  driver_.clickCell(guide, collectedLine());
+  require(summary->model()->rowCount() == 0, "没有归集的人材机也列在按分包之下");
+  picture("没有归集的人材机");
+  driver_.click(tabs, tabs->tabRect(0).center());
   const int entries = project.subcontracts().size();
   const auto collect = [&] {
     const bool came = driver_.withPopup(
@@ -252,10 +263,8 @@ void Tour::designItems() {
               !button("ResItem_setContract")->isEnabled(),
           "已归集的人材机仍可关联或归集");
   picture("归集之后");
-  auto* tabs = page->findChild<QTabBar*>();
   driver_.click(tabs, tabs->tabRect(1).center());
-  auto* guide = page->findChild<gui::TreeGridView*>("DesResItemSummary_guide");
-  auto* summary = page->findChild<bwidgets::TableView*>("DesResItemSummary_table");
+  driver_.clickCell(guide, guide->model()->index(0, 0));
   require(guide->isVisible() && summary->model()->rowCount() > 0, "没有显示汇总");
   Decimal counted;
   const int money = summary->viewModel()->getColumnIndex(keys::BRIExcludedTaxTotalCost);
@@ -265,8 +274,7 @@ void Tour::designItems() {
   }
   require(counted == project.totals().excluded, "汇总的计入成本与项目不同");
   picture("人材机归集汇总");
-  const QModelIndex groups = guide->model()->index(guide->model()->rowCount() - 1, 0);
-  driver_.clickCell(guide, guide->model()->index(0, 0, groups));
+  driver_.clickCell(guide, guide->model()->index(0, 0, collectedLine()));
   require(summary->model()->rowCount() > 0 && summary->model()->rowCount() <= 2,
           "按分包的汇总不对");
   picture("按分包汇总");

@@ -95,6 +95,8 @@ class TestDesResItemPage : public QObject {
              (quantity * *Decimal::parse("33.33")).rounded(2).toString());
     QVERIFY(entry.account == account && entry.features.str() == "特征");
     QVERIFY(entry.taxRate == labour[0]->taxRate().value() && !entry.taxRate.isZero());
+    QCOMPARE(controller_->getClosedReason(pair[0]),
+             "已归集到分包“" + entry.name.str() + "”，请先取消归集");
     QVERIFY(controller_->isClosed(pair[0]) && !controller_->isClosed(row(labour[2])));
 
     // One that is collected already is named, and no other one is touched.
