@@ -18,7 +18,6 @@
 
 namespace keys = domain::keys;
 using tests::field;
-using tests::Node;
 
 namespace {
 
