@@ -21,6 +21,7 @@
 #include "destructors/cost_account_dialog.h"
 #include "destructors/source_bill_view.h"
 #include "framework/cell_value.h"
+#include "framework/commands.h"
 #include "host/app/services.h"
 #include "host/app/spreadsheet.h"
 #include "host/base/number_text.h"
@@ -90,13 +91,8 @@ void DesResItemViewImpl::init() {
 
 QAction* DesResItemViewImpl::addCommand(const QString& text, const QString& toolTip,
                                         const QString& keys, void (DesResItemViewImpl::*slot)()) {
-  auto* action = new QAction(text, this);
-  action->setShortcut(QKeySequence(keys));
-  action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-  action->setToolTip(QString("%1（%2）").arg(toolTip, keys));
+  QAction* action = gui::addCommand(this, text, toolTip, {QKeySequence(keys)}, slot);
   action->setData(action->toolTip());  // what it says while it can be used
-  connect(action, &QAction::triggered, this, slot);
-  addAction(action);
   return action;
 }
 

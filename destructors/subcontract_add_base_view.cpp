@@ -1,6 +1,7 @@
 #include "destructors/subcontract_add_base_view.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -26,6 +27,7 @@ DesSetSubcontractAddQCEBaseViewImpl::DesSetSubcontractAddQCEBaseViewImpl(QWidget
   table_->setEmptyText("基础库没有条目");
   connect(table_, &QAbstractItemView::doubleClicked, this,
           &DesSetSubcontractAddQCEBaseViewImpl::chooseRow);
+  table_->installEventFilter(this);
 
   buttons_ = createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
   auto* layout = new QVBoxLayout(this);
@@ -59,6 +61,18 @@ bool DesSetSubcontractAddQCEBaseViewImpl::showAddQCEBaseDialog() {
 void DesSetSubcontractAddQCEBaseViewImpl::accept() {
   chosen_ = table_->selectedElements();
   Dialog::accept();
+}
+
+// In a grid that is only read, Return need not lead to the next row.
+bool DesSetSubcontractAddQCEBaseViewImpl::eventFilter(QObject* watched, QEvent* event) {
+  const int key =
+      event->type() == QEvent::KeyPress ? static_cast<QKeyEvent*>(event)->key() : Qt::Key_unknown;
+  if (watched != table_ || (key != Qt::Key_Return && key != Qt::Key_Enter) ||
+      table_->selectedElements().empty()) {
+    return Dialog::eventFilter(watched, event);
+  }
+  accept();
+  return true;
 }
 
 void DesSetSubcontractAddQCEBaseViewImpl::chooseRow(const QModelIndex& row) {

@@ -18,7 +18,7 @@ class Element;
 namespace gui::qce::destructors {
 
 /// The modal dialog that adds subcontract entries from the base list. It chooses rows; making
-/// entries of them is its caller's.
+/// entries of them is its caller's. A double click, and Return with rows selected, choose them.
 class QCE_EXPORT DesSetSubcontractAddQCEBaseViewImpl : public bwidgets::Dialog {
   Q_OBJECT
 
@@ -36,6 +36,9 @@ class QCE_EXPORT DesSetSubcontractAddQCEBaseViewImpl : public bwidgets::Dialog {
   void accept() override;
 
   bwidgets::TableView* table() const { return table_; }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void chooseRow(const QModelIndex& row);

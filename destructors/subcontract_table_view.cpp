@@ -1,13 +1,17 @@
 #include "destructors/subcontract_table_view.h"
 
+#include <QFileDialog>
 #include <QHeaderView>
 #include <QMenu>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "destructors/subcontract_add_base_view.h"
 #include "destructors/subcontract_commands.h"
 #include "host/abst/qce/destructors/des_set_subcontract_view.h"
+#include "host/app/scoped_undo.h"
 #include "host/bwidgets/grid_sheet.h"
+#include "host/bwidgets/search_box.h"
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/styled_item_delegate.h"
@@ -43,11 +47,11 @@ DesSetSubcontractTableViewImpl::DesSetSubcontractTableViewImpl(QWidget* parent) 
                           {QKeySequence("Shift+Insert")}, &View::addFromBase),
                addCommand(this, "复制为新分包", "按选中的分包新增相同的条目，不带清单",
                           {QKeySequence("Ctrl+D")}, &View::duplicateSubcontracts),
-               addCommand(this, "删除分包", "删除选中的分包，其清单和归集的工料机退回",
+               addCommand(this, "删除分包", "删除选中的分包，其清单和归集的人材机退回",
                           {QKeySequence("Ctrl+Delete")}, &View::removeSubcontracts),
-               addCommand(this, "上移", "把当前分包上移一行",
+               addCommand(this, "上移", "把选中的分包上移一行",
                           {QKeySequence("Ctrl+Up"), QKeySequence("Alt+Up")}, &View::moveUp),
-               addCommand(this, "下移", "把当前分包下移一行",
+               addCommand(this, "下移", "把选中的分包下移一行",
                           {QKeySequence("Ctrl+Down"), QKeySequence("Alt+Down")}, &View::moveDown),
                addCommand(this, "导出到表格", "把分包表保存为电子表格", {}, &View::exportExcel)};
 }
@@ -56,6 +60,7 @@ DesSetSubcontractTableViewImpl::~DesSetSubcontractTableViewImpl() = default;
 
 void DesSetSubcontractTableViewImpl::setModel(abst::BaseModel* model) {
   BasePage::setModel(model);
+  setPopup(table_->searchBox());
   // Entries stand in the order that the estimator gives them.
   table_->header()->setSectionsClickable(false);
   table_->header()->setSortIndicatorShown(false);
@@ -124,13 +129,36 @@ void DesSetSubcontractTableViewImpl::removeSubcontracts() {
 }
 
 void DesSetSubcontractTableViewImpl::moveUp() {
-  if (currentElement() == nullptr) return hint(NoEntry);
-  if (view_ != nullptr) view_->moveUp(currentElement());
+  moveEntries(&abst::qce::destructors::DesSetSubcontractView::moveUp, false);
 }
 
 void DesSetSubcontractTableViewImpl::moveDown() {
+  moveEntries(&abst::qce::destructors::DesSetSubcontractView::moveDown, true);
+}
+
+void DesSetSubcontractTableViewImpl::moveEntries(Move command, bool down) {
+  std::vector<proxy::Element*> entries = table_->selectedElements();
+  if (entries.empty()) return hint(NoEntry);
+  // The one in front makes room for the next; where it cannot, all stay as they are.
+  if (down) std::reverse(entries.begin(), entries.end());
+  const int last = down ? table_->model()->rowCount() - 1 : 0;
+  if (view_ == nullptr || entries.front()->row() == last) return;
+  app::ScopedUndo undo("移动分包");
+  for (proxy::Element* entry : entries) {
+    if ((view_->*command)(entry)) continue;
+    undo.abandon();
+    return;
+  }
+}
+
+void DesSetSubcontractTableViewImpl::chooseAttachment() {
+  const QModelIndex current = table_->currentIndex();
   if (currentElement() == nullptr) return hint(NoEntry);
-  if (view_ != nullptr) view_->moveDown(currentElement());
+  const int column = table_->viewModel()->getColumnIndex(domain::keys::BRIContractAttachment);
+  const QModelIndex cell = current.sibling(current.row(), column);
+  const QString path =
+      QFileDialog::getOpenFileName(this, "选择合同附件", cell.data(Qt::EditRole).toString());
+  if (!path.isEmpty() && cell.isValid()) table_->model()->setData(cell, path);
 }
 
 void DesSetSubcontractTableViewImpl::exportExcel() {
@@ -155,6 +183,8 @@ void DesSetSubcontractTableViewImpl::showContextMenu(const QPoint& at) {
     if (command == commands_.back()) {
       menu->addSeparator();
       table_->addEditActions(menu);
+      menu->addAction("选择附件…", this, &DesSetSubcontractTableViewImpl::chooseAttachment)
+          ->setEnabled(currentElement() != nullptr);
       menu->addSeparator();
     }
     menu->addAction(command);

@@ -45,12 +45,17 @@ class QCE_EXPORT DesSetSubcontractTableViewImpl : public gui::BasePage {
   void addFromBase();
   void duplicateSubcontracts();
   void removeSubcontracts();
+  /// The selected entries by one row, as one undo step.
   void moveUp();
   void moveDown();
+  /// Lets the user choose the file of the current entry's contract; its path is what is kept.
+  void chooseAttachment();
   /// Lets the host save the table as a spreadsheet.
   void exportExcel();
 
  private:
+  using Move = bool (abst::qce::destructors::DesSetSubcontractView::*)(proxy::Element*);
+  void moveEntries(Move command, bool down);
   void onDelete();
   bool wholeRowsSelected() const;
   void showContextMenu(const QPoint& at);

@@ -9,8 +9,9 @@
 
 namespace gui {
 
-/// An action of `page` whose keys work wherever in the page the keyboard is. The tool tip names the
-/// first of them as well.
+/// An action of `page` whose keys work wherever in the page the keyboard is, except while text is
+/// typed: a cell's editor has all keys for itself, any other line those with Insert and Delete. The
+/// tool tip names the first of the keys as well.
 QCE_EXPORT QAction* addCommand(QWidget* page, const QString& text, const QString& toolTip,
                                const QList<QKeySequence>& keys = {});
 

@@ -1,7 +1,10 @@
+#include <QCheckBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
+#include <QTimer>
 #include <QUndoStack>
 #include <QtTest>
 
@@ -127,8 +130,19 @@ class SubcontractOnProjectTest : public QObject {
     step("price");
 
     // The entry takes the unit of its first bills.
-    o_->press(o_->bills, {o_->billsNamed("砌块墙").front(), o_->billsNamed("砖基础").front()},
-              Qt::Key_Space);
+    // Its bills come in the order of the project, however the table is sorted.
+    const int name = o_->bills->viewModel()->getColumnIndex(keys::SEName);
+    const std::vector<proxy::Element*> both{o_->billsNamed("砌块墙").front(),
+                                            o_->billsNamed("砖基础").front()};
+    for (const Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
+      QSignalSpy sorted(o_->bills->model(), &QAbstractItemModel::layoutChanged);
+      o_->bills->sortByColumn(name, order);
+      QVERIFY(!sorted.isEmpty() || sorted.wait());
+      o_->press(o_->bills, both, Qt::Key_Space);
+      QCOMPARE(o_->entry(0).childCount(), 2);
+      QVERIFY(o_->entry(0).billAt(0).bill.id() < o_->entry(0).billAt(1).bill.id());
+      if (order == Qt::AscendingOrder) stack.undo();
+    }
     step("associate");
     const Bill& first = o_->entry(0).billAt(0).bill;
     const Bill& second = o_->entry(0).billAt(1).bill;
@@ -149,6 +163,7 @@ class SubcontractOnProjectTest : public QObject {
     o_->press(o_->table, {o_->table->elementAt(o_->cell(0, keys::BRIName))}, Qt::Key_D,
               Qt::ControlModifier);
     step("duplicate");
+    QCOMPARE(o_->text(1, keys::BRIName), QString("墙体分包（副本）"));
     QCOMPARE(o_->entry(1).childCount(), 0);
     o_->press(o_->table, {o_->table->elementAt(o_->cell(1, keys::BRIName))}, Qt::Key_Up,
               Qt::ControlModifier);
@@ -164,6 +179,23 @@ class SubcontractOnProjectTest : public QObject {
     menu->close();
     step("move over");
     QCOMPARE(o_->entry(0).childCount() * 10 + o_->entry(1).childCount(), 11);
+    // What the other one has already is not moved, nor is what was chosen with it.
+    const std::string apart = o_->project().dump();
+    o_->table->setCurrentIndex(o_->cell(1, keys::BRIName));
+    o_->press(o_->bills, {both.front(), both.back()}, Qt::Key_Space);
+    step("associate both");
+    o_->press(o_->tree, {o_->entry(1).child(0), o_->entry(1).child(1)}, Qt::Key_F2);
+    emit o_->tree->customContextMenuRequested(QPoint(5, 5));
+    menu = o_->tree->findChildren<QMenu*>("DesSetSubcontract_collectMenu").last();
+    menu->findChild<QMenu*>()->actions().front()->trigger();
+    menu->close();
+    const QString told = o_->message();
+    QVERIFY2(told.contains(QString::fromStdString(first.name.str())) && told.contains("副本"),
+             qPrintable(told));
+    QCOMPARE(o_->entry(0).childCount() * 10 + o_->entry(1).childCount(), 12);
+    stack.undo();
+    --steps;
+    QCOMPARE(o_->project().dump(), apart);
     o_->press(o_->tree, {o_->entry(0).child(0)}, Qt::Key_Delete);
     step("take");
     QCOMPARE(o_->entry(0).childCount(), 0);
@@ -273,6 +305,25 @@ class SubcontractOnProjectTest : public QObject {
     QCOMPARE(o_->text(0, keys::BRIExcludedTaxTotalCost), QString("12.63"));
   }
 
+  void keepsTheFileThatIsChosen() {
+    o_->press(o_->table, {}, Qt::Key_Insert);
+    const QString path = QFileInfo(o_->file.path()).absoluteFilePath();
+    QTimer::singleShot(0, [&] {
+      auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+      QVERIFY(dialog != nullptr);
+      dialog->selectFile(path);
+      QMetaObject::invokeMethod(dialog, "accept");
+    });
+    emit o_->table->customContextMenuRequested(QPoint(5, 5));
+    auto* menu = o_->table->findChild<QMenu*>("DesSetSubcontract_tableMenu");
+    const QList<QAction*> all = menu->actions();
+    const auto choose = std::find_if(
+        all.begin(), all.end(), [](const QAction* each) { return each->text() == "选择附件…"; });
+    QVERIFY(choose != all.end());
+    (*choose)->trigger();  // the dialog closes the menu
+    QCOMPARE(o_->text(0, keys::BRIContractAttachment), path);
+  }
+
   void namesWhatIsWrongWithABaseList_data() {
     const tests::Rows<QByteArray, QString> row;
     row("no JSON", "{\n\"条目\": [\n{,}]}", "第 3 行");
@@ -308,6 +359,22 @@ class SubcontractOnProjectTest : public QObject {
     QTest::keyClick(o_->table, Qt::Key_F2);
     QVERIFY(!o_->table->viewport()->findChildren<QLineEdit*>().isEmpty());
     QTest::keyClicks(o_->table->viewport()->findChildren<QLineEdit*>().front(), "abc");
+    o_.reset();
+  }
+
+  // An entry with bills has become the current one, and its bills are still to be shown.
+  void survivesClosingBeforeItHasCaughtUp() {
+    o_->press(o_->table, {}, Qt::Key_Insert);
+    o_->press(o_->bills, {o_->billsNamed("砌块墙").front()}, Qt::Key_Space);
+    o_->press(o_->table, {}, Qt::Key_Insert);
+    o_->view->billView()->associatedOnlyBox()->setChecked(true);
+    QCOMPARE(o_->bills->model()->rowCount(), 0);
+    o_->bills->sortByColumn(1, Qt::DescendingOrder);  // waits for its timer
+    o_->table->setCurrentIndex(o_->cell(0, keys::BRIName));
+    QTest::keyClick(o_->table, Qt::Key_F2);
+    auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    QVERIFY(editor != nullptr);
+    QTest::keyClicks(editor, "abc");
     o_.reset();
   }
 

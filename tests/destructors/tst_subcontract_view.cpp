@@ -20,6 +20,7 @@
 #include "destructors/subcontract_view.h"
 #include "host/abst/qce/destructors/des_set_subcontract_view.h"
 #include "host/bwidgets/screen.h"
+#include "host/bwidgets/search_box.h"
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/destructors/des_set_subcontract_operator.h"
@@ -76,7 +77,7 @@ class HostView : public abst::qce::destructors::DesSetSubcontractView {
     return note("remove", entries).empty();
   }
   bool moveUp(proxy::Element* entry) override { return note("up", {entry}).empty(); }
-  bool moveDown(proxy::Element* entry) override { return note("down", {entry}).empty(); }
+  bool moveDown(proxy::Element* entry) override { return !note("down", {entry}).empty(); }
   abst::BaseModel* getBaseList() override { return base; }
   Elements addFromBase(const Elements& rows, proxy::Element* after) override {
     note("base", rows);
@@ -222,9 +223,8 @@ class SubcontractViewTest : public QObject {
     QCOMPARE(changed.count(), 2);
     QCOMPARE(changed[0][2].value<QVector<int>>(), QVector<int>{Qt::EditRole});
     QCOMPARE(changed[1][2].value<QVector<int>>(), QVector<int>());
-    QStringList told = p_->host.take();
-    told.removeDuplicates();
-    QCOMPARE(told, QStringList{"metering: 二"});
+    // Once for each announcement.
+    QCOMPARE(p_->host.take(), (QStringList{"metering: 二", "metering: 二"}));
     QCOMPARE(p_->services.undo.steps.size(), std::size_t(1));
     QCOMPARE(p_->page->findChild<QLabel*>("DesSetSubcontract_note")->text(),
              QString("改为总价包干"));
@@ -287,10 +287,34 @@ class SubcontractViewTest : public QObject {
     QCOMPARE(p_->host.take(),
              (QStringList{"add: 二", "up: 二", "down: 二", "copy: 二", "remove: 二"}));
     QCOMPARE(p_->entry(1, keys::BRIName).data().toString(), QString());
+    // In an editor the keys are the text's.
+    QTest::keyClick(grid, Qt::Key_F2);
+    auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    QVERIFY(editor != nullptr);
+    QTest::keyClicks(editor, "ab cd");
+    editor->setCursorPosition(3);
+    QTest::keyClick(editor, Qt::Key_Insert);
+    QTest::keyClick(editor, Qt::Key_D, Qt::ControlModifier);
+    QTest::keyClick(editor, Qt::Key_Up, Qt::AltModifier);
+    QTest::keyClick(editor, Qt::Key_Delete, Qt::ControlModifier);
+    QCOMPARE(p_->host.take(), QStringList());
+    QCOMPARE(editor->text(), QString("ab "));
+    QTest::keyClick(editor, Qt::Key_Escape);
     Page::chooseRows(grid, {entries.node(0), entries.node(1)});
     p_->host.take();
+    key(grid, Qt::Key_Down, Qt::ControlModifier);
+    QCOMPARE(p_->host.take(), QStringList{"down: 二"});  // refused, so that the other one stays
+    key(grid, Qt::Key_Up, Qt::ControlModifier);
+    QCOMPARE(p_->host.take(), QStringList());
     key(grid, Qt::Key_Delete);
     QCOMPARE(p_->host.take(), QStringList{"remove: 一 二"});
+    const std::vector<bwidgets::TreeGridView*> all{grid, p_->page->billView()->table(),
+                                                   p_->page->collectView()->tree()};
+    for (bwidgets::TreeGridView* each : all) {
+      each->openSearchBox();
+      p_->page->deactivate();
+      QVERIFY(!each->searchBox()->isVisible());
+    }
 
     gui::TreeGridView* tree = p_->page->collectView()->tree();
     key(tree, Qt::Key_Delete);  // an entry is no bill
@@ -350,6 +374,17 @@ class SubcontractViewTest : public QObject {
       Page::doubleClick(dialog->table(), p_->entryModel.index(1, 1));
     });
     QCOMPARE(p_->host.take(), (QStringList{"base: 二", "after: 一"}));
+    bool listed = false, waited = false;
+    run([&](DesSetSubcontractAddQCEBaseViewImpl* dialog) {
+      listed = dialog->focusWidget() == dialog->table();
+      QTest::keyClick(dialog->table(), Qt::Key_Return);
+      waited = dialog->isVisible();
+      dialog->table()->selectElements({p_->entries.tree.node(1), p_->entries.tree.node(2)});
+      QTest::keyClick(dialog->table(), Qt::Key_Return);
+      if (dialog->isVisible()) dialog->reject();
+    });
+    QVERIFY(listed && waited);
+    QCOMPARE(p_->host.take(), (QStringList{"base: 二 三", "after: 一"}));
   }
 
   void keepsTheStateOfItsWindow() {

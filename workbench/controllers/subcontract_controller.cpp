@@ -1,6 +1,8 @@
 #include "workbench/controllers/subcontract_controller.h"
 
 #include <QMessageBox>
+#include <QRegularExpression>
+#include <QString>
 #include <algorithm>
 #include <map>
 #include <set>
@@ -62,6 +64,37 @@ std::map<Subcontract*, std::vector<Bill*>> collectedOf(const Elements& rows) {
     if (entry != nullptr) bills[entry].push_back(&collected->bill);
   }
   return bills;
+}
+
+/// The row numbers from the top of the structure down to the bill.
+std::vector<int> placeOf(const Bill& bill) {
+  std::vector<int> place;
+  for (const proxy::Element* at = &bill; at != nullptr; at = at->parent()) {
+    place.push_back(at->row());
+  }
+  std::reverse(place.begin(), place.end());
+  return place;
+}
+
+/// The table may be sorted, and bills come from several entries; an entry gets them in the order of
+/// the project.
+void sortAsInProject(std::vector<Bill*>& bills) {
+  std::map<std::vector<int>, Bill*> sorted;
+  for (Bill* bill : bills) sorted[placeOf(*bill)] = bill;
+  bills.clear();
+  for (const auto& [place, bill] : sorted) bills.push_back(bill);
+}
+
+/// What tells a copy apart from all that is `taken`, which it joins.
+std::string nameOfCopy(const std::string& of, std::set<std::string>& taken) {
+  QString plain = QString::fromStdString(of);
+  plain.remove(QRegularExpression("（副本\\d*）$"));
+  for (int number = 1;; ++number) {
+    const QString mark = number == 1 ? QString("（副本）") : QString("（副本%1）").arg(number);
+    const std::string name =
+        (plain.left(operators::MostSubcontractText - mark.size()) + mark).toStdString();
+    if (taken.insert(name).second) return name;
+  }
 }
 
 /// What bills of the same work have in common; empty for a code that names no work.
@@ -166,8 +199,16 @@ proxy::Element* SubcontractController::addSubcontract(proxy::Element* after) {
 }
 
 Elements SubcontractController::duplicateSubcontracts(const Elements& entries) {
+  std::set<std::string> taken;
+  for (int row = 0; row < project_.subcontracts().size(); ++row) {
+    taken.insert(static_cast<Subcontract*>(project_.subcontracts().rows().at(row))->name.str());
+  }
   std::vector<SubcontractData> made;
-  for (const auto& entry : entriesOf(entries)) made.push_back(entry->data());
+  for (const auto& entry : entriesOf(entries)) {
+    SubcontractData data = entry->data();
+    data.name = project_.texts.intern(nameOfCopy(data.name.str(), taken));
+    made.push_back(data);
+  }
   return made.empty() ? Elements() : add("复制分包", made, entries.back());
 }
 
@@ -185,7 +226,7 @@ bool SubcontractController::removeSubcontracts(const Elements& entries) {
                                   : "选中的 " + std::to_string(removed.size()) + " 条分包";
     const std::string question =
         which + "关联了 " + std::to_string(bills) + " 条清单，归集了 " + std::to_string(items) +
-        " 项工料机。\n删除后，清单不再属于此分包，工料机的成本重新计入工程。"
+        " 项人材机。\n删除后，清单不再属于此分包，人材机的成本重新计入工程。"
         "是否删除？";
     if (!confirm(question)) return false;
   }
@@ -264,6 +305,7 @@ bool SubcontractController::associate(const Elements& bills) {
   Subcontract* entry = requireCurrent();
   if (entry == nullptr) return false;
   std::vector<Bill*> wanted = billsOf(bills);
+  sortAsInProject(wanted);
   return run("关联清单", [&] {
     // An entry that is only begun takes the unit of its first bills.
     if (entry->childCount() == 0 && entry->unit.empty() && !wanted.empty()) {
@@ -293,9 +335,7 @@ std::vector<Bill*> SubcontractController::sameWork(const Subcontract& entry) con
       found.push_back(bill);
     }
   }
-  // The table may be sorted; the entry has its bills in the order of the project.
-  std::sort(found.begin(), found.end(),
-            [](const Bill* a, const Bill* b) { return a->id() < b->id(); });
+  sortAsInProject(found);
   return found;
 }
 
@@ -331,12 +371,29 @@ bool SubcontractController::moveCollected(const Elements& bills, proxy::Element*
   Subcontract* into = SubcontractOperator::entryOf(entry);
   auto taken = collectedOf(bills);
   taken.erase(into);
-  return into != nullptr && !taken.empty() && run("移到其他分包", [&] {
-           for (const auto& [from, moved] : taken) {
-             project_.unassign(*from, moved);
-             project_.assign(*into, moved);
-           }
-         });
+  if (into == nullptr || taken.empty()) return false;
+  std::vector<Bill*> moved;
+  std::set<const Bill*> once;
+  for (const auto& [from, of] : taken) {
+    for (Bill* bill : of) {
+      // It would be given back here without being given away there: less than was asked for.
+      if (project_.isAssigned(*into, *bill)) {
+        return tell(records::label(*into) + "已有" + records::label(*bill) +
+                    "，不能再移入；所选清单都未移动。\n请不要选中这条清单，或用“移除清单”把它从" +
+                    records::label(*from) + "中移除。");
+      }
+      if (!once.insert(bill).second) {
+        return tell("所选清单中，" + records::label(*bill) +
+                    "在几条分包下都有，只能移入一次；所选清单都未移动。\n请只选中其中的一条。");
+      }
+      moved.push_back(bill);
+    }
+  }
+  sortAsInProject(moved);
+  return run("移到其他分包", [&] {
+    for (const auto& [from, of] : taken) project_.unassign(*from, of);
+    project_.assign(*into, moved);
+  });
 }
 
 // ---------------------------------------------------------------------------------------------

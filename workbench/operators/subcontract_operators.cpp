@@ -29,7 +29,6 @@ namespace keys = domain::keys;
 
 constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbers are the toolkit's
 constexpr int TaxPlaces = 4;
-constexpr int MostText = 500;  // characters
 constexpr int NamesInToolTip = 20;
 const base::Color Alarm{0xc0, 0x20, 0x20};
 
@@ -107,7 +106,7 @@ const std::array<ColumnInfo, ColumnCount>& columns() {
       {keys::BRITaxRate, "税率（%）", FloatingPointField, 80},
       {keys::BRIIncludedTaxTotalCost, "含税合价（元）", FloatingPointField, 120, false, money},
       {keys::CostAccount, "成本科目", StringField, 140},
-      {keys::BRICollectedItems, "归集工料机", IntegerField, 80, false},
+      {keys::BRICollectedItems, "归集人材机", IntegerField, 80, false},
       {keys::BRIContentQuota, "定额含量", StringField, 140},
       {keys::BRIContractAttachment, "合同附件", StringField, 120},
       {keys::BRIPriceExpiryDate, "价格有效期", StringField, 95},
@@ -356,7 +355,7 @@ bool SubcontractOperator::toolTip(const Subcontract& entry, int column, Value& o
     case CollectedItems: {
       const std::vector<records::ResourceItem*> items = project_.collectedItems(entry);
       if (items.empty()) return false;
-      std::string names = "归集到此分包的工料机，其成本由分包承担：";
+      std::string names = "归集到此分包的人材机，其成本由分包承担（双击查看）：";
       for (std::size_t i = 0; i < items.size() && i < NamesInToolTip; ++i) {
         names += "\n" + items[i]->code().str() + " " + items[i]->name().str();
       }
@@ -418,9 +417,9 @@ bool SubcontractOperator::write(Subcontract& entry, int column, const Value& val
   const QString text = textOf(value);
   const std::string title = columns()[static_cast<std::size_t>(column)].name;
   if (column == Metering) return setMetering(entry, text.toStdString());
-  if (text.size() > MostText) {
-    return refuse(records::label(entry) + "的" + title + "最多 " + std::to_string(MostText) +
-                  " 个字，请缩短后重新输入。");
+  if (text.size() > MostSubcontractText) {
+    return refuse(records::label(entry) + "的" + title + "最多 " +
+                  std::to_string(MostSubcontractText) + " 个字，请缩短后重新输入。");
   }
   // Said here, where the entry still has its name.
   if (column == Name && text.isEmpty()) {

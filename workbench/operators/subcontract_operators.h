@@ -15,6 +15,8 @@
 /// and name the record and the cure.
 namespace operators {
 
+constexpr int MostSubcontractText = 500;  ///< characters of a text of an entry
+
 std::unique_ptr<domain::DisplayTable> makeSubcontractTable();
 std::unique_ptr<domain::DisplayTable> makeSubcontractCollectTable();
 std::unique_ptr<domain::DisplayTable> makeSubcontractBillTable();

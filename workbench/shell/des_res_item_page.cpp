@@ -96,6 +96,16 @@ class Tabs : public gui::BasePage {
 
   DesResItemViewImpl* items() const { return items_; }
   DesResItemSummaryViewImpl* summary() const { return summary_; }
+  /// Selects the rows of these items. Switching makes the rows anew when items have come or gone,
+  /// so they are looked up after it.
+  void showItems(const std::vector<records::ResourceItem*>& items) {
+    tabs_->setCurrentWidget(items_);
+    std::vector<proxy::Element*> rows;
+    for (const records::ResourceItem* item : items) {
+      if (proxy::Element* row = behind_->rows.rowOf(*item)) rows.push_back(row);
+    }
+    items_->showItems(rows);
+  }
   bool showsSummary() const { return tabs_->currentWidget() == summary_; }
 
  private:
@@ -141,19 +151,10 @@ class Tabs : public gui::BasePage {
 
   void followRow() {
     const auto* table = summary_->tableView()->table();
-    std::vector<scoped_refptr<records::ResourceItem>> items;
-    for (records::ResourceItem* item :
-         operators::DesResItemSummaryOperator::itemsOf(table->currentElement())) {
-      items.emplace_back(item);
-    }
-    if (items.empty()) return;
-    // Switching makes the rows anew when items have come or gone, so they are looked up after it.
-    tabs_->setCurrentWidget(items_);
-    std::vector<proxy::Element*> rows;
-    for (const auto& item : items) {
-      if (proxy::Element* row = behind_->rows.rowOf(*item)) rows.push_back(row);
-    }
-    items_->showItems(rows);
+    const auto items = operators::DesResItemSummaryOperator::itemsOf(table->currentElement());
+    // An item that has gone may be held by the summary's rows alone.
+    const std::vector<scoped_refptr<records::ResourceItem>> kept(items.begin(), items.end());
+    if (!items.empty()) showItems(items);
   }
 
   std::shared_ptr<DesResItems> behind_;
@@ -192,6 +193,15 @@ Page makeDesResItemPage(Session& session) {
   };
   page.behind = behind;
   return page;
+}
+
+bool followItems(Session& session, const std::vector<records::ResourceItem*>& items) {
+  const Page* page = session.page(QStringLiteral("design-resources"));
+  auto* tabs = page != nullptr ? dynamic_cast<Tabs*>(page->widget) : nullptr;
+  if (tabs == nullptr || items.empty()) return false;
+  emit session.pageWanted(page->key);
+  tabs->showItems(items);
+  return true;
 }
 
 }  // namespace shell

@@ -17,9 +17,12 @@
 #include "host/base/number_text.h"
 #include "host/bwidgets/grid_sheet.h"
 #include "host/bwidgets/table_view.h"
+#include "host/domain/field_keys.h"
+#include "host/domain/item_role.h"
 #include "host/gui/tree_grid_view.h"
 #include "workbench/controllers/open_project.h"
 #include "workbench/controllers/subcontract_controller.h"
+#include "workbench/shell/des_res_item_page.h"
 #include "workbench/shell/elided_label.h"
 
 namespace shell {
@@ -138,6 +141,15 @@ Page makeSubcontractPage(Session& session) {
     }
     return entries;
   };
+  QObject::connect(entries, &QAbstractItemView::doubleClicked, frame,
+                   [entries, &session](const QModelIndex& cell) {
+                     const QString key = cell.data(domain::FieldKeyRole).toString();
+                     const records::Subcontract* entry =
+                         operators::SubcontractOperator::entryOf(entries->elementAt(cell));
+                     if (entry == nullptr || key.toStdString() != domain::keys::BRICollectedItems)
+                       return;
+                     followItems(session, session.project().project().collectedItems(*entry));
+                   });
   Page page;
   page.key = QStringLiteral("subcontracts");
   page.title = QStringLiteral("分包设置");
