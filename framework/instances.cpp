@@ -19,6 +19,7 @@ template class TViewModel<abst::qce::QCEFeeSummaryNavigationModel>;
 template class TViewModel<abst::qce::destructors::DesSetSubcontractModel>;
 template class TViewModel<abst::qce::destructors::DesSetSubcontractCollectModel>;
 template class TViewModel<abst::qce::destructors::DesSetSubcontractAssociationBillModel>;
-template class TFilterViewModel<abst::qce::destructors::DesSetSubcontractAssociationBillFilterModel>;
+template class TFilterViewModel<
+    abst::qce::destructors::DesSetSubcontractAssociationBillFilterModel>;
 
 }  // namespace gui

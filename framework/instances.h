@@ -40,7 +40,9 @@ extern template class QCE_EXPORT TFilterViewModel<abst::SubEngineeringFilterMode
 extern template class QCE_EXPORT TViewModel<abst::qce::QCEFeeSummaryNavigationModel>;
 extern template class QCE_EXPORT TViewModel<abst::qce::destructors::DesSetSubcontractModel>;
 extern template class QCE_EXPORT TViewModel<abst::qce::destructors::DesSetSubcontractCollectModel>;
-extern template class QCE_EXPORT TViewModel<abst::qce::destructors::DesSetSubcontractAssociationBillModel>;
-extern template class QCE_EXPORT TFilterViewModel<abst::qce::destructors::DesSetSubcontractAssociationBillFilterModel>;
+extern template class QCE_EXPORT
+    TViewModel<abst::qce::destructors::DesSetSubcontractAssociationBillModel>;
+extern template class QCE_EXPORT
+    TFilterViewModel<abst::qce::destructors::DesSetSubcontractAssociationBillFilterModel>;
 
 }  // namespace gui
