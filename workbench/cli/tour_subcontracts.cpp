@@ -3,13 +3,16 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTreeView>
 #include <QUndoStack>
+#include <algorithm>
 #include <functional>
 #include <map>
 
+#include "destructors/res_item_view.h"
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/tree_grid_view.h"
@@ -17,6 +20,7 @@
 #include "host/proxy/element.h"
 #include "workbench/cli/tour.h"
 #include "workbench/controllers/open_project.h"
+#include "workbench/operators/des_res_item_operator.h"
 #include "workbench/services/channels.h"
 #include "workbench/shell/main_window.h"
 #include "workbench/shell/page_stack.h"
@@ -140,6 +144,116 @@ void Tour::subcontracts() {
   const records::CostAccount* account = project.allAccounts().back();
   edit(keys::CostAccount, QString::fromStdString(account->label));
   require(entry.account == account, "没有选中成本科目");
+
+  const std::pair<const std::string&, const char*> contract[] = {
+      {keys::BRIContractAttachment, "合同/墙体.pdf"},
+      {keys::BRIContentQuota, "砌块 1.02 m3/m3"},
+      {keys::BRIApplicableArea, "地下室"},
+      {keys::BRIPriceExpiryDate, "2099-06-30"}};
+  for (const auto& [key, text] : contract) {
+    edit(key, text);
+    require(shown(key) == text, QString("没有写入 ") + text);
+  }
+
+  // By the menus: taken back, and moved to a copy.
+  const auto choose = [&](bwidgets::TreeGridView* in, const QModelIndex& index,
+                          const QString& command) {
+    in->scrollTo(index);
+    const bool came = driver_.withPopup(
+        [&] {
+          driver_.click(in->viewport(), in->visualRect(index).center(), Qt::NoModifier,
+                        Qt::RightButton);
+        },
+        [&](QWidget* popup) {
+          auto* menu = qobject_cast<QMenu*>(popup);
+          const QList<QAction*> all = menu->actions();
+          const auto found = std::find_if(
+              all.begin(), all.end(), [&](const QAction* each) { return each->text() == command; });
+          require(found != all.end() && (*found)->isEnabled(), "菜单中没有 " + command);
+          QMenu* below = (*found)->menu();
+          driver_.click(menu, menu->actionGeometry(*found).center());
+          if (below == nullptr) return;
+          require(Driver::waitUntil([&] { return below->isVisible(); }), "没有打开 " + command);
+          driver_.click(below, below->actionGeometry(below->actions().front()).center());
+        });
+    require(came, "没有打开菜单");
+  };
+  driver_.clickCell(bills, cell(bills, at, keys::SEName));
+  choose(bills, cell(bills, at, keys::SEName), "取消关联");
+  require(entry.childCount() == 0 && entry.amount().isZero() &&
+              shown(keys::BRIExcludedTaxTotalCost) == "0.00",
+          "没有取消关联");
+  driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  require(entry.childCount() == 1 && entry.amount() == (quantity * entry.price).rounded(2),
+          "撤销没有恢复关联");
+  driver_.clickCell(table, cell(table, 0, keys::BRIName));
+  driver_.key(Qt::Key_D, Qt::ControlModifier);
+  require(project.subcontracts().size() == 2, "没有复制分包");
+  const auto& copy = *static_cast<Subcontract*>(project.subcontracts().rows().at(1));
+  require(copy.name.str() == entry.name.str() + "（副本）" && copy.childCount() == 0,
+          "复制的分包名称或清单不对");
+  const QModelIndex given = tree->model()->index(0, 1, tree->model()->index(0, 0));
+  driver_.clickCell(tree, given);
+  choose(tree, given, "移到其他分包");
+  require(entry.childCount() == 0 && entry.amount().isZero() && copy.childCount() == 1 &&
+              copy.amount() == (quantity * entry.price).rounded(2),
+          "清单没有移到其他分包");
+  driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  require(project.subcontracts().size() == 1 && entry.childCount() == 1, "撤销没有恢复清单");
+
+  // An item that is collected costs what its subcontract costs; a double click leads back to it.
+  goTo("design-resources");
+  const auto* design = window_->pages()->currentWidget();
+  auto* list = design->findChild<gui::qce::destructors::DesResItemViewImpl*>()
+                   ->findChild<gui::TreeGridView*>();
+  const records::ResourceItem* item = nullptr;
+  QModelIndex place;
+  const std::function<void(const QModelIndex&)> pick = [&](const QModelIndex& parent) {
+    for (int row = 0; item == nullptr && row < list->model()->rowCount(parent); ++row) {
+      const QModelIndex index =
+          list->model()->index(row, list->viewModel()->getColumnIndex(keys::BRIName), parent);
+      const auto* found = operators::DesResItemOperator::itemOf(list->elementAt(index));
+      if (found != nullptr && found->excludedAmount().value() > 0) {
+        item = found;
+        place = index;
+      }
+      pick(index.siblingAtColumn(0));
+    }
+  };
+  pick({});
+  require(item != nullptr, "没有可归集的人材机");
+  const Decimal saved = item->excludedAmount().value();
+  driver_.clickCell(list, place);
+  const bool collecting =
+      driver_.withPopup([&] { driver_.click(find<QPushButton>("ResItem_setContract")); },
+                        [&](QWidget* dialog) {
+                          driver_.click(find<QLineEdit>("DesCollection_price", dialog));
+                          driver_.key(Qt::Key_A, Qt::ControlModifier);
+                          driver_.type("120");
+                          driver_.key(Qt::Key_Return);
+                          if (dialog->isVisible()) static_cast<QDialog*>(dialog)->reject();
+                        });
+  require(collecting && project.subcontracts().size() == 2, "没有归集人材机");
+  const auto& collected = *static_cast<Subcontract*>(project.subcontracts().rows().at(1));
+  require(collected.amount() == (item->quantity().value() * 120).rounded(2), "归集的合价不对");
+  const std::array<Summary, 3> without = readSummaries();
+  for (std::size_t i = 0; i < without.size(); ++i) {
+    require(without[i].cost == costs[i].cost + entry.amount() + collected.amount() - saved,
+            "汇总没有以分包代替归集的人材机");
+  }
+  goTo("subcontracts");
+  const QModelIndex itemCount = cell(table, 1, keys::BRICollectedItems);
+  require(itemCount.data().toInt() == 1, "没有显示归集的人材机");
+  driver_.doubleClickCell(table, itemCount);
+  require(window_->pages()->currentPage() == "design-resources" &&
+              operators::DesResItemOperator::itemOf(list->currentElement()) == item,
+          "双击没有转到归集的人材机");
+  picture("分包归集的人材机");
+  goTo("subcontracts");
+  driver_.clickCell(table, cell(table, 0, keys::BRIName));
+  driver_.key(Qt::Key_Z, Qt::ControlModifier);
+  require(project.subcontracts().size() == 1 && item->subcontract() == nullptr, "撤销没有恢复归集");
 
   // Another way of metering keeps the money.
   const Decimal amount = entry.amount();
