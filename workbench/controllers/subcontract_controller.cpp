@@ -91,7 +91,7 @@ std::string nameOfCopy(const std::string& of, std::set<std::string>& taken) {
   plain.remove(QRegularExpression("（副本\\d*）$"));
   for (int number = 1;; ++number) {
     const QString mark = number == 1 ? QString("（副本）") : QString("（副本%1）").arg(number);
-    const std::string name =
+    std::string name =
         (plain.left(operators::MostSubcontractText - mark.size()) + mark).toStdString();
     if (taken.insert(name).second) return name;
   }
