@@ -102,7 +102,7 @@ std::unique_ptr<domain::DisplayTable> makeFeeSummaryTable() {
   addNumber(summary_keys::Income, "收入（不含税）", 110);
   addNumber(summary_keys::Cost, "成本（不含税）", 110);
   addNumber(summary_keys::Difference, "差额", 98);
-  addNumber(summary_keys::Share, "占比（%）", 68);
+  addNumber(summary_keys::Share, "占比（%）", 76);
   return table;
 }
 
