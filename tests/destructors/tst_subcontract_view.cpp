@@ -163,7 +163,7 @@ struct Page {
     QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, at);
     QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, at);
   }
-  static void chooseRows(bwidgets::TreeGridView* grid, std::vector<proxy::Element*> rows) {
+  static void chooseRows(bwidgets::TreeGridView* grid, const std::vector<proxy::Element*>& rows) {
     grid->selectElements(rows);
     grid->setFocus();
   }
