@@ -109,7 +109,7 @@ bool QCESubEngineeringFilterModelImpl::filterAcceptsColumn(int sourceColumn) con
 // Rows
 
 bool QCESubEngineeringFilterModelImpl::filterAcceptsRow(proxy::Element* element) const {
-  if (!Base::filterAcceptsRow(element)) return false;
+  if (element == nullptr || !Base::filterAcceptsRow(element)) return false;
   const abst::SubEngineeringModel* source = getSource();
   if (source == nullptr) return true;
   if (isFilterByCondition_) return isFilter(element);

@@ -10,6 +10,8 @@
 #include "host/abst/qce/indirect_fee_controller.h"
 #include "host/abst/qce/indirect_fee_left_model.h"
 #include "host/abst/qce/indirect_fee_right_model.h"
+#include "host/app/services.h"
+#include "host/app/spreadsheet.h"
 #include "host/base/log.h"
 #include "host/bwidgets/grid_header.h"
 #include "host/bwidgets/grid_sheet.h"
@@ -176,7 +178,12 @@ std::vector<proxy::Element*> QCEIndirectFeeViewImpl::getRightTableSelectedElemen
 void QCEIndirectFeeViewImpl::exportExcel() {
   const QModelIndex current = leftTree_->currentIndex();
   const QString name = current.sibling(current.row(), 0).data().toString();
-  bwidgets::exportSheet(*rightTable_, name.isEmpty() ? "间接费用" : name.toStdString());
+  const std::string file = name.isEmpty() ? "间接费用" : name.toStdString();
+  app::Sheet sheet = bwidgets::makeSheet(*rightTable_, file);
+  app::AddTotals(
+      sheet, "合计",
+      {domain::keys::IFBudgetAmount, domain::keys::IFCostAmount, domain::keys::IFDifference});
+  app::GetSpreadsheets()->save(file, {sheet});
 }
 
 void QCEIndirectFeeViewImpl::addItem() {

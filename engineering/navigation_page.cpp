@@ -48,8 +48,8 @@ void NavigationPage::followTree() {
   // Not the current row: the focus alone makes a row current, and selects none.
   following_ = connect(tree_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
                        [this](const QItemSelection& selected) {
-                         if (choosing_ || selected.isEmpty()) return;
-                         navigationViewRowChanged(selected.indexes().first());
+                         const QModelIndexList rows = selected.indexes();  // without disabled ones
+                         if (!choosing_ && !rows.isEmpty()) navigationViewRowChanged(rows.first());
                        });
 }
 

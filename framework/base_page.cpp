@@ -8,6 +8,7 @@
 
 #include "host/abst/base_model.h"
 #include "host/base/log.h"
+#include "host/bwidgets/search_box.h"
 #include "host/bwidgets/tree_grid_view.h"
 #include "host/gui/view_model.h"
 
@@ -48,6 +49,7 @@ void BasePage::setModel(abst::BaseModel* model) {
   if (items == nullptr) return;
   for (const QMetaObject::Connection& connection : connections_) disconnect(connection);
   model_ = model;
+  if (popup_ == nullptr) setPopup(grid_->searchBox());
   connections_ = connectModel(items);
 }
 

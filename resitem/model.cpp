@@ -10,14 +10,18 @@ domain::qce::QCEResItemOperator* QCEResItemModelImpl::getResItemOperator() const
 }
 
 void QCEResItemModelImpl::setSubProject(proxy::Element* subProject) {
+  auto* op = getResItemOperator();
+  if (op == nullptr) return;
   beginResetModel();
-  if (auto* op = getResItemOperator()) op->setSubProject(subProject);
+  op->setSubProject(subProject);
   endResetModel();
 }
 
 void QCEResItemModelImpl::rebuildGroup() {
+  auto* op = getResItemOperator();
+  if (op == nullptr) return;
   beginResetModel();
-  if (auto* op = getResItemOperator()) op->rebuildGroup();
+  op->rebuildGroup();
   endResetModel();
 }
 

@@ -517,10 +517,14 @@ proxy::Element* QCEResItemViewImpl::placeForItem() {
   for (int i = 1; i < subProjectBox_->count(); ++i) names << subProjectBox_->itemText(i);
   if (names.size() == 1) return subProjectBox_->subProjectAt(1);
   if (names.isEmpty()) return nullptr;
-  bool ok = false;
-  const QString name =
-      QInputDialog::getItem(this, "新增人材机", "新增到哪个单位工程:", names, 0, false, &ok);
-  return ok ? subProjectBox_->subProjectAt(names.indexOf(name) + 1) : nullptr;
+  QInputDialog dialog(this);
+  dialog.setWindowTitle("新增人材机");
+  dialog.setLabelText("新增到哪个单位工程:");
+  dialog.setComboBoxItems(names);
+  dialog.setOkButtonText("确定");
+  dialog.setCancelButtonText("取消");
+  if (dialog.exec() != 1) return nullptr;
+  return subProjectBox_->subProjectAt(names.indexOf(dialog.textValue()) + 1);
 }
 
 void QCEResItemViewImpl::insertItem() {

@@ -18,7 +18,7 @@ std::string keyOf(const QModelIndex& index) {
 }
 
 // Full-width letters, digits and signs as the plain ones; no blanks.
-QString plainCode(const QString& text) {
+QString plainCode(QString text) {
   QString plain;
   for (const QChar character : text) {
     const ushort code = character.unicode();
@@ -26,6 +26,22 @@ QString plainCode(const QString& text) {
     plain += code > 0xFF00 && code < 0xFF5F ? QChar(code - 0xFEE0) : character;
   }
   return plain;
+}
+
+// One line, whatever was pasted.
+QString oneLine(QString text) {
+  return text.replace("\r\n", " ").replace('\r', ' ').replace('\n', ' ');
+}
+
+// Keeps what is typed into `line` as `rule` makes it, and the cursor where it is.
+void keepTo(QLineEdit* line, QString (*rule)(QString)) {
+  QObject::connect(line, &QLineEdit::textEdited, line, [line, rule](const QString& text) {
+    const QString kept = rule(text);
+    if (kept == text) return;
+    const int position = rule(text.left(line->cursorPosition())).size();
+    line->setText(kept);
+    line->setCursorPosition(position);
+  });
 }
 
 }  // namespace
@@ -58,13 +74,9 @@ QWidget* SubEngineeringDelegate::createEditor(QWidget* parent, const QStyleOptio
   QWidget* editor = StyledItemDelegate::createEditor(parent, option, index);
   auto* line = qobject_cast<QLineEdit*>(editor);
   if (line != nullptr && key == GetCodeField()) {
-    connect(line, &QLineEdit::textEdited, line, [line](const QString& text) {
-      const QString plain = plainCode(text);
-      if (plain == text) return;
-      const int position = plainCode(text.left(line->cursorPosition())).size();
-      line->setText(plain);
-      line->setCursorPosition(position);
-    });
+    keepTo(line, plainCode);
+  } else if (line != nullptr && key == GetNameField()) {
+    keepTo(line, oneLine);
   } else if (line != nullptr && key == GetCalcExprField()) {
     line->setPlaceholderText(QStringLiteral("留空则取招标工程量"));
   }

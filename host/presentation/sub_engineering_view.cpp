@@ -206,6 +206,7 @@ void SubEngineeringViewImpl::showContextMenu(const QPoint& position) {
 void SubEngineeringViewImpl::setModel(abst::BaseModel* model) {
   BasePage::setModel(model);
   filter_ = dynamic_cast<abst::SubEngineeringFilterModel*>(abstractModel());
+  if (filter_ != nullptr) showResAction_->setChecked(filter_->isShowRes());
   setPopup(treeGrid_->searchBox());
   if (treeGrid_->model() == nullptr) return;
   // The order of the bills is the tender's, and that of the file: it is not the view's to change.

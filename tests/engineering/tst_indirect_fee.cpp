@@ -207,6 +207,7 @@ class IndirectFeeTest : public QObject {
     QCOMPARE(services_->spreadsheets.names, (std::vector<std::string>{"间接费用", "管理费"}));
     const app::Sheet& sheet = services_->spreadsheets.saved.at(0);
     QCOMPARE(sheet.rows.size(), std::size_t(3));
+    QVERIFY(sheet.totals.has_value());
     QCOMPARE(sheet.columns.at(4).title, std::string("基数（管理费）"));
   }
 

@@ -1,6 +1,7 @@
 #include "engineering/view.h"
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
@@ -195,6 +196,14 @@ class TestView : public QObject {
     QCOMPARE(text(bill_, keys::SECode), QString("0109"));
     type(bill_, keys::SEName, "挖 土");
     QCOMPARE(text(bill_, keys::SEName), QString("挖 土"));
+    auto* name = edit<QLineEdit>(bill_, keys::SEName);
+    QGuiApplication::clipboard()->setText("挖土\r\n回填");
+    name->selectAll();
+    name->paste();
+    QTest::keyClick(name, Qt::Key_Return);
+    QCoreApplication::processEvents();
+    QCOMPARE(text(bill_, keys::SEName), QString("挖土 回填"));
+    type(bill_, keys::SEName, "挖 土");
     type(bill_, keys::SEName, "  ");
     QVERIFY2(fixture_->message().contains("名称不能为空"), qPrintable(fixture_->message()));
     QCOMPARE(text(bill_, keys::SEName), QString("挖 土"));

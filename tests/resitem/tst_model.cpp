@@ -91,6 +91,7 @@ class TestModel : public QObject {
   void doesNothingWithAnOperatorOfAnotherKind() {
     tests::NodeOperator other;
     model_->setOperator(&other);
+    const QSignalSpy resets(model_.get(), &QAbstractItemModel::modelReset);
     std::string comment = "as it was";
     QVERIFY(!model_->getComment(item_, comment));
     QVERIFY(!model_->setComment(item_, "x"));
@@ -99,6 +100,7 @@ class TestModel : public QObject {
     model_->rebuildGroup();
     QCOMPARE(op_->rebuilt, 0);
     QCOMPARE(op_->subProject, nullptr);
+    QCOMPARE(resets.count(), 0);
     model_->setOperator(nullptr);
     model_->setExcludeTaxPrice(item_, 1.0);
   }
