@@ -570,6 +570,9 @@ void QCEResItemViewImpl::deleteItem() {
   if (controller_ == nullptr || !controller_->canDeleteItems(items)) return;
   controller_->deleteItems(items);
   updateView();
+  // The row that has moved up is the next one to be worked on.
+  proxy::Element* next = treeGrid()->currentElement();
+  if (next != nullptr && selectedItems().empty()) treeGrid()->selectElements({next});
 }
 
 void QCEResItemViewImpl::moveUp() {

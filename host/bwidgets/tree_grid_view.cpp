@@ -847,6 +847,15 @@ void TreeGridView::keyPressEvent(QKeyEvent* event) {
     event->accept();
     return;
   }
+  // What is typed on a cell that cannot be edited must not lead to a row that begins with it: the
+  // next key would write there.
+  const bool prints = !event->text().isEmpty() && event->text().at(0).isPrint() &&
+                      !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
+  if (prints && event->key() != Qt::Key_Space &&
+      !(model() != nullptr && model()->flags(currentIndex()) & Qt::ItemIsEditable)) {
+    event->accept();
+    return;
+  }
   const QScopedValueRollback<bool> extending(extending_,
                                              event->modifiers().testFlag(Qt::ShiftModifier));
   if (extending_ && !anchor_.isValid()) anchor_ = currentIndex();

@@ -90,7 +90,7 @@ struct Opened {
   }
   QString message() {
     const auto& shown = file.channel.messages();
-    const QString text = shown.empty() ? QString() : QString::fromStdString(shown.back().text);
+    QString text = shown.empty() ? QString() : QString::fromStdString(shown.back().text);
     file.channel.clear();
     return text;
   }

@@ -66,6 +66,8 @@ proxy::Element* ResItemController::insertItem(proxy::Element* at, const std::str
   if (account != accounts.end()) item.account = *account;
   item.code = freeCode(*unitWork, item.category);
   item.name = project_.texts.intern("新增" + type);
+  if (item.category == records::Category::Labour) item.unit = project_.texts.intern("工日");
+  if (item.category == records::Category::Machinery) item.unit = project_.texts.intern("台班");
   item.taxRate = item.category == records::Category::Labour ? 3 : 13;
   const app::ScopedUndo undo("新增" + type);
   return project_.add(*unitWork, item);

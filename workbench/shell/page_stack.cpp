@@ -6,6 +6,7 @@
 #include <QStackedWidget>
 
 #include "host/abst/base_view.h"
+#include "host/bwidgets/tree_grid_view.h"
 
 namespace shell {
 
@@ -35,6 +36,15 @@ PageStack::PageStack(QWidget* parent)
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(splitter_);
   connect(list_, &QListWidget::currentRowChanged, this, &PageStack::goTo);
+  // A click asks for the page, so that its keys are next; the arrow keys walk on through the list.
+  connect(list_, &QListWidget::itemClicked, this, [this] {
+    if (current_ < 0) return;
+    for (auto* grid : currentWidget()->findChildren<bwidgets::TreeGridView*>()) {
+      if (!grid->isVisible()) continue;
+      grid->setFocus();
+      return;
+    }
+  });
 }
 
 PageStack::~PageStack() {

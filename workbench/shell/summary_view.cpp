@@ -6,6 +6,7 @@
 #include <QFontInfo>
 #include <QHBoxLayout>
 #include <QItemSelectionModel>
+#include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
 #include <QMouseEvent>
@@ -140,6 +141,10 @@ SummaryView::SummaryView(records::SummaryKind kind, Compute compute, Follow foll
     bar->addWidget(button);
   }
   bar->addStretch();
+  auto* note =
+      new QLabel(QStringLiteral("除“税金”外均不含税，合计含税金；税金按收入计算，收支相同"));
+  note->setObjectName(QStringLiteral("summaryNote"));
+  bar->addWidget(note);
   auto* panes = new QSplitter(Qt::Horizontal);
   panes->setHandleWidth(8);
   panes->setChildrenCollapsible(false);

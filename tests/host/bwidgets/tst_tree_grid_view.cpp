@@ -33,6 +33,15 @@ class TestTreeGridView : public QObject {
     QTRY_COMPARE(g.text("0.1:code"), QString("X1"));
   }
 
+  void typingOnACellThatCannotBeEditedGoesNowhere() {
+    SampleGrid g;
+    g.view->expandAll();
+    g.setCurrent("0.1:total");
+    QTest::keyClicks(g.view.get(), g.text("0.2:total").left(1) + "2");
+    QVERIFY(g.editor() == nullptr);
+    QCOMPARE(g.pathOf(g.view->currentIndex()), QString("0.1:total"));
+  }
+
   void paintsFrozenColumnsOverTheOthers() {
     SampleGrid g;
     g.view->expandAll();
