@@ -46,6 +46,7 @@ bool ResItemController::moveDown(proxy::Element* element) {
 
 std::vector<std::string> ResItemController::getItemTypes() const {
   std::vector<std::string> types;
+  types.reserve(records::CategoryCount);
   for (int i = 0; i < records::CategoryCount; ++i) {
     types.push_back(records::nameOf(static_cast<records::Category>(i)));
   }
