@@ -18,7 +18,7 @@ std::string keyOf(const QModelIndex& index) {
 }
 
 // Full-width letters, digits and signs as the plain ones; no blanks.
-QString plainCode(QString text) {
+QString plainCode(const QString& text) {
   QString plain;
   for (const QChar character : text) {
     const ushort code = character.unicode();
@@ -29,12 +29,13 @@ QString plainCode(QString text) {
 }
 
 // One line, whatever was pasted.
-QString oneLine(QString text) {
-  return text.replace("\r\n", " ").replace('\r', ' ').replace('\n', ' ');
+QString oneLine(const QString& text) {
+  QString line = text;
+  return line.replace("\r\n", " ").replace('\r', ' ').replace('\n', ' ');
 }
 
 // Keeps what is typed into `line` as `rule` makes it, and the cursor where it is.
-void keepTo(QLineEdit* line, QString (*rule)(QString)) {
+void keepTo(QLineEdit* line, QString (*rule)(const QString&)) {
   QObject::connect(line, &QLineEdit::textEdited, line, [line, rule](const QString& text) {
     const QString kept = rule(text);
     if (kept == text) return;
