@@ -60,6 +60,11 @@ TaxSettings::TaxSettings(Session& session, records::FeeTemplate feeTemplate)
   refresh();
 }
 
+// The line loses the focus while the widget goes, and would have its rate read then.
+TaxSettings::~TaxSettings() {
+  rate_->disconnect(this);
+}
+
 records::Taxation TaxSettings::taxation() const {
   const records::Project& project = session_.project().project();
   records::Taxation taxation = project.taxation();

@@ -19,6 +19,7 @@ class TaxSettings : public QWidget {
 
  public:
   TaxSettings(Session& session, records::FeeTemplate feeTemplate);
+  ~TaxSettings() override;
 
  public slots:
   /// Shows what the project has now.
