@@ -69,13 +69,13 @@ const std::array<ColumnInfo, ColumnCount>& columns() {
   using namespace domain;
   static const std::array<ColumnInfo, ColumnCount> all = {{
       {keys::NPChoose, "选择", BoolField, 42},
-      {keys::NPType, "类别", StringField, 74},
-      {keys::NPCode, "编码", StringField, 88},
+      {keys::NPType, "类别", StringField, 70},
+      {keys::NPCode, "编码", StringField, 112},
       {keys::NPName, "名称", StringField, 138},
-      {"QCE_NPSpec", "规格型号", StringField, 88},  // what tells items of one name apart
-      {keys::NPUnit, "单位", StringField, 44},
-      {keys::NPAmount, "可归集数量", FloatingPointField, 86},
-      {keys::NPCollectionAmount, "归集数量", FloatingPointField, 80},
+      {"QCE_NPSpec", "规格型号", StringField, 78},  // what tells items of one name apart
+      {keys::NPUnit, "单位", StringField, 42},
+      {keys::NPAmount, "可归集数量", FloatingPointField, 82},
+      {keys::NPCollectionAmount, "归集数量", FloatingPointField, 78},
       {keys::NPExcludeTaxUnitPrice, "不含税单价（元）", FloatingPointField, 120, true},
       {keys::NPExcludeTaxTotalCost, "不含税合价（元）", FloatingPointField, 125, true},
       {keys::NPQuantutyCoefficient, "数量系数", FloatingPointField, 75},
