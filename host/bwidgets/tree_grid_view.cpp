@@ -33,6 +33,44 @@ const QColor currentRowTint(0x2f, 0x6f, 0xc9, 26);
 const QColor currentFrame(0x2f, 0x6f, 0xc9);
 const QColor idleFrame(0x8d, 0x9a, 0xab);
 
+bool takesInput(const QModelIndex& cell) {
+  const Qt::ItemFlags flags = cell.flags();
+  return (flags & Qt::ItemIsEnabled) && (flags & (Qt::ItemIsEditable | Qt::ItemIsUserCheckable));
+}
+
+// Where typing goes on in the column of `from`: the nearest shown cell below or above that takes
+// input. Grouping rows and what cannot be edited are passed over. Invalid when there is none.
+QModelIndex nextInputInColumn(const QTreeView& view, const QModelIndex& from, int direction) {
+  QModelIndex at = from;
+  do {
+    at = direction > 0 ? view.indexBelow(at) : view.indexAbove(at);
+    if (at.isValid()) at = at.sibling(at.row(), from.column());
+  } while (at.isValid() && !takesInput(at));
+  return at;
+}
+
+// The same from cell to cell along the shown columns, and on through the rows.
+QModelIndex nextInputInReading(const TreeGridView& view, const QModelIndex& from, int direction) {
+  const std::vector<int> columns = view.visibleColumns();
+  const auto count = static_cast<std::ptrdiff_t>(columns.size());
+  std::ptrdiff_t at = std::find(columns.begin(), columns.end(), from.column()) - columns.begin();
+  for (QModelIndex row = from; row.isValid();
+       row = direction > 0 ? view.indexBelow(row) : view.indexAbove(row)) {
+    for (at += direction; at >= 0 && at < count; at += direction) {
+      const QModelIndex cell = row.sibling(row.row(), columns[static_cast<std::size_t>(at)]);
+      if (takesInput(cell)) return cell;
+    }
+    at = direction > 0 ? -1 : count;
+  }
+  return {};
+}
+
+void makeCurrent(const QAbstractItemView& view, const QModelIndex& cell) {
+  if (cell.isValid() && view.selectionModel() != nullptr) {
+    view.selectionModel()->setCurrentIndex(cell, QItemSelectionModel::ClearAndSelect);
+  }
+}
+
 }  // namespace
 
 TreeGridView::TreeGridView(QWidget* parent)
@@ -772,10 +810,7 @@ QModelIndex TreeGridView::moveCursor(CursorAction action, Qt::KeyboardModifiers 
 }
 
 void TreeGridView::moveCurrent(CursorAction action) {
-  const QModelIndex next = moveCursor(action, Qt::NoModifier);
-  if (next.isValid() && selectionModel() != nullptr) {
-    selectionModel()->setCurrentIndex(next, QItemSelectionModel::ClearAndSelect);
-  }
+  makeCurrent(*this, moveCursor(action, Qt::NoModifier));
 }
 
 bool TreeGridView::handleKey(QKeyEvent* event) {
@@ -808,9 +843,15 @@ bool TreeGridView::handleKey(QKeyEvent* event) {
       current.isValid() && isCellEnabled(current) && (model()->flags(current) & Qt::ItemIsEditable);
   switch (event->key()) {
     case Qt::Key_Return:
-    case Qt::Key_Enter:
-      moveCurrent(event->modifiers() & Qt::ShiftModifier ? MoveUp : MoveDown);
+    case Qt::Key_Enter: {
+      const bool up = event->modifiers() & Qt::ShiftModifier;
+      if (takesInput(current)) {
+        makeCurrent(*this, nextInputInColumn(*this, current, up ? -1 : 1));
+      } else {
+        moveCurrent(up ? MoveUp : MoveDown);
+      }
       return true;
+    }
     case Qt::Key_Delete:
       if (isSignalConnected(QMetaMethod::fromSignal(&TreeGridView::deletePressed))) {
         emit deletePressed();
@@ -872,11 +913,12 @@ void TreeGridView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHi
     case QAbstractItemDelegate::EditNextItem:
     case QAbstractItemDelegate::EditPreviousItem:
       QTreeView::closeEditor(editor, QAbstractItemDelegate::NoHint);
-      moveCurrent(hint == QAbstractItemDelegate::EditNextItem ? MoveNext : MovePrevious);
+      makeCurrent(*this, nextInputInReading(*this, currentIndex(),
+                                            hint == QAbstractItemDelegate::EditNextItem ? 1 : -1));
       break;
     case QAbstractItemDelegate::SubmitModelCache:  // Return
       QTreeView::closeEditor(editor, hint);
-      moveCurrent(MoveDown);
+      makeCurrent(*this, nextInputInColumn(*this, currentIndex(), 1));
       break;
     default:
       QTreeView::closeEditor(editor, hint);

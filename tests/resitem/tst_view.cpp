@@ -236,6 +236,42 @@ class TestView : public QObject {
     QVERIFY(!grid_->searchBox()->isVisible());
   }
 
+  void typingGoesOnPastWhatCannotBeEdited() {
+    const auto edit = [this](ResourceItem* item, const std::string& key, int last) {
+      grid_->selectionModel()->setCurrentIndex(
+          filter_->makeIndex(item, filter_->getColumnIndex(key)),
+          QItemSelectionModel::ClearAndSelect);
+      driver_.type("12");
+      driver_.key(last);
+    };
+    const auto at = [](proxy::Element* item, const std::string& key) {
+      return std::pair(item, key);
+    };
+    const auto place = [&] {
+      return at(grid_->currentElement(), filter_->getColumnName(grid_->currentIndex().column()));
+    };
+    const std::vector<ResourceItem*> items = fixture_->items();
+    int borders = 0;
+    for (std::size_t i = 1; i < items.size(); ++i) {
+      if (items[i]->group() == items[i - 1]->group()) continue;
+      ++borders;
+      edit(items[i - 1], keys::BRIExcludedTaxFee, Qt::Key_Return);
+      QTRY_COMPARE(place(), at(items[i], keys::BRIExcludedTaxFee));
+      QCOMPARE(price(*items[i - 1]), QString("12.00"));
+      edit(items[i - 1], keys::BRIComment, Qt::Key_Tab);
+      QTRY_COMPARE(place(), at(items[i], keys::CostAccount));
+    }
+    QVERIFY(borders > 4);
+    // Past the prices that follow, and nowhere from the last one.
+    edit(items.back(), keys::BRITaxRate, Qt::Key_Tab);
+    QTRY_COMPARE(place(), at(items.back(), keys::BRIIsProvidedByJia));
+    edit(items.back(), keys::BRIExcludedTaxFee, Qt::Key_Return);
+    QTRY_VERIFY(!grid_->isPersistentEditorOpen(grid_->currentIndex()));
+    QCOMPARE(place(), at(items.back(), keys::BRIExcludedTaxFee));
+    driver_.key(Qt::Key_Return, Qt::ShiftModifier);
+    QCOMPARE(place(), at(items[items.size() - 2], keys::BRIExcludedTaxFee));
+  }
+
   void addsItemsOfOnesOwn() {
     const std::string before = project().dump();
     const costing::Decimal total = project().totals().excluded;
