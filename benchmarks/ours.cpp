@@ -1,6 +1,7 @@
 #include "benchmarks/ours.h"
 
 #include <QCoreApplication>
+#include <array>
 #include <chrono>
 #include <cmath>
 
@@ -59,17 +60,31 @@ Ours::Ours(const Rows& rows) : parts_(std::make_unique<Parts>()) {
   records::ProjectBuilder builder(project);
   records::StructureNode& work = builder.addNode(nullptr, 0, records::StructureKind::UnitWork);
   std::unordered_map<std::string, records::CostAccount*> accounts;
+  // As a reader of files does: the texts of several rows at once.
+  constexpr std::size_t Lot = 8;
+  std::array<std::string, 4 * Lot> read;
+  std::array<std::string_view, 4 * Lot> views;
+  std::array<records::Text, 4 * Lot> texts;
   for (std::size_t row = 0; row < rows.size(); ++row) {
     records::ResourceItemData item;
     const std::string accountName = rows.text(row, 0);
     records::CostAccount*& account = accounts[accountName];
     if (account == nullptr) account = &builder.addAccount(nullptr, 0, "", accountName);
     item.account = account;
-    const std::string code = rows.text(row, 1);
-    const std::string name = rows.text(row, 2);
-    const std::string spec = rows.text(row, 3);
-    const std::string unit = rows.text(row, 4);
-    project.texts.intern({code, name, spec, unit}, item.code, item.name, item.spec, item.unit);
+    const std::size_t inLot = row % Lot;
+    if (inLot == 0) {
+      for (std::size_t i = 0; i < Lot && row + i < rows.size(); ++i) {
+        for (std::size_t c = 0; c < 4; ++c) {
+          read[4 * i + c] = rows.text(row + i, static_cast<int>(c) + 1);
+          views[4 * i + c] = read[4 * i + c];
+        }
+      }
+      project.texts.intern(views.data(), texts.data(), views.size());
+    }
+    item.code = texts[4 * inLot];
+    item.name = texts[4 * inLot + 1];
+    item.spec = texts[4 * inLot + 2];
+    item.unit = texts[4 * inLot + 3];
     item.quantity = cents(rows.number(row, 0));
     item.price = cents(rows.number(row, 1));
     item.taxRate = 13;

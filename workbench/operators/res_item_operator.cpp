@@ -199,6 +199,25 @@ bool allAssociated(const proxy::Element& element) {
   return true;
 }
 
+// A filter reads one text of row after row, and shared texts lie all over the memory: while this
+// row is being decided, the texts of later ones are on their way, step by step.
+void fetchAhead(const ResourceItem& item, int column) {
+  constexpr int Step = 8;
+  const proxy::Element* parent = item.parent();
+  if (parent == nullptr) return;
+  const int row = item.row();
+  if (const proxy::Element* far = parent->child(row + 3 * Step)) {
+    __builtin_prefetch(far);
+    __builtin_prefetch(reinterpret_cast<const char*>(far) + 64);
+  }
+  if (const ResourceItem* later = itemOf(parent->child(row + 2 * Step))) {
+    if (const std::string* text = textOf(*later, column)) __builtin_prefetch(text);
+  }
+  if (const ResourceItem* next = itemOf(parent->child(row + Step))) {
+    if (const std::string* text = textOf(*next, column)) __builtin_prefetch(text->data());
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<domain::DisplayTable> makeResItemTable() {
@@ -372,7 +391,10 @@ bool ResItemOperator::getField(const proxy::Element* element, const std::string&
                                Value& out) const {
   const int column = columnOf(key);
   if (column < 0) return false;
-  if (const ResourceItem* item = itemOf(element)) return display(*item, column, out);
+  if (const ResourceItem* item = itemOf(element)) {
+    fetchAhead(*item, column);
+    return display(*item, column, out);
+  }
   const auto* group = dynamic_cast<const ResourceGroup*>(element);
   if (group == nullptr) return false;
   // Filters read flags and texts of every row, grouping rows too. A caption is no field of theirs:

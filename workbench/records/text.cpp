@@ -21,13 +21,13 @@ Text::Text() : text_(&emptyText()) {}
 
 Text TextPool::intern(std::string_view text) {
   Text interned;
-  internAll(&text, &interned, 1);
+  intern(&text, &interned, 1);
   return interned;
 }
 
-void TextPool::internAll(const std::string_view* texts, Text* interned, std::size_t count) {
+void TextPool::intern(const std::string_view* texts, Text* interned, std::size_t count) {
   while (count > MostAtOnce) {
-    internAll(texts, interned, MostAtOnce);
+    intern(texts, interned, MostAtOnce);
     texts += MostAtOnce;
     interned += MostAtOnce;
     count -= MostAtOnce;
@@ -51,7 +51,7 @@ void TextPool::internAll(const std::string_view* texts, Text* interned, std::siz
     if (likely[i] != nullptr) prefetch(likely[i]->data());
   }
   for (std::size_t i = 0; i < count; ++i) {
-    if (!texts[i].empty()) interned[i] = find(hashes[i], texts[i]);
+    interned[i] = texts[i].empty() ? Text() : find(hashes[i], texts[i]);
   }
 }
 

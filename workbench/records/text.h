@@ -37,18 +37,21 @@ class TextPool {
 
   Text intern(std::string_view text);
 
-  /// The texts of one record together: their visits to memory overlap, so that a loader gets them
-  /// at little more than the price of one.
+  /// Many texts together: their visits to memory overlap, so that a loader gets those of a record,
+  /// or of several, at little more than the price of one.
+  void intern(const std::string_view* texts, Text* interned, std::size_t count);
+
+  /// The texts of one record.
   template <class... Texts>
   void intern(const std::array<std::string_view, sizeof...(Texts)>& texts, Texts&... into) {
     std::array<Text, sizeof...(Texts)> interned;
-    internAll(texts.data(), interned.data(), texts.size());
+    intern(texts.data(), interned.data(), texts.size());
     const Text* next = interned.data();
     ((into = *next++), ...);
   }
 
  private:
-  static constexpr std::size_t MostAtOnce = 8;
+  static constexpr std::size_t MostAtOnce = 32;
   static constexpr std::uint32_t ChunkBits = 10;
 
   struct Slot {
@@ -56,7 +59,6 @@ class TextPool {
     std::uint32_t number = 0;  // of the text, from 1; 0: free
   };
 
-  void internAll(const std::string_view* texts, Text* interned, std::size_t count);
   Text find(std::uint32_t hash, std::string_view text);
   std::size_t slotOf(std::uint32_t hash, std::string_view text) const;
   const std::string& textAt(std::uint32_t number) const {

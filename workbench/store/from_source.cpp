@@ -155,17 +155,26 @@ class Filler {
       bill.amount = exchange::billAmount(source.quantity, *source.unitPrice);
     }
     bill.rows().reserve(static_cast<int>(source.resources.size()));
+    read_.clear();
+    for (const auto& line : source.resources) {
+      read_.insert(read_.end(), {line.id, line.code, line.name, line.spec, line.unit});
+    }
+    texts_.resize(read_.size());
+    project_.texts.intern(read_.data(), texts_.data(), read_.size());
+    const records::Text* next = texts_.data();
     for (const auto& resource : source.resources) {
-      add(bill, source.quantity, resource);
+      BudgetItem& line = builder_.addBudgetItem(bill, 0);
+      for (records::Text* text : {&line.sourceId, &line.code, &line.name, &line.spec, &line.unit}) {
+        *text = *next++;
+      }
+      gather(line, source.quantity, resource);
       if (++done_ % 1000 == 0 && progress_ && !progress_(done_)) return false;
     }
     return true;
   }
 
-  void add(Bill& bill, const costing::Decimal& billQuantity, const exchange::Resource& source) {
-    BudgetItem& line = builder_.addBudgetItem(bill, 0);
-    project_.texts.intern({source.id, source.code, source.name, source.spec, source.unit},
-                          line.sourceId, line.code, line.name, line.spec, line.unit);
+  void gather(BudgetItem& line, const costing::Decimal& billQuantity,
+              const exchange::Resource& source) {
     line.category = categoryOf(source.category);
     line.ownerSupplied = source.ownerSupplied;
     line.provisional = source.provisional;
@@ -242,6 +251,9 @@ class Filler {
   std::unordered_map<std::string, StructureNode*> nodes_;
   std::unordered_map<std::string, std::size_t> numbers_;  // key of what is gathered → its number
   std::vector<Gathered> gathered_;
+  // The texts of one bill's lines.
+  std::vector<std::string_view> read_;
+  std::vector<records::Text> texts_;
   std::size_t done_ = 0;
 };
 
