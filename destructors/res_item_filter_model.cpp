@@ -1,8 +1,12 @@
 #include "destructors/res_item_filter_model.h"
 
+#include "host/domain/field_keys.h"
+
 namespace gui::qce::destructors {
 
 namespace {
+
+namespace keys = domain::keys;
 
 void readValue(const QModelIndex& index, gui::SortInputs::Cell& cell) {
   cell.number = index.data(Qt::EditRole).toDouble();
@@ -21,7 +25,9 @@ gui::SortInputs::Reader valueReader(const domain::DisplayTable* table, int sourc
 
 DesResItemFilterModelImpl::DesResItemFilterModelImpl(
     abst::qce::destructors::DesResItemModel* source)
-    : ResItemFilterModelImpl(source) {}
+    : ResItemFilterModelImpl(source),
+      conditions_(
+          {&keys::CostAccount, &keys::BRICode, &keys::BRIName, &keys::BRISpec, &keys::BRIUnit}) {}
 
 int DesResItemFilterModelImpl::getItemWaitForCollectNum() const {
   return getSource() != nullptr ? getSource()->getItemWaitForCollectNum() : 0;
@@ -43,9 +49,19 @@ void DesResItemFilterModelImpl::rebuildGroup() {
   if (getSource() != nullptr) getSource()->rebuildGroup();
 }
 
+void DesResItemFilterModelImpl::setFilterField(std::vector<std::string>& conditions) {
+  conditions_.setTexts(conditions);
+}
+
+void DesResItemFilterModelImpl::setIsFilterByCondition(bool on) {
+  isFilterByCondition_ = on;
+  invalidate();
+}
+
 // A grouping row that itself holds the text would be shown without an item.
 bool DesResItemFilterModelImpl::filterAcceptsRow(proxy::Element* element) const {
-  return isItem(element) && ResItemFilterModelImpl::filterAcceptsRow(element);
+  return isItem(element) && ResItemFilterModelImpl::filterAcceptsRow(element) &&
+         (!isFilterByCondition_ || conditions_.areFulfilled(getOperator(), element));
 }
 
 bool DesResItemFilterModelImpl::lessThan(const QModelIndex& left, const QModelIndex& right) const {

@@ -12,6 +12,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QSplitter>
 #include <QTimer>
 #include <QToolButton>
 #include <algorithm>
@@ -22,6 +23,7 @@
 #include "destructors/source_bill_view.h"
 #include "framework/cell_value.h"
 #include "framework/commands.h"
+#include "framework/des_filter_view.h"
 #include "host/app/services.h"
 #include "host/app/spreadsheet.h"
 #include "host/base/number_text.h"
@@ -79,14 +81,25 @@ void DesResItemViewImpl::init() {
   itemPageAction_ = addCommand("到人材机页添加", "转到人材机页的当前人材机处，在那里添加人材机",
                                "Ctrl+Shift+I", &Page::showItemPage);
   regroupAction_ = addCommand("恢复原顺序", "恢复排序前的顺序", "F5", &Page::regroup);
-  groupedAction_ = new QAction("按工程和类别分组", this);
-  groupedAction_->setCheckable(true);
+  groupedAction_ = addSwitch("按工程和类别分组", "按工程和类别分组，或列为一张清单", "Ctrl+Shift+D",
+                             &Page::setGrouped);
   groupedAction_->setChecked(true);
-  groupedAction_->setShortcut(QKeySequence("Ctrl+Shift+D"));
-  groupedAction_->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-  connect(groupedAction_, &QAction::triggered, this, &Page::setGrouped);
-  addAction(groupedAction_);
+  conditionAction_ = addSwitch("条件过滤", "按成本科目、编码、名称、规格型号、单位过滤",
+                               "Ctrl+Shift+F", &Page::showConditions);
   ResItemViewImpl::init();
+}
+
+QAction* DesResItemViewImpl::addSwitch(const QString& text, const QString& toolTip,
+                                       const QString& keys,
+                                       void (DesResItemViewImpl::*slot)(bool)) {
+  auto* action = new QAction(text, this);
+  action->setCheckable(true);
+  action->setShortcut(QKeySequence(keys));
+  action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+  action->setToolTip(QString("%1（%2）").arg(toolTip, keys));
+  connect(action, &QAction::triggered, this, slot);
+  addAction(action);
+  return action;
 }
 
 QAction* DesResItemViewImpl::addCommand(const QString& text, const QString& toolTip,
@@ -99,12 +112,14 @@ QAction* DesResItemViewImpl::addCommand(const QString& text, const QString& tool
 QPushButton* DesResItemViewImpl::addButton(QBoxLayout* toolBar, QAction* action,
                                            const QString& name) {
   auto* button = new QPushButton(action->text(), this);
+  button->setCheckable(action->isCheckable());
   button->setObjectName(name);
   button->setToolTip(action->toolTip());
   connect(button, &QPushButton::clicked, action, &QAction::trigger);
   connect(action, &QAction::changed, button, [button, action] {
     button->setEnabled(action->isEnabled());
     button->setToolTip(action->toolTip());
+    button->setChecked(action->isChecked());
   });
   toolBar->addWidget(button);
   return button;
@@ -129,6 +144,7 @@ void DesResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
     connect(button, &QToolButton::clicked, this, slot);
     toolBar->insertWidget(place++, button);
   }
+  conditionButton_ = addButton(toolBar, conditionAction_, "ResItem_conditions");
   addButton(toolBar, accountAction_, "ResItem_setCostAccount");
   localBox_ = new QCheckBox("成本科目设置仅对当前起作用", this);
   localBox_->setStyleSheet("color: rgb(241, 70, 62)");
@@ -143,8 +159,20 @@ void DesResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
 }
 
 QWidget* DesResItemViewImpl::createContent(gui::TreeGridView* grid) {
-  grid->setEmptyText("没有符合条件的人材机。请放宽筛选条件，或清空过滤的文字。");
-  return grid;
+  grid->setEmptyText("没有符合条件的人材机。请放宽筛选条件，清空过滤的文字，或取消条件过滤。");
+  conditions_ = new DesFilterView(DesFilterView::ResItem, this);
+  conditions_->hide();
+  connect(conditions_->startButton(), &QPushButton::clicked, this,
+          &DesResItemViewImpl::startFilter);
+  connect(conditions_->cancelButton(), &QPushButton::clicked, this,
+          &DesResItemViewImpl::cancelFilter);
+  auto* splitter = new QSplitter(this);
+  splitter->setHandleWidth(8);
+  splitter->setChildrenCollapsible(false);
+  splitter->addWidget(grid);
+  splitter->addWidget(conditions_);
+  splitter->setStretchFactor(0, 1);
+  return splitter;
 }
 
 QWidget* DesResItemViewImpl::createFooter() {
@@ -176,7 +204,38 @@ void DesResItemViewImpl::fillContextMenu(QMenu* menu) {
   menu->addAction(itemPageAction_);
   menu->addSeparator();
   ResItemViewImpl::fillContextMenu(menu);
-  menu->addActions({groupedAction_, regroupAction_});
+  menu->addActions({conditionAction_, groupedAction_, regroupAction_});
+}
+
+// ---------------------------------------------------------------------------------------------
+// Conditions
+
+void DesResItemViewImpl::showConditions(bool show) {
+  conditions_->setVisible(show);
+  (show ? static_cast<QWidget*>(conditions_) : treeGrid())->setFocus();
+}
+
+void DesResItemViewImpl::startFilter() {
+  filterByConditions(true);
+}
+
+void DesResItemViewImpl::cancelFilter() {
+  filterByConditions(false);
+}
+
+// Hiding the panel keeps the filter: the button and the status line tell that it is on.
+void DesResItemViewImpl::filterByConditions(bool on) {
+  if (model_ == nullptr) return;
+  std::vector<std::string> conditions = conditions_->conditions();
+  model_->setFilterField(conditions);
+  model_->setIsFilterByCondition(on);
+  expandAll();
+  if (!on) treeGrid()->scrollTo(treeGrid()->currentIndex());
+  conditionsOn_ = on;
+  QPalette colors = palette();
+  if (on) colors.setColor(QPalette::ButtonText, QColor(198, 40, 40));
+  conditionButton_->setPalette(colors);
+  refreshStatusLater();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -426,6 +485,7 @@ void DesResItemViewImpl::regroup() {
 
 void DesResItemViewImpl::showItems(const std::vector<proxy::Element*>& items) {
   clearTextFilter();
+  if (conditionsOn_) cancelFilter();
   treeGrid()->selectElements(items);
   treeGrid()->setFocus();
 }
@@ -463,10 +523,11 @@ void DesResItemViewImpl::refreshStatus() {
   // In the colour of the rows that wait.
   const int waiting = model_->getItemWaitForCollectNum();
   const QString note = QString("待归集：%1 项").arg(waiting);
-  status_->setText(QString("%1　　已选 %2 项　　不含税合价 %3 元，计入成本 %4 元")
+  status_->setText(QString("%5%1　　已选 %2 项　　不含税合价 %3 元，计入成本 %4 元")
                        .arg(waiting == 0 ? note : "<b style=\"color:#b06000\">" + note + "</b>")
                        .arg(items.size())
-                       .arg(money(market), money(counted)));
+                       .arg(money(market), money(counted),
+                            conditionsOn_ ? QString("（条件过滤中）") : QString()));
 }
 
 }  // namespace gui::qce::destructors

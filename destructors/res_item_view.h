@@ -19,8 +19,11 @@ class ViewModel;
 
 namespace gui::qce::destructors {
 
-/// The page of a design-side project's resource items: filtered by category and text; linked to and
-/// unlinked from cost, given a cost account and collected into subcontracts, several at once.
+class DesFilterView;
+
+/// The page of a design-side project's resource items: filtered by category and text or by
+/// the conditions of a panel beside the table; linked to and unlinked from cost, given a cost
+/// account and collected into subcontracts, several at once.
 ///
 /// Its model is a DesResItemFilterModel that is a QAbstractItemModel and a gui::ViewModel too
 /// (DesResItemFilterModelImpl). What its commands do is the controller's, which is set before the
@@ -54,7 +57,7 @@ class QCE_EXPORT DesResItemViewImpl : public gui::ResItemViewImpl {
   bool isSetCostAccountToLocal() const;
   /// The items among the selected rows, from top to bottom.
   Controller::Items selectedItems() const;
-  /// Selects the rows of these elements, with both filters off.
+  /// Selects the rows of these elements, with all filters off.
   void showItems(const std::vector<proxy::Element*>& items);
 
  public slots:
@@ -81,6 +84,8 @@ class QCE_EXPORT DesResItemViewImpl : public gui::ResItemViewImpl {
   void showItemPage();
   /// Goes back from a sorted to the stored order.
   void regroup();
+  void startFilter();
+  void cancelFilter();
 
  signals:
   /// The current row has rested for RefreshDelay, or the bills have changed; null for none.
@@ -102,6 +107,10 @@ class QCE_EXPORT DesResItemViewImpl : public gui::ResItemViewImpl {
   QAction* addCommand(const QString& text, const QString& toolTip, const QString& keys,
                       void (DesResItemViewImpl::*slot)());
   QPushButton* addButton(QBoxLayout* toolBar, QAction* action, const QString& name);
+  QAction* addSwitch(const QString& text, const QString& toolTip, const QString& keys,
+                     void (DesResItemViewImpl::*slot)(bool));
+  void showConditions(bool show);
+  void filterByConditions(bool on);
   bool isSeen() const { return isActive() && isVisible(); }
   /// False after telling the user that nothing is selected.
   bool requireItems(const Controller::Items& items) const;
@@ -123,13 +132,17 @@ class QCE_EXPORT DesResItemViewImpl : public gui::ResItemViewImpl {
   QAction* sourceAction_ = nullptr;
   QAction* itemPageAction_ = nullptr;
   QAction* groupedAction_ = nullptr;
+  QAction* conditionAction_ = nullptr;
   QAction* regroupAction_ = nullptr;
   QCheckBox* localBox_ = nullptr;
+  QPushButton* conditionButton_ = nullptr;
+  DesFilterView* conditions_ = nullptr;
   QLabel* currentBill_ = nullptr;
   QLabel* status_ = nullptr;
   QTimer* timer_ = nullptr;        // of the current row
   QTimer* statusTimer_ = nullptr;  // of the status line
   bool wasEmpty_ = true;
+  bool conditionsOn_ = false;
 };
 
 }  // namespace gui::qce::destructors

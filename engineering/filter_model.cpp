@@ -1,7 +1,6 @@
 #include "engineering/filter_model.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <utility>
 
@@ -12,29 +11,16 @@ namespace gui::qce {
 namespace {
 
 // What the conditions are matched against, by position.
-const std::array<const std::string*, 5>& conditionKeys() {
-  static const std::array<const std::string*, 5> keys = {
-      &domain::keys::CostAccount, &domain::keys::SECode, &domain::keys::SEName,
-      &domain::keys::SEProjFeatures, &domain::keys::SEUnit};
-  return keys;
-}
-
-bool holds(const domain::Operator& op, const proxy::Element* element, const std::string& key,
-           const std::string& condition) {
-  if (const std::string* kept = op.peekText(element, key, domain::DisplayRole)) {
-    return kept->find(condition) != std::string::npos;
-  }
-  domain::Value value;
-  if (!op.getValue(element, key, domain::DisplayRole, value)) return false;
-  const auto* text = std::get_if<std::string>(&value);
-  return text != nullptr && text->find(condition) != std::string::npos;
+gui::TextConditions::Keys conditionKeys() {
+  return {&domain::keys::CostAccount, &domain::keys::SECode, &domain::keys::SEName,
+          &domain::keys::SEProjFeatures, &domain::keys::SEUnit};
 }
 
 }  // namespace
 
 QCESubEngineeringFilterModelImpl::QCESubEngineeringFilterModelImpl(
     abst::SubEngineeringModel* source)
-    : Base(source) {
+    : Base(source), conditions_(conditionKeys()) {
   QAbstractItemModel* items = sourceModel();
   if (items == nullptr) return;
   const auto forget = [this] { forgetAnswers(); };
@@ -67,7 +53,7 @@ void QCESubEngineeringFilterModelImpl::setShowRes(bool show) {
 }
 
 void QCESubEngineeringFilterModelImpl::setFilterField(std::vector<std::string>& conditions) {
-  filterFields_ = conditions;
+  conditions_.setTexts(conditions);
   forgetAnswers();
 }
 
@@ -142,14 +128,7 @@ bool QCESubEngineeringFilterModelImpl::isFilter(proxy::Element* element) const {
 }
 
 bool QCESubEngineeringFilterModelImpl::isFilterByCondition(proxy::Element* element) const {
-  const domain::Operator* op = getOperator();
-  const std::size_t count = std::min(filterFields_.size(), conditionKeys().size());
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::string& condition = filterFields_[i];
-    if (condition.empty()) continue;
-    if (op == nullptr || !holds(*op, element, *conditionKeys()[i], condition)) return false;
-  }
-  return true;
+  return conditions_.areFulfilled(getOperator(), element);
 }
 
 bool QCESubEngineeringFilterModelImpl::isShowChildrenByCondition(proxy::Element* parent) const {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "framework/element_answers.h"
+#include "framework/text_conditions.h"
 #include "host/presentation/sub_engineering_filter_model.h"
 #include "qce_export.h"
 
@@ -65,7 +66,7 @@ class QCE_EXPORT QCESubEngineeringFilterModelImpl : public gui::SubEngineeringFi
   bool isFilterByCondition_ = false;
   mutable gui::ElementAnswers matchCache_;
   std::map<std::string, bool> filterMap_;
-  std::vector<std::string> filterFields_;
+  gui::TextConditions conditions_;
 
   // What verdicts are made of; unlike these, forgotten as soon as a text or a row changes.
   mutable gui::ElementAnswers matchAtOrAbove_;

@@ -157,12 +157,7 @@ void QCESubEngineeringViewImpl::setConditionMark(bool on) {
 void QCESubEngineeringViewImpl::startFilter() {
   auto* filter = filterOf(*treeGrid());
   if (filter == nullptr) return;
-  std::vector<std::string> conditions;
-  conditions.push_back(conditions_->getCbkm());
-  conditions.push_back(conditions_->getCode());
-  conditions.push_back(conditions_->getName());
-  conditions.push_back(conditions_->getFeature());
-  conditions.push_back(conditions_->getUnit());
+  std::vector<std::string> conditions = conditions_->conditions();
   filter->setFilterField(conditions);
   filter->setIsFilterByCondition(true);
   expandAll();

@@ -119,6 +119,10 @@ std::string DesFilterView::getUnit() const {
   return unitEdit_->text().toStdString();
 }
 
+std::vector<std::string> DesFilterView::conditions() const {
+  return {getCbkm(), getCode(), getName(), getFeature(), getUnit()};
+}
+
 void DesFilterView::resetConditions() {
   for (QLineEdit* edit : {cbkmEdit_, codeEdit_, nameEdit_, featureEdit_, unitEdit_}) {
     edit->clear();

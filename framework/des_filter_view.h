@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "host/bwidgets/widget.h"
 #include "qce_export.h"
@@ -39,6 +40,9 @@ class QCE_EXPORT DesFilterView : public bwidgets::Widget {
   std::string getName() const;
   std::string getFeature() const;  ///< the fourth box, whatever its label
   std::string getUnit() const;
+
+  /// The five texts, in the order of the getters: what a filter model is given.
+  std::vector<std::string> conditions() const;
 
   /// Puts a text into the box of the cost account. A filter that is on stays as it is.
   void setCbkm(const std::string& text);

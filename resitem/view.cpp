@@ -429,12 +429,7 @@ void QCEResItemViewImpl::setConditionMark(bool on) {
 
 void QCEResItemViewImpl::startFilter() {
   if (filter_ == nullptr) return;
-  std::vector<std::string> keywords;
-  keywords.push_back(conditions_->getCbkm());
-  keywords.push_back(conditions_->getCode());
-  keywords.push_back(conditions_->getName());
-  keywords.push_back(conditions_->getFeature());
-  keywords.push_back(conditions_->getUnit());
+  std::vector<std::string> keywords = conditions_->conditions();
   filter_->setFilterField(keywords);
   filter_->setIsFilterByCondition(true);
   expandAll();

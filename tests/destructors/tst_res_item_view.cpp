@@ -18,6 +18,7 @@
 
 #include "destructors/res_item_filter_model.h"
 #include "destructors/res_item_model.h"
+#include "framework/des_filter_view.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/destructors/des_res_item_keys.h"
 #include "host/domain/qce/destructors/des_res_item_operator.h"
@@ -253,6 +254,48 @@ class TestDesResItemView : public QObject {
     QCOMPARE(box->styleSheet(), QString("color: rgb(241, 70, 62)"));
     QTRY_VERIFY(s.page->findChild<QLabel*>("DesResItem_status")->text().contains("待归集：7 项"));
     QVERIFY(s.page->findChild<QLabel*>("DesResItem_status")->text().contains("1,200.50"));
+  }
+
+  void filtersByConditions() {
+    Setup s;
+    s.steel->set(keys::CostAccount, std::string("0201 钢材"));
+    s.steel->set(keys::BRISpec, std::string("HRB400"));
+    s.wire->set(keys::CostAccount, std::string("0201 钢材"));
+    auto* panel = s.page->findChild<gui::qce::destructors::DesFilterView*>();
+    QVERIFY(!panel->isVisible());
+    s.click("ResItem_conditions");
+    QVERIFY(panel->isVisible());
+    const auto filter = [&](const char* box, const char* text) {
+      panel->resetConditions();
+      auto* edit = panel->findChild<QLineEdit*>(box);
+      edit->setText(text);
+      QTest::keyClick(edit, Qt::Key_Return);
+      return s.shown();
+    };
+    QCOMPARE(filter("cbkm", "0201"), QString("工程(s w)"));
+    QCOMPARE(filter("code", "l"), QString("工程(l)"));
+    QCOMPARE(filter("name", "钢"), QString("工程(s l)"));
+    QCOMPARE(filter("feature", "HRB"), QString("工程(s)"));
+    QCOMPARE(filter("feature", "hrb"), QString());
+    QCOMPARE(filter("unit", "t"), QString("工程(s w l)"));
+    QCOMPARE(filter("name", "钢"), QString("工程(s l)"));
+    // With the text filter both have to agree; closing the panel keeps the conditions.
+    auto* text = s.page->findChild<QLineEdit*>("ResItem_filterText");
+    text->setText("l");
+    QTest::keyClick(text, Qt::Key_Return);
+    QCOMPARE(s.shown(), QString("工程(l)"));
+    QTest::keyClick(s.grid, Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    QVERIFY(!panel->isVisible() && !s.button("ResItem_conditions")->isChecked());
+    auto* status = s.page->findChild<QLabel*>("DesResItem_status");
+    QTRY_VERIFY(status->text().startsWith("（条件过滤中）"));
+    // An item that is to be shown is, whatever was filtered.
+    s.page->showItems({s.wire});
+    QCOMPARE(s.shown(), QString("工程(s w l)"));
+    QTRY_VERIFY(!status->text().contains("条件过滤中"));
+    s.click("ResItem_conditions");
+    QCOMPARE(filter("code", "w"), QString("工程(w)"));
+    QTest::mouseClick(panel->cancelButton(), Qt::LeftButton);
+    QCOMPARE(s.shown(), QString("工程(s w l)"));
   }
 
   void forwardsCommandsForTheSelectedItems() {

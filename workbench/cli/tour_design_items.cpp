@@ -14,9 +14,11 @@
 #include <QTreeView>
 #include <QTreeWidget>
 #include <QUndoStack>
+#include <algorithm>
 #include <set>
 
 #include "destructors/res_item_view.h"
+#include "framework/des_filter_view.h"
 #include "host/base/number_text.h"
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
@@ -145,6 +147,37 @@ void Tour::designItems() {
   require(filterLine->text().isEmpty(), "没有清空过滤的文字");
   readShown();
   require(shown.size() == all, "清空文字后没有显示全部人材机");
+
+  // By the panel: a cost account and a unit, which both have to hold.
+  const ResourceItem& last = item(shown.back());
+  const auto meets = [&last](const ResourceItem& each) {
+    return each.account() == last.account() &&
+           each.unit().str().find(last.unit().str()) != std::string::npos;
+  };
+  require(last.account() != nullptr, "最后一项人材机没有成本科目");
+  const auto hits = std::count_if(shown.begin(), shown.end(),
+                                  [&](proxy::Element* row) { return meets(item(row)); });
+  click("ResItem_conditions");
+  auto* panel = view->findChild<gui::qce::destructors::DesFilterView*>();
+  require(panel->isVisible(), "没有条件面板");
+  const auto inBox = [&](const char* box, const std::string& text) {
+    driver_.click(find<QLineEdit>(box, panel));
+    driver_.type(QString::fromStdString(text));
+  };
+  inBox("cbkm", last.account()->label);
+  inBox("unit", last.unit().str());
+  driver_.key(Qt::Key_Return);
+  readShown();
+  require(static_cast<std::ptrdiff_t>(shown.size()) == hits &&
+              std::all_of(shown.begin(), shown.end(),
+                          [&](proxy::Element* row) { return meets(item(row)); }),
+          "条件过滤显示的不是成本科目和单位都相符的人材机");
+  statusSays("条件过滤中");
+  picture("人材机归集按条件过滤");
+  driver_.click(panel->cancelButton());
+  click("ResItem_conditions");
+  readShown();
+  require(shown.size() == all && !panel->isVisible(), "取消条件过滤后没有显示全部人材机");
 
   // Two items of one unit, so that they can be paid for by quantity, that cost something and have
   // sources.

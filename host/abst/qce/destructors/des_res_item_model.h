@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "host/abst/base_model.h"
 
 namespace abst::qce::destructors {
@@ -32,6 +35,12 @@ class QCE_CONTRACT_EXPORT DesResItemFilterModel : public DesResItemBase {
   using SourceModel = DesResItemModel;
 
   ~DesResItemFilterModel() override;
+
+  /// The texts to search for in cost account, code, name, specification and unit, in this order; an
+  /// empty one asks for nothing. Takes effect at the next setIsFilterByCondition.
+  virtual void setFilterField(std::vector<std::string>& conditions) = 0;
+  /// On: only the items whose texts hold the conditions are shown. Filters at once.
+  virtual void setIsFilterByCondition(bool on) = 0;
 };
 
 }  // namespace abst::qce::destructors
