@@ -74,7 +74,7 @@ DesCollectionDialog::DesCollectionDialog(Offer offer, Confirm confirm, QWidget* 
                  this));
   layout->addWidget(splitter, 1);
   layout->addWidget(createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel));
-  resize(1040, 460);
+  resizeOverWindow(QSize(1040, 460));
 
   bills_->setBills(offer_.bills);
   showTarget();

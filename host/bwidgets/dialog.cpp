@@ -17,6 +17,12 @@ void Dialog::resizeToScreen(double width, double height) {
   resize(Screen::fraction(Screen::availableSize(this), width, height));
 }
 
+void Dialog::resizeOverWindow(const QSize& wanted) {
+  QSize room = Screen::availableSize(parentWidget() != nullptr ? parentWidget() : this);
+  if (parentWidget() != nullptr) room = room.boundedTo(parentWidget()->window()->size());
+  resize(wanted.boundedTo(room));
+}
+
 QDialogButtonBox* Dialog::createButtonBox(QDialogButtonBox::StandardButtons buttons) {
   static const std::pair<QDialogButtonBox::StandardButton, const char*> texts[] = {
       {QDialogButtonBox::Ok, "确定"},    {QDialogButtonBox::Cancel, "取消"},

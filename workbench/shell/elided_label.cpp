@@ -1,7 +1,9 @@
 #include "workbench/shell/elided_label.h"
 
+#include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QToolTip>
 
 namespace shell {
 
@@ -11,6 +13,13 @@ ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
 
 QSize ElidedLabel::minimumSizeHint() const {
   return {0, QLabel::minimumSizeHint().height()};
+}
+
+bool ElidedLabel::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip || !toolTip().isEmpty()) return QLabel::event(event);
+  const bool cut = fontMetrics().horizontalAdvance(text()) > contentsRect().width();
+  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), cut ? text() : QString(), this);
+  return true;
 }
 
 void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {

@@ -4,7 +4,8 @@
 
 namespace shell {
 
-/// A line of plain text that gives way: where there is no room for all of it, it ends in "…".
+/// A line of plain text that gives way: where there is no room for all of it, it ends in "…" and is
+/// read whole in a tool tip.
 class ElidedLabel : public QLabel {
   Q_OBJECT
 
@@ -13,6 +14,7 @@ class ElidedLabel : public QLabel {
   QSize minimumSizeHint() const override;
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 };
 

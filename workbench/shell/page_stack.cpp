@@ -4,6 +4,7 @@
 #include <QListWidget>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <algorithm>
 
 #include "host/abst/base_view.h"
 #include "host/bwidgets/tree_grid_view.h"
@@ -13,6 +14,7 @@ namespace shell {
 namespace {
 
 constexpr int kListWidth = 132;  // pixels at first
+constexpr int kListMargin = 34;  // what the list has beside icon and text
 
 }  // namespace
 
@@ -24,7 +26,6 @@ PageStack::PageStack(QWidget* parent)
   list_->setObjectName(QStringLiteral("pageList"));
   list_->setIconSize(QSize(18, 18));
   list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  list_->setMinimumWidth(96);
   splitter_->addWidget(list_);
   splitter_->addWidget(stack_);
   splitter_->setHandleWidth(8);
@@ -59,6 +60,10 @@ void PageStack::addPage(const QString& key, const QString& title, const QIcon& i
   auto* item = new QListWidgetItem(icon, title, list_);
   item->setSizeHint(QSize(0, list_->fontMetrics().height() + 18));
   item->setToolTip(title);
+  // However narrow the window is, the names of the pages are read whole.
+  const int needed =
+      list_->fontMetrics().horizontalAdvance(title) + list_->iconSize().width() + kListMargin;
+  list_->setMinimumWidth(std::max(list_->minimumWidth(), needed));
   if (current_ < 0) list_->setCurrentRow(-1);
 }
 

@@ -34,6 +34,10 @@ using records::SummaryLine;
 using Kind = SummaryLine::Kind;
 
 constexpr int kDelay = 80;  // ms that changes are gathered
+// What the panes need in pixels, to stand beside each other and one below the other.
+constexpr int kTableWidth = 680;
+constexpr int kPlotWidth = 300;
+constexpr int kPlotHeight = 240;
 
 QString text(const std::string& utf8) {
   return QString::fromStdString(utf8);
@@ -89,6 +93,7 @@ SummaryView::SummaryView(records::SummaryKind kind, Compute compute, Follow foll
       model_(new SummaryModel(this)),
       grid_(new gui::TreeGridView),
       plot_(new SummaryPlot),
+      panes_(new QSplitter(Qt::Horizontal)),
       timer_(new QTimer(this)) {
   setWindowTitle(name_);
   timer_->setSingleShot(true);
@@ -134,7 +139,7 @@ SummaryView::SummaryView(records::SummaryKind kind, Compute compute, Follow foll
   auto* bar = new QHBoxLayout;
   bar->setContentsMargins(6, 4, 6, 4);
   bar->setSpacing(4);
-  for (QAction* action : {followAction_, exportAction_}) {
+  for (QAction* action : {followAction_, exportAction_, plotAction_}) {
     auto* button = new QToolButton;
     button->setDefaultAction(action);
     button->setToolButtonStyle(Qt::ToolButtonTextOnly);
@@ -145,20 +150,19 @@ SummaryView::SummaryView(records::SummaryKind kind, Compute compute, Follow foll
       new QLabel(QStringLiteral("除“税金”外均不含税，合计含税金；税金按收入计算，收支相同"));
   note->setObjectName(QStringLiteral("summaryNote"));
   bar->addWidget(note);
-  auto* panes = new QSplitter(Qt::Horizontal);
-  panes->setHandleWidth(8);
-  panes->setChildrenCollapsible(false);
-  panes->addWidget(grid_);
-  panes->addWidget(plot_);
-  panes->setStretchFactor(0, 60);
-  panes->setStretchFactor(1, 40);
-  panes->setSizes({6000, 4000});
-  plot_->setMinimumWidth(300);
+  panes_->setHandleWidth(8);
+  panes_->setChildrenCollapsible(false);
+  panes_->addWidget(grid_);
+  panes_->addWidget(plot_);
+  panes_->setStretchFactor(0, 60);
+  panes_->setStretchFactor(1, 40);
+  panes_->setSizes({6000, 4000});
+  plot_->setMinimumSize(kPlotWidth, kPlotHeight);
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
   layout->addLayout(bar);
-  layout->addWidget(panes, 1);
+  layout->addWidget(panes_, 1);
 }
 
 SummaryView::~SummaryView() = default;
@@ -176,6 +180,11 @@ void SummaryView::createActions() {
   exportAction_ = new QAction(QStringLiteral("导出Excel"), this);
   exportAction_->setToolTip(QStringLiteral("把本表导出为电子表格（Ctrl+E）"));
   connect(exportAction_, &QAction::triggered, this, &SummaryView::exportExcel);
+  plotAction_ = new QAction(QStringLiteral("显示图"), this);
+  plotAction_->setCheckable(true);
+  plotAction_->setChecked(true);
+  plotAction_->setToolTip(QStringLiteral("显示或隐藏收入与成本的图"));
+  connect(plotAction_, &QAction::toggled, plot_, &QWidget::setVisible);
 }
 
 void SummaryView::setModel(abst::BaseModel* /*model*/) {}
@@ -195,11 +204,26 @@ void SummaryView::updateView() {
   grid_->viewport()->update();
 }
 
+void SummaryView::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  arrange();
+}
+
+void SummaryView::arrange() {
+  const bool wide = width() >= kTableWidth * zoom_ / 100 + panes_->handleWidth() + kPlotWidth;
+  const Qt::Orientation orientation = wide ? Qt::Horizontal : Qt::Vertical;
+  if (panes_->orientation() == orientation) return;
+  panes_->setOrientation(orientation);
+  panes_->setSizes(wide ? QList<int>{6000, 4000} : QList<int>{5000, 5000});
+}
+
 void SummaryView::setZoom(int percent) {
+  zoom_ = percent;
   grid_->setZoom(percent);
   QFont scaled = font();
   scaled.setPixelSize(std::max(1, QFontInfo(scaled).pixelSize() * percent / 100));
   plot_->setFont(scaled);
+  arrange();
 }
 
 void SummaryView::invalidate() {

@@ -10,6 +10,7 @@
 #include "workbench/operators/fee_summary_operator.h"
 
 class QAction;
+class QSplitter;
 class QTimer;
 
 namespace gui {
@@ -43,8 +44,9 @@ class SummaryModel : public gui::TViewModel<abst::BaseModel> {
   operators::FeeSummaryOperator operator_;
 };
 
-/// One summary of a project: the lines as a table, beside it income and cost as bars. Computed anew
-/// while it is active and the project has changed; many changes in a row cost one computation.
+/// One summary of a project: the lines as a table, beside it (below it, where there is no room for
+/// both) income and cost as bars, which can be hidden. Computed anew while it is active and the
+/// project has changed; many changes in a row cost one computation.
 class SummaryView : public QWidget, public abst::BaseView {
   Q_OBJECT
 
@@ -77,9 +79,11 @@ class SummaryView : public QWidget, public abst::BaseView {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   void createActions();
+  void arrange();
   void refresh();
   void fillPlot();
   int barOf(const operators::SummaryRow* row) const;
@@ -94,9 +98,12 @@ class SummaryView : public QWidget, public abst::BaseView {
   SummaryModel* model_;
   gui::TreeGridView* grid_;
   SummaryPlot* plot_;
+  QSplitter* panes_;
+  int zoom_ = 100;  ///< per cent
   QTimer* timer_;
   QAction* followAction_ = nullptr;
   QAction* exportAction_ = nullptr;
+  QAction* plotAction_ = nullptr;
   std::vector<operators::SummaryRow*> bars_;  // null: the rest
   bool active_ = false;
   bool stale_ = true;

@@ -1,4 +1,6 @@
 #include <QComboBox>
+#include <QScrollBar>
+#include <QToolButton>
 #include <QTreeView>
 
 #include "framework/des_filter_view.h"
@@ -99,6 +101,24 @@ class SummaryPageTest : public QObject {
     QTest::mouseMove(view.grid()->viewport(), view.grid()->visualRect(first).center());
     QTRY_COMPARE(plot.hovered(), 0);
     QTRY_VERIFY(view.model().rows().highlighted() == nullptr);
+  }
+
+  void makesRoomForTheTableInANarrowWindow() {
+    openPage();
+    SummaryView& view = choose(0);
+    const auto isBelow = [&view] {
+      return view.plot()->mapTo(&view, QPoint()).y() >= view.grid()->geometry().bottom();
+    };
+    f_->window->resize(1440, 860);
+    QTRY_VERIFY(!isBelow());
+    f_->window->resize(1024, 720);
+    QTRY_VERIFY(isBelow());
+    QVERIFY(!view.grid()->horizontalScrollBar()->isVisible());
+    const int height = view.grid()->height();
+    for (auto* button : view.findChildren<QToolButton*>()) {
+      if (button->text() == "显示图") f_->driver.click(button);
+    }
+    QTRY_VERIFY(!view.plot()->isVisible() && view.grid()->height() > height);
   }
 
   void leadsToTheItemsOfAnAccountAndOfAUnitWork() {
