@@ -112,14 +112,12 @@ QAction* DesResItemViewImpl::addCommand(const QString& text, const QString& tool
 QPushButton* DesResItemViewImpl::addButton(QBoxLayout* toolBar, QAction* action,
                                            const QString& name) {
   auto* button = new QPushButton(action->text(), this);
-  button->setCheckable(action->isCheckable());
   button->setObjectName(name);
   button->setToolTip(action->toolTip());
   connect(button, &QPushButton::clicked, action, &QAction::trigger);
   connect(action, &QAction::changed, button, [button, action] {
     button->setEnabled(action->isEnabled());
     button->setToolTip(action->toolTip());
-    button->setChecked(action->isChecked());
   });
   toolBar->addWidget(button);
   return button;
@@ -144,7 +142,6 @@ void DesResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
     connect(button, &QToolButton::clicked, this, slot);
     toolBar->insertWidget(place++, button);
   }
-  conditionButton_ = addButton(toolBar, conditionAction_, "ResItem_conditions");
   addButton(toolBar, accountAction_, "ResItem_setCostAccount");
   localBox_ = new QCheckBox("成本科目设置仅对当前起作用", this);
   localBox_->setStyleSheet("color: rgb(241, 70, 62)");
@@ -187,8 +184,12 @@ QWidget* DesResItemViewImpl::createFooter() {
   // A long name must not keep the window from being made narrow.
   currentBill_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   currentBill_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  conditionButton_ = new QToolButton(footer);
+  conditionButton_->setObjectName("ResItem_conditions");
+  conditionButton_->setDefaultAction(conditionAction_);
   auto* layout = new QHBoxLayout(footer);
   layout->setContentsMargins(6, 3, 6, 3);
+  layout->addWidget(conditionButton_);
   layout->addWidget(status_);
   layout->addWidget(currentBill_, 1);
   return footer;

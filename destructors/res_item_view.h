@@ -12,6 +12,7 @@ class QCheckBox;
 class QLabel;
 class QPushButton;
 class QTimer;
+class QToolButton;
 
 namespace gui {
 class ViewModel;
@@ -135,7 +136,7 @@ class QCE_EXPORT DesResItemViewImpl : public gui::ResItemViewImpl {
   QAction* conditionAction_ = nullptr;
   QAction* regroupAction_ = nullptr;
   QCheckBox* localBox_ = nullptr;
-  QPushButton* conditionButton_ = nullptr;
+  QToolButton* conditionButton_ = nullptr;
   DesFilterView* conditions_ = nullptr;
   QLabel* currentBill_ = nullptr;
   QLabel* status_ = nullptr;

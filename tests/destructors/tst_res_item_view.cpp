@@ -263,7 +263,8 @@ class TestDesResItemView : public QObject {
     s.wire->set(keys::CostAccount, std::string("0201 钢材"));
     auto* panel = s.page->findChild<gui::qce::destructors::DesFilterView*>();
     QVERIFY(!panel->isVisible());
-    s.click("ResItem_conditions");
+    auto* conditions = s.page->findChild<QToolButton*>("ResItem_conditions");
+    QTest::mouseClick(conditions, Qt::LeftButton);
     QVERIFY(panel->isVisible());
     const auto filter = [&](const char* box, const char* text) {
       panel->resetConditions();
@@ -285,14 +286,14 @@ class TestDesResItemView : public QObject {
     QTest::keyClick(text, Qt::Key_Return);
     QCOMPARE(s.shown(), QString("工程(l)"));
     QTest::keyClick(s.grid, Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
-    QVERIFY(!panel->isVisible() && !s.button("ResItem_conditions")->isChecked());
+    QVERIFY(!panel->isVisible() && !conditions->isChecked());
     auto* status = s.page->findChild<QLabel*>("DesResItem_status");
     QTRY_VERIFY(status->text().startsWith("（条件过滤中）"));
     // An item that is to be shown is, whatever was filtered.
     s.page->showItems({s.wire});
     QCOMPARE(s.shown(), QString("工程(s w l)"));
     QTRY_VERIFY(!status->text().contains("条件过滤中"));
-    s.click("ResItem_conditions");
+    QTest::mouseClick(conditions, Qt::LeftButton);
     QCOMPARE(filter("code", "w"), QString("工程(w)"));
     QTest::mouseClick(panel->cancelButton(), Qt::LeftButton);
     QCOMPARE(s.shown(), QString("工程(s w l)"));

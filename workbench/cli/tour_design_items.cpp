@@ -11,6 +11,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTabBar>
+#include <QToolButton>
 #include <QTreeView>
 #include <QTreeWidget>
 #include <QUndoStack>
@@ -157,7 +158,8 @@ void Tour::designItems() {
   require(last.account() != nullptr, "最后一项人材机没有成本科目");
   const auto hits = std::count_if(shown.begin(), shown.end(),
                                   [&](proxy::Element* row) { return meets(item(row)); });
-  click("ResItem_conditions");
+  auto* conditions = find<QToolButton>("ResItem_conditions", view);
+  driver_.click(conditions);
   auto* panel = view->findChild<gui::qce::destructors::DesFilterView*>();
   require(panel->isVisible(), "没有条件面板");
   const auto inBox = [&](const char* box, const std::string& text) {
@@ -175,7 +177,7 @@ void Tour::designItems() {
   statusSays("条件过滤中");
   picture("人材机归集按条件过滤");
   driver_.click(panel->cancelButton());
-  click("ResItem_conditions");
+  driver_.click(conditions);
   readShown();
   require(shown.size() == all && !panel->isVisible(), "取消条件过滤后没有显示全部人材机");
 
