@@ -119,15 +119,22 @@ std::vector<HeaderSpan> GridHeader::spans() const {
   return headerSpans(columns(), effectiveFrozenCount());
 }
 
+void GridHeader::setRoomAbove(int pixels) {
+  if (pixels == roomAbove_) return;
+  roomAbove_ = pixels;
+  setViewportMargins(0, pixels, 0, 0);
+  emit geometriesChanged();
+}
+
 QSize GridHeader::sizeHint() const {
   QSize size = QHeaderView::sizeHint();
   const int row = fontMetrics().height() + 8;
-  size.setHeight(hasGroups() ? 2 * row : std::max(size.height(), row + 2));
+  size.setHeight(roomAbove_ + (hasGroups() ? 2 * row : std::max(size.height(), row + 2)));
   return size;
 }
 
 int GridHeader::captionHeight() const {
-  return hasGroups() ? height() / 2 : 0;
+  return hasGroups() ? viewport()->height() / 2 : 0;
 }
 
 void GridHeader::paintEvent(QPaintEvent* event) {
@@ -135,21 +142,22 @@ void GridHeader::paintEvent(QPaintEvent* event) {
     QHeaderView::paintEvent(event);
     return;
   }
+  const int height = viewport()->height();
   QPainter painter(viewport());
   painter.fillRect(viewport()->rect(), topColor);
   painter.setPen(lineColor);
-  painter.drawLine(0, height() - 1, viewport()->width(), height() - 1);
+  painter.drawLine(0, height - 1, viewport()->width(), height - 1);
   const int border = frozenWidth();
   for (const bool frozen : {false, true}) {
     if (frozen && border == 0) break;
     const QRect part(frozen ? 0 : border, 0, frozen ? border : viewport()->width() - border,
-                     height());
+                     height);
     painter.save();
     painter.setClipRect(part);
     for (int visual = 0; visual < count(); ++visual) {
       const int logical = logicalIndex(visual);
       if (isSectionHidden(logical) || isFrozen(logical) != frozen) continue;
-      const QRect rect(shownPosition(logical), 0, sectionSize(logical), height());
+      const QRect rect(shownPosition(logical), 0, sectionSize(logical), height);
       if (!rect.intersects(part)) continue;
       painter.save();
       paintSection(&painter, rect, logical);
@@ -160,7 +168,7 @@ void GridHeader::paintEvent(QPaintEvent* event) {
   }
   if (border > 0) {
     painter.setPen(borderColor);
-    painter.drawLine(border - 1, 0, border - 1, height());
+    painter.drawLine(border - 1, 0, border - 1, height);
   }
 }
 

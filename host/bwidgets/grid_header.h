@@ -36,6 +36,9 @@ class QCE_HOST_WIDGETS_EXPORT GridHeader : public QHeaderView {
   int groupOf(int logicalIndex) const;
   QString groupCaption(int group) const { return captions_.value(group); }
 
+  /// Pixels that are left free above the titles, for a bar that is to hide neither them nor a cell.
+  void setRoomAbove(int pixels);
+
   QSize sizeHint() const override;
 
  protected:
@@ -59,6 +62,7 @@ class QCE_HOST_WIDGETS_EXPORT GridHeader : public QHeaderView {
   void handleMouse(QMouseEvent* event, Handler handler);
 
   int frozenCount_ = 0;
+  int roomAbove_ = 0;
   QStringList captions_;
   std::vector<int> groups_;  // by logical column
   bool pressedFrozen_ = false;

@@ -8,6 +8,7 @@
 #include <QToolButton>
 #include <algorithm>
 
+#include "host/bwidgets/grid_header.h"
 #include "host/bwidgets/tree_grid_view.h"
 
 namespace bwidgets {
@@ -105,19 +106,24 @@ void SearchBox::open() {
 
 void SearchBox::place() {
   adjustSize();
-  const QRect area = grid_->viewport()->geometry();
-  move(std::max(area.left(), area.right() - width() - 8), area.top() + 4);
+  const QRect area = grid_->gridHeader()->geometry();
+  move(std::max(area.left(), area.right() - width() + 1), area.top());
 }
 
 void SearchBox::showEvent(QShowEvent* event) {
   QFrame::showEvent(event);
+  const QModelIndex current = grid_->currentIndex();
+  const bool inSight = grid_->viewport()->rect().intersects(grid_->visualRect(current));
+  grid_->gridHeader()->setRoomAbove(height());
+  if (inSight) grid_->scrollTo(current);  // the rows have gone down
   showCount();
   grid_->viewport()->update();
 }
 
 void SearchBox::hideEvent(QHideEvent* event) {
   QFrame::hideEvent(event);
-  typing_->stop();              // what was typed last is searched for when the user asks again
+  typing_->stop();  // what was typed last is searched for when the user asks again
+  grid_->gridHeader()->setRoomAbove(0);
   grid_->viewport()->update();  // the marks go
   if (!event->spontaneous() && grid_->isVisible()) grid_->setFocus(Qt::OtherFocusReason);
 }
@@ -215,10 +221,6 @@ void SearchBox::find(bool forward, bool stay) {
     const QModelIndex hit = matches_[static_cast<std::size_t>(at)];
     grid_->selectionModel()->setCurrentIndex(hit, QItemSelectionModel::ClearAndSelect);
     grid_->scrollTo(hit);  // expands what is above it
-    const QRect cell = grid_->visualRect(hit).translated(grid_->viewport()->pos());
-    if (isVisible() && cell.intersects(geometry())) {
-      grid_->scrollTo(hit, QAbstractItemView::PositionAtCenter);
-    }
   }
   showCount();
 }

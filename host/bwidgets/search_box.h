@@ -16,9 +16,9 @@ namespace bwidgets {
 class TreeGridView;
 
 /// Finds texts in a grid: the display texts of all shown columns of all rows, rows below collapsed
-/// ones included, by a part of the text or by pinyin initials. Lies over the grid's top right
-/// corner. Return and F3 go to the next match, with Shift to the one before, round the end; Esc
-/// closes. The current match is the grid's current cell.
+/// ones included, by a part of the text or by pinyin initials. Stands above the grid's titles,
+/// which make room for it, so that it hides nothing. Return and F3 go to the next match, with Shift
+/// to the one before, round the end; Esc closes. The current match is the grid's current cell.
 class QCE_HOST_WIDGETS_EXPORT SearchBox : public QFrame {
   Q_OBJECT
 
