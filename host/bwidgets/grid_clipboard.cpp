@@ -11,6 +11,7 @@
 #include "host/app/services.h"
 #include "host/bwidgets/cell_text.h"
 #include "host/bwidgets/grid_rows.h"
+#include "host/bwidgets/table_view.h"
 #include "host/bwidgets/tree_grid_view.h"
 #include "host/domain/data_field.h"
 #include "host/domain/item_role.h"
@@ -40,7 +41,7 @@ struct Target {
 // A cell that kept what it held.
 struct Refusal {
   QPersistentModelIndex cell;
-  QString said;    // by its model, naming the cell; mostly nothing
+  QString said;    // by its model; mostly nothing
   QString reason;  // as far as the grid knows it
 };
 using Refused = std::vector<Refusal>;
@@ -91,23 +92,39 @@ int shownRowNumber(const TreeGridView& grid, const QModelIndex& cell) {
   return number;
 }
 
-// Row and column in the user's words.
-QString placeOf(const TreeGridView& grid, const QModelIndex& cell) {
-  const QString title =
-      grid.model()->headerData(cell.column(), Qt::Horizontal).toString().simplified();
-  // The column that carries the tree names the row; where it does not, the first one that can.
+QString titleOf(const TreeGridView& grid, int column) {
+  return grid.model()->headerData(column, Qt::Horizontal).toString().simplified();
+}
+
+// What a user knows the row by: its code and name, else its text in the column of the tree, else
+// the first that it shows besides the cell's own; empty without any.
+QString rowWords(const TreeGridView& grid, const QModelIndex& cell) {
   std::vector<int> columns = grid.visibleColumns();
-  columns.insert(columns.begin(), std::max(grid.treePosition(), 0));
-  QString name;
-  for (const int column : columns) {
-    if (column != cell.column()) name = cell.sibling(cell.row(), column).data().toString();
-    name = name.simplified();
-    if (!name.isEmpty()) break;
+  const auto textIn = [&cell](int column) {
+    return cell.sibling(cell.row(), column).data().toString().simplified();
+  };
+  QStringList words;
+  for (const QString& title : {QString::fromUtf8("编码"), QString::fromUtf8("名称")}) {
+    const auto named = std::find_if(columns.begin(), columns.end(), [&](int column) {
+      return titleOf(grid, column).endsWith(title);
+    });
+    if (named != columns.end() && !textIn(*named).isEmpty()) words << textIn(*named);
   }
-  if (name.size() > 20) name = name.left(20) + QString::fromUtf8("…");
-  const QString row = QString::fromUtf8("第 %1 行").arg(shownRowNumber(grid, cell));
-  return name.isEmpty() ? QString::fromUtf8("%1，%2").arg(row, title)
-                        : QString::fromUtf8("%1（%2），%3").arg(row, name, title);
+  columns.insert(columns.begin(), std::max(grid.treePosition(), 0));
+  for (const int column : columns) {
+    if (!words.isEmpty()) break;
+    if (column != cell.column() && !textIn(column).isEmpty()) words << textIn(column);
+  }
+  constexpr int most = 40;
+  const QString all = words.join(QLatin1Char(' '));
+  return all.size() > most ? all.left(most) + QString::fromUtf8("…") : all;
+}
+
+// The row's number, where the user sees numbers or nothing else that names it.
+QString rowNumber(const TreeGridView& grid, const QModelIndex& cell, const QString& words) {
+  const auto* table = qobject_cast<const TableView*>(&grid);
+  if (!words.isEmpty() && (table == nullptr || !table->rowNumbersShown())) return {};
+  return QString::fromUtf8("第 %1 行").arg(shownRowNumber(grid, cell));
 }
 
 QString reasonFor(const Target& target) {
@@ -117,10 +134,16 @@ QString reasonFor(const Target& target) {
 }
 
 QString lineFor(const TreeGridView& grid, const Refusal& refusal) {
-  if (refusal.said.isEmpty()) return placeOf(grid, refusal.cell) + refusal.reason;
-  return QString::fromUtf8("第 %1 行：%2")
-      .arg(shownRowNumber(grid, refusal.cell))
-      .arg(refusal.said);
+  const QString words = rowWords(grid, refusal.cell);
+  const QString number = rowNumber(grid, refusal.cell, words);
+  const QString row = words.isEmpty() ? number : QString::fromUtf8("%1“%2”").arg(number, words);
+  if (refusal.said.isEmpty()) {
+    return QString::fromUtf8("%1的%2%3")
+        .arg(row, titleOf(grid, refusal.cell.column()), refusal.reason);
+  }
+  const bool named = !words.isEmpty() && refusal.said.contains(words);
+  const QString prefix = named ? number : row;
+  return prefix.isEmpty() ? refusal.said : QString::fromUtf8("%1：%2").arg(prefix, refusal.said);
 }
 
 // Writes the cells as one undo step and answers those that refused. What is said of cells that took

@@ -1,6 +1,7 @@
 #include <QClipboard>
 #include <QMessageBox>
 
+#include "host/bwidgets/table_view.h"
 #include "tests/support/sample_grid.h"
 #include "tests/support/test_main.h"
 
@@ -122,7 +123,7 @@ class TestGridClipboard : public QObject {
     setClipboard("否\n√\nmaybe\n");
     g.key(Qt::Key_V, Qt::ControlModifier);
     QCOMPARE(g.op.lastRole, int(Qt::CheckStateRole));
-    QVERIFY(g.message().contains(QString::fromUtf8("第 4 行（CL1002），甲供")));
+    QVERIFY(g.message().contains(QString::fromUtf8("“CL1002 商品混凝土 C30”的甲供")));
   }
 
   void namesWhatItCouldNotPaste() {
@@ -133,13 +134,20 @@ class TestGridClipboard : public QObject {
     setClipboard("1\t2\t\tn\t5\nx\t\t\tn\n9\n9\n");
     g.key(Qt::Key_V, Qt::ControlModifier);
     QCOMPARE(g.message(), QString::fromUtf8("以下 2 个单元格未粘贴，保持原值：\n"
-                                            "第 14 行（CL1010），合价：不可编辑\n"
-                                            "第 15 行（CL1011），单价：应为数字\n"
+                                            "“CL1010 商品混凝土 C30”的合价：不可编辑\n"
+                                            "“CL1011 中砂”的单价：应为数字\n"
                                             "有 2 行超出表格末尾，未粘贴。\n"
                                             "有 1 列超出表格右侧，未粘贴。"));
     QCOMPARE(g.text("2.2:price"), QString("1.00"));
     QCOMPARE(g.text("2.3:price"), QString("3,839.00"));  // what was there stays
     QCOMPARE(g.text("2.2:note"), QString("n"));
+
+    // Where rows have numbers, these come first.
+    SampleGrid table(3, 0, new bwidgets::TableView);
+    table.setCurrent("1:price");
+    setClipboard("x");
+    table.key(Qt::Key_V, Qt::ControlModifier);
+    QVERIFY(table.message().endsWith(QString::fromUtf8("\n第 2 行“材料”的单价：应为数字")));
   }
 
   void reportsOnceWhatTheModelSaysOfEachCell() {
@@ -147,14 +155,15 @@ class TestGridClipboard : public QObject {
     g.view->expandAll();
     g.view->setTreePosition(1);
     g.op.refuse = true;
-    g.op.complaint = "单价过大。";
+    g.op.complaint = "“CL1000 螺纹钢 HRB400”的单价过大。";
     g.setCurrent("0.0:price");
     setClipboard("1\n2\nx");
     g.key(Qt::Key_V, Qt::ControlModifier);
     QCOMPARE(g.message(), QString::fromUtf8("以下 3 个单元格未粘贴，保持原值：\n"
-                                            "第 2 行：单价过大。\n"
-                                            "第 3 行：单价过大。\n"
-                                            "第 4 行（商品混凝土 C30），单价：应为数字"));
+                                            "“CL1000 螺纹钢 HRB400”的单价过大。\n"
+                                            "“CL1001 普通水泥 P.O 42.5”：“CL1000 螺纹钢 HRB400”"
+                                            "的单价过大。\n"
+                                            "“CL1002 商品混凝土 C30”的单价：应为数字"));
     // Ten cells are named, the rest is counted.
     g.services.channel.clear();
     g.op.complaint.clear();
