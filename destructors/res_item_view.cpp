@@ -27,6 +27,7 @@
 #include "host/app/services.h"
 #include "host/app/spreadsheet.h"
 #include "host/base/number_text.h"
+#include "host/bwidgets/flow_layout.h"
 #include "host/bwidgets/grid_sheet.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/operator.h"
@@ -109,8 +110,7 @@ QAction* DesResItemViewImpl::addCommand(const QString& text, const QString& tool
   return action;
 }
 
-QPushButton* DesResItemViewImpl::addButton(QBoxLayout* toolBar, QAction* action,
-                                           const QString& name) {
+QPushButton* DesResItemViewImpl::addButton(QLayout* toolBar, QAction* action, const QString& name) {
   auto* button = new QPushButton(action->text(), this);
   button->setObjectName(name);
   button->setToolTip(action->toolTip());
@@ -142,17 +142,21 @@ void DesResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
     connect(button, &QToolButton::clicked, this, slot);
     toolBar->insertWidget(place++, button);
   }
-  addButton(toolBar, accountAction_, "ResItem_setCostAccount");
+  // In a narrow window the commands take two rows, and the text filter stays beside the first.
+  toolBar->itemAt(place)->setAlignment(Qt::AlignTop);
+  auto* commands = new bwidgets::FlowLayout;
+  toolBar->addLayout(commands, 1);
+  addButton(commands, accountAction_, "ResItem_setCostAccount");
   localBox_ = new QCheckBox("成本科目设置仅对当前起作用", this);
   localBox_->setStyleSheet("color: rgb(241, 70, 62)");
   localBox_->setToolTip("勾选后，设置成本科目只写入当前行，不写入其他选中的行");
   connect(localBox_, &QCheckBox::stateChanged, this, &DesResItemViewImpl::onStateChanged);
-  toolBar->addWidget(localBox_);
-  addButton(toolBar, linkAction_, "ResItem_setLinkCB");
-  addButton(toolBar, unlinkAction_, "ResItem_setUnLinkCB");
-  addButton(toolBar, setContractAction_, "ResItem_setContract");
-  addButton(toolBar, cancelContractAction_, "ResItem_cancelContract");
-  addButton(toolBar, sourceAction_, "ResItem_findSource");
+  commands->addWidget(localBox_);
+  addButton(commands, linkAction_, "ResItem_setLinkCB");
+  addButton(commands, unlinkAction_, "ResItem_setUnLinkCB");
+  addButton(commands, setContractAction_, "ResItem_setContract");
+  addButton(commands, cancelContractAction_, "ResItem_cancelContract");
+  addButton(commands, sourceAction_, "ResItem_findSource");
 }
 
 QWidget* DesResItemViewImpl::createContent(gui::TreeGridView* grid) {

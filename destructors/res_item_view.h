@@ -107,7 +107,7 @@ class QCE_EXPORT DesResItemViewImpl : public gui::ResItemViewImpl {
  private:
   QAction* addCommand(const QString& text, const QString& toolTip, const QString& keys,
                       void (DesResItemViewImpl::*slot)());
-  QPushButton* addButton(QBoxLayout* toolBar, QAction* action, const QString& name);
+  QPushButton* addButton(QLayout* toolBar, QAction* action, const QString& name);
   QAction* addSwitch(const QString& text, const QString& toolTip, const QString& keys,
                      void (DesResItemViewImpl::*slot)(bool));
   void showConditions(bool show);

@@ -35,6 +35,7 @@ namespace {
 
 constexpr int kWidth = 1440;  // pixels of the pictures
 constexpr int kHeight = 860;
+constexpr QSize kNarrow(1024, 720);  // the least window that everything fits into
 
 void collect(const QAbstractItemModel& model, const QModelIndex& parent, int column,
              QModelIndexList& into) {
@@ -92,6 +93,7 @@ void Tour::walk() {
   step("分包设置", &Tour::subcontracts);
   step("缩放", &Tour::zoom);
   step("重新打开", &Tour::reopen);
+  step("窄窗口", &Tour::narrowWindow);
 }
 
 void Tour::step(const QString& name, void (Tour::*what)()) {
@@ -320,6 +322,22 @@ void Tour::reopen() {
   require(price, "再次打开后单价不是改过的");
   require(annotated, "再次打开后批注不在");
   picture("重新打开");
+}
+
+void Tour::narrowWindow() {
+  window_->resize(kNarrow);
+  const QStringList keys = window_->pages()->pages();
+  for (const QString& key : keys) {
+    goTo(key);
+    picture("窄窗口" + window_->session()->page(key)->title);
+    require(window_->size() == kNarrow, "页面比窗口大：" + key);
+    for (QAbstractButton* button : window_->findChildren<QAbstractButton*>()) {
+      const int needed = button->fontMetrics().horizontalAdvance(button->text().remove('&'));
+      const bool whole =
+          button->width() >= needed && button->visibleRegion().boundingRect() == button->rect();
+      require(!button->isVisible() || whole, "按钮显示不全：" + button->text());
+    }
+  }
 }
 
 }  // namespace cli

@@ -85,6 +85,7 @@ class Tour {
   void subcontracts();
   void zoom();
   void reopen();
+  void narrowWindow();
 
   /// What the page of summaries shows of one of them.
   struct Summary {
