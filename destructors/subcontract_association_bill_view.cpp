@@ -41,7 +41,7 @@ DesSetSubcontractAssociationBillViewImpl::DesSetSubcontractAssociationBillViewIm
   filterEdit_->setObjectName("DesSetSubcontract_filter");
   filterEdit_->setPlaceholderText("按编码、名称、项目特征或拼音首字母过滤");
   filterEdit_->setClearButtonEnabled(true);
-  filterEdit_->setMinimumWidth(240);
+  filterEdit_->setMinimumWidth(160);
   connect(filterEdit_, &QLineEdit::textChanged, this, [this](const QString& text) {
     if (filter_ != nullptr) filter_->setText(text.trimmed().toStdString());
   });

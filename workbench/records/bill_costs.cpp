@@ -1,8 +1,41 @@
 #include "workbench/records/bill_costs.h"
 
+#include <algorithm>
+#include <unordered_set>
+
 namespace records {
 
 using costing::Decimal;
+
+namespace {
+
+/// Tells `hear` of each line that the bill has in an item that counts and that no booking has
+/// touched.
+template <class Hear>
+void forUntouchedLines(const Project& project, const Bill& bill, const Hear& hear) {
+  const RowList& rows = bill.rows();
+  for (int row = 0; row < rows.size(); ++row) {
+    const auto& line = *static_cast<const BudgetItem*>(rows.at(row));
+    ResourceItem* home = line.resourceItem;
+    if (home == nullptr || !home->counts() || project.bookings().sumsOf(*home) != nullptr) continue;
+    Decimal content = line.content.value();
+    bool first = true;
+    for (int other = 0; other < rows.size() && first; ++other) {
+      if (other == row) continue;
+      const auto& same = *static_cast<const BudgetItem*>(rows.at(other));
+      if (same.resourceItem != home) continue;
+      first = other > row;
+      content += same.content.value();
+    }
+    // A resource that a bill names twice is one line of it.
+    if (first) {
+      hear(*home,
+           costing::excludedTaxAmount(bill.quantity.value() * content, home->price().value()));
+    }
+  }
+}
+
+}  // namespace
 
 Decimal incomeOf(const Bill& bill) {
   if (bill.amount) return bill.amount->value();
@@ -46,6 +79,28 @@ std::vector<Decimal> sharesOf(const Subcontract& entry) {
   return shares;
 }
 
+CountedBesides countedBesides(const Project& project, const std::vector<const Bill*>& bills) {
+  CountedBesides found;
+  const auto add = [&found](ResourceItem& item, const Decimal& amount) {
+    if (amount.isZero()) return;
+    found.items.push_back(&item);
+    found.amount += amount;
+  };
+  const std::unordered_set<const Bill*> wanted(bills.begin(), bills.end());
+  if (wanted.empty()) return found;
+  for (const Bill* bill : wanted) forUntouchedLines(project, *bill, add);
+  for (ResourceItem* item : project.bookings().touchedItems()) {
+    if (!item->counts()) continue;
+    for (const BillLine& line : project.linesOf(*item)) {
+      if (wanted.count(line.bill) > 0) add(*item, line.excludedAmount);
+    }
+  }
+  std::sort(found.items.begin(), found.items.end(),
+            [](const ResourceItem* a, const ResourceItem* b) { return a->id() < b->id(); });
+  found.items.erase(std::unique(found.items.begin(), found.items.end()), found.items.end());
+  return found;
+}
+
 BillCosts::BillCosts(const Project& project) : project_(project) {
   for (const ResourceItem* item : project_.bookings().touchedItems()) {
     for (const BillLine& line : project_.linesOf(*item)) booked_[line.bill] += line.excludedAmount;
@@ -69,26 +124,8 @@ Decimal BillCosts::of(const Bill& bill) const {
   const auto found = booked_.find(&bill);
   Decimal cost = subcontracted(bill);
   if (found != booked_.end()) cost += found->second;
-  const RowList& rows = bill.rows();
-  for (int row = 0; row < rows.size(); ++row) {
-    const auto& line = *static_cast<const BudgetItem*>(rows.at(row));
-    const ResourceItem* home = line.resourceItem;
-    if (home == nullptr || !home->counts() || project_.bookings().sumsOf(*home) != nullptr)
-      continue;
-    Decimal content = line.content.value();
-    bool first = true;
-    for (int other = 0; other < rows.size() && first; ++other) {
-      if (other == row) continue;
-      const auto& same = *static_cast<const BudgetItem*>(rows.at(other));
-      if (same.resourceItem != home) continue;
-      first = other > row;
-      content += same.content.value();
-    }
-    // A resource that a bill names twice is one line of it.
-    if (first) {
-      cost += costing::excludedTaxAmount(bill.quantity.value() * content, home->price().value());
-    }
-  }
+  forUntouchedLines(project_, bill,
+                    [&cost](const ResourceItem&, const Decimal& amount) { cost += amount; });
   return cost;
 }
 

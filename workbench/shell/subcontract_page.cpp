@@ -2,7 +2,11 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFrame>
+#include <QHBoxLayout>
 #include <QPointer>
+#include <QPushButton>
+#include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -22,6 +26,8 @@
 #include "host/gui/tree_grid_view.h"
 #include "workbench/controllers/open_project.h"
 #include "workbench/controllers/subcontract_controller.h"
+#include "workbench/records/bill_costs.h"
+#include "workbench/records/labels.h"
 #include "workbench/shell/des_res_item_page.h"
 #include "workbench/shell/elided_label.h"
 
@@ -39,6 +45,66 @@ void announceAll(QAbstractItemModel& model, const QModelIndex& parent = {}) {
   for (int row = 0; row < rows; ++row) announceAll(model, model.index(row, 0, parent));
 }
 
+constexpr int kDelay = 80;  // ms that changes are gathered before the hint is worked out
+
+QString money(const costing::Decimal& value) {
+  return QString::fromStdString(base::ToThousandthsString(value.toDouble(), 2));
+}
+
+std::vector<const records::Bill*> billsOf(const records::Subcontract& entry) {
+  std::vector<const records::Bill*> bills;
+  for (int row = 0; row < entry.childCount(); ++row) bills.push_back(&entry.billAt(row).bill);
+  return bills;
+}
+
+/// A strip below the page that says what of the bills that are given away counts in the cost a
+/// second time, and leads there. There is no strip where nothing does.
+class HintBar : public QFrame {
+ public:
+  HintBar() : text_(new ElidedLabel), button_(new QPushButton(QStringLiteral("到人材机归集处理"))) {
+    setObjectName(QStringLiteral("subcontractHint"));
+    setStyleSheet(QStringLiteral(
+        "QFrame#subcontractHint { background: #fff3cd; border-top: 1px solid #e5c365; } "
+        "QFrame#subcontractHint QLabel { color: #7a4b00; background: transparent; }"));
+    button_->setToolTip(
+        QStringLiteral("选中这些人材机。在那里用“设置归集”把它们归入分包，或“取消关联到成本”；\n"
+                       "还用于其他清单的，归集后整项都不再计入成本"));
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(6, 3, 6, 3);
+    layout->addWidget(text_, 1);
+    layout->addWidget(button_);
+    hide();
+  }
+  QPushButton* button() const { return button_; }
+  /// `name`: of the current entry, which `current` is about.
+  void tell(const QString& name, const records::CountedBesides& current,
+            const records::CountedBesides& all) {
+    setVisible(!all.items.empty());
+    const bool own = !current.items.empty();
+    QString text = QStringLiteral("%1的清单所用人材机有 %2 项仍计入成本，共 %3 元，与分包重复计算")
+                       .arg(own ? name : QStringLiteral("分包"))
+                       .arg((own ? current : all).items.size())
+                       .arg(money((own ? current : all).amount));
+    if (own && all.items.size() != current.items.size()) {
+      text +=
+          QStringLiteral("；全部分包 %1 项，%2 元").arg(all.items.size()).arg(money(all.amount));
+    }
+    text_->setText(text);
+    items_.clear();
+    for (records::ResourceItem* item : (own ? current : all).items) items_.emplace_back(item);
+  }
+  std::vector<records::ResourceItem*> items() const {
+    std::vector<records::ResourceItem*> items;
+    for (const auto& item : items_) items.push_back(item.get());
+    return items;
+  }
+
+ private:
+  ElidedLabel* text_;
+  QPushButton* button_;
+  std::vector<scoped_refptr<records::ResourceItem>> items_;  // one may go before the next look
+};
+
 /// What stands behind the page, bound to the project as long as it lives.
 struct Subcontracts {
   explicit Subcontracts(records::Project& ofProject)
@@ -54,6 +120,9 @@ struct Subcontracts {
     billModel.setDisplayTable(billTable.get());
     billModel.setOperator(&bills);
     controller.setModels(&entryModel, &collectModel);
+    hintTimer.setSingleShot(true);
+    hintTimer.setInterval(kDelay);
+    QObject::connect(&hintTimer, &QTimer::timeout, &hintTimer, [this] { showHint(); });
   }
 
   /// Shows figures that may be other ones. A page that is hidden asks for its bills anew anyway.
@@ -64,15 +133,28 @@ struct Subcontracts {
     view->refreshBills();
     showTotals();
   }
-  void showTotals() const {
+  void showTotals() {
     if (totals.isNull()) return;
     const costing::Totals sums = project.subcontractTotals();
-    const auto money = [](const costing::Decimal& value) {
-      return QString::fromStdString(base::ToThousandthsString(value.toDouble(), 2));
-    };
     totals->setText(QStringLiteral("共 %1 条分包，合价 %2 元（不含税），%3 元（含税）")
                         .arg(project.subcontracts().size())
                         .arg(money(sums.excluded), money(sums.included)));
+    hintTimer.start();
+  }
+  void showHint() {
+    if (hint.isNull() || view.isNull() || !view->isVisible()) return;
+    std::vector<const records::Bill*> all;
+    for (int row = 0; row < project.subcontracts().size(); ++row) {
+      const auto given =
+          billsOf(*static_cast<records::Subcontract*>(project.subcontracts().rows().at(row)));
+      all.insert(all.end(), given.begin(), given.end());
+    }
+    const records::Subcontract* entry =
+        operators::SubcontractOperator::entryOf(view->tableView()->table()->currentElement());
+    if (entry == nullptr) return hint->tell({}, {}, records::countedBesides(project, all));
+    hint->tell(QString::fromStdString(records::label(*entry)),
+               records::countedBesides(project, billsOf(*entry)),
+               records::countedBesides(project, all));
   }
 
   records::Project& project;
@@ -89,6 +171,8 @@ struct Subcontracts {
   DesSetSubcontractAssociationBillFilterModelImpl billFilter{&billModel};
   QPointer<DesSetSubcontractViewImpl> view;
   QPointer<ElidedLabel> totals;
+  QPointer<HintBar> hint;
+  QTimer hintTimer;
 };
 
 /// The page's tool bar brings its sums up to date when it is shown.
@@ -131,6 +215,10 @@ Page makeSubcontractPage(Session& session) {
   layout->setSpacing(0);
   layout->addWidget(bar);
   layout->addWidget(view, 1);
+  behind->hint = new HintBar;
+  layout->addWidget(behind->hint);
+  QObject::connect(behind->hint->button(), &QPushButton::clicked, frame,
+                   [&session, hint = behind->hint] { followItems(session, hint->items()); });
 
   bwidgets::TreeGridView* entries = view->tableView()->table();
   bwidgets::TreeGridView* tree = view->collectView()->tree();
@@ -150,6 +238,8 @@ Page makeSubcontractPage(Session& session) {
                        return;
                      followItems(session, session.project().project().collectedItems(*entry));
                    });
+  QObject::connect(entries, &bwidgets::TreeGridView::currentElementChanged, frame,
+                   [all = behind.get()] { all->hintTimer.start(); });
   Page page;
   page.key = QStringLiteral("subcontracts");
   page.title = QStringLiteral("分包设置");

@@ -1,5 +1,7 @@
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTabBar>
 #include <QUndoStack>
 #include <QtTest>
@@ -20,6 +22,7 @@
 #include "workbench/controllers/des_res_item_controller.h"
 #include "workbench/controllers/open_project.h"
 #include "workbench/exchange/sample_generator.h"
+#include "workbench/records/bill_costs.h"
 #include "workbench/services/install.h"
 #include "workbench/shell/application.h"
 #include "workbench/shell/main_window.h"
@@ -159,6 +162,62 @@ class TestDesResItemPage : public QObject {
     QVERIFY(message().contains("无需关联"));
     while (window_->session()->undoStack().canUndo()) window_->session()->undoStack().undo();
     QVERIFY(project().dump() == before);
+  }
+
+  // What is given to a subcontract and still costs its own money is said until it is collected.
+  void leadsFromASubcontractToWhatCountsTwice() {
+    QVERIFY(window_->pages()->setCurrentPage("subcontracts"));
+    auto* hint = window_->findChild<QWidget*>("subcontractHint");
+    QVERIFY(!hint->isVisible());
+    std::vector<records::Bill*> bills;
+    for (const ResourceItem* item : itemsOf(records::Category::Labour)) {
+      for (const records::BillLine& line : project().linesOf(*item)) {
+        if (bills.size() < 3 && (bills.empty() || bills.back() != line.bill)) {
+          bills.push_back(line.bill);
+        }
+      }
+    }
+    records::SubcontractData data;
+    data.name = project().texts.intern("劳务");
+    data.metering = records::MeteringMethod::LumpSum;
+    data.price = 1000;
+    records::Subcontract* entry = nullptr;
+    {
+      const app::ScopedUndo undo("");
+      entry = &project().addSubcontract(data);
+      project().assign(*entry, bills);
+    }
+    const auto twice = [&] {
+      const records::BillCosts costs(project());
+      Decimal sum;
+      for (const records::Bill* bill : bills) sum += costs.of(*bill) - costs.subcontracted(*bill);
+      return QString::fromStdString(base::ToThousandthsString(sum.toDouble(), 2)) + " 元";
+    };
+    const auto says = [hint](const QString& what) {
+      return hint->isVisible() && hint->findChild<QLabel*>()->text().contains(what);
+    };
+    QTRY_VERIFY(says(twice()));
+    ResourceItem& first = *project().bookings().itemsOf(*bills[0]).front();
+    const QString before = twice();
+    {
+      const app::ScopedUndo undo("");
+      project().set(first, records::ItemField::Price, costing::PackedDecimal(Decimal(777)));
+      project().associate(first, *bills[1], false);  // booked items count as well
+    }
+    QVERIFY(twice() != before);
+    QTRY_VERIFY(says(twice()));
+
+    QTest::mouseClick(hint->findChild<QPushButton*>(), Qt::LeftButton);
+    QCOMPARE(window_->pages()->currentPage(), QString("design-resources"));
+    const Rows selected = view_->selectedItems();
+    QVERIFY(selected.size() > 1);
+    QVERIFY(controller_->setCollection(selected, {entry, nullptr, "", ""}));
+    QVERIFY(window_->pages()->setCurrentPage("subcontracts"));
+    QTRY_VERIFY(!hint->isVisible());
+    window_->session()->undoStack().undo();
+    QTRY_VERIFY(says(twice()) && says(QString(" %1 项").arg(selected.size())));
+    window_->session()->undoStack().redo();
+    QTRY_VERIFY(!hint->isVisible());
   }
 
   void summaryAddsUpEqualResources() {
