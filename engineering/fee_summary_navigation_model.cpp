@@ -54,19 +54,6 @@ class QCEFeeSummaryNavigationModelImpl::Names : public domain::Operator {
     domain::AssignText(out, static_cast<const Entry*>(element)->name);
     return true;
   }
-  bool setValue(proxy::Element* /*element*/, const std::string& /*key*/,
-                const domain::Value& /*value*/, int /*role*/) override {
-    return false;
-  }
-  bool isEnabled(const proxy::Element* element, const std::string& /*key*/) const override {
-    return element != nullptr;
-  }
-  bool isEditable(const proxy::Element* /*element*/, const std::string& /*key*/) const override {
-    return false;
-  }
-  bool isCheckable(const proxy::Element* /*element*/, const std::string& /*key*/) const override {
-    return false;
-  }
 
  private:
   Root& root_;

@@ -75,17 +75,8 @@ bool LinesOperator::setValue(proxy::Element* element, const std::string& key,
   return true;
 }
 
-bool LinesOperator::isEnabled(const proxy::Element* /*element*/, const std::string& /*key*/) const {
-  return true;
-}
-
 bool LinesOperator::isEditable(const proxy::Element* /*element*/, const std::string& key) const {
   return key == "name" || key == "quantity" || key == "price";
-}
-
-bool LinesOperator::isCheckable(const proxy::Element* /*element*/,
-                                const std::string& /*key*/) const {
-  return false;
 }
 
 void addColumns(domain::DisplayTable& table) {

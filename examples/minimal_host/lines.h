@@ -58,9 +58,7 @@ class LinesOperator : public domain::Operator {
                 domain::Value& out) const override;
   bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
                 int role) override;
-  bool isEnabled(const proxy::Element* element, const std::string& key) const override;
   bool isEditable(const proxy::Element* element, const std::string& key) const override;
-  bool isCheckable(const proxy::Element* element, const std::string& key) const override;
 
  private:
   template <class Field>

@@ -11,6 +11,9 @@ namespace domain {
 
 /// What a host supplies for one model: its rows, and the reading and writing of one field of one
 /// element. Owned by the host, which keeps it alive as long as a model refers to it.
+///
+/// A host that overrides no more than it has to gets a table that is read only: every cell enabled,
+/// none editable or checkable, every write refused.
 class QCE_CONTRACT_EXPORT Operator {
  public:
   Operator() = default;
@@ -34,11 +37,11 @@ class QCE_CONTRACT_EXPORT Operator {
 
   /// Writes the field; std::monostate clears it. False refuses the write and changes nothing.
   virtual bool setValue(proxy::Element* element, const std::string& key, const Value& value,
-                        int role) = 0;
+                        int role);
 
-  virtual bool isEnabled(const proxy::Element* element, const std::string& key) const = 0;
-  virtual bool isEditable(const proxy::Element* element, const std::string& key) const = 0;
-  virtual bool isCheckable(const proxy::Element* element, const std::string& key) const = 0;
+  virtual bool isEnabled(const proxy::Element* element, const std::string& key) const;
+  virtual bool isEditable(const proxy::Element* element, const std::string& key) const;
+  virtual bool isCheckable(const proxy::Element* element, const std::string& key) const;
 };
 
 /// Puts a text into `out`, reusing the room of a text that is already there.

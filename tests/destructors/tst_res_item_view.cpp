@@ -35,7 +35,7 @@ using gui::qce::destructors::DesResItemViewImpl;
 namespace {
 
 // Items below grouping rows; an item is a row that has a unit.
-class FakeOperator : public domain::qce::destructors::DesResItemOperator {
+class FakeOperator : public tests::NodeHost<domain::qce::destructors::DesResItemOperator> {
  public:
   FakeOperator() {
     domain::DisplayRow& header = *table.getHeader();
@@ -59,19 +59,6 @@ class FakeOperator : public domain::qce::destructors::DesResItemOperator {
         ->set(keys::BRIExcludedTaxTotalCost, amount);
   }
 
-  proxy::ElementGroup* getRoot() override { return &tree; }
-  bool getValue(const proxy::Element* element, const std::string& key, int role,
-                domain::Value& out) const override {
-    const auto* found = static_cast<const tests::Node*>(element)->find(key, role);
-    if (found != nullptr) out = *found;
-    return found != nullptr;
-  }
-  bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override {
-    return false;
-  }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
-  bool isEditable(const proxy::Element*, const std::string&) const override { return false; }
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
   int getItemWaitForCollectNum() const override { return 7; }
   bool isItem(const proxy::Element* element) const override {
     return static_cast<const tests::Node*>(element)->find(keys::BRIUnit, domain::EditRole) !=
@@ -81,8 +68,6 @@ class FakeOperator : public domain::qce::destructors::DesResItemOperator {
   void setGrouped(bool on) override { grouped = on; }
   void rebuildGroup() override {}
 
-  domain::DisplayTable table;
-  tests::Tree tree;
   bool grouped = true;
 };
 

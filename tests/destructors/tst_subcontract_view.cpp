@@ -36,27 +36,15 @@ using tests::Node;
 namespace {
 
 /// The bills with "yes" under "on" are associated.
-class BillOperator : public domain::qce::destructors::DesSetSubcontractBillOperator {
+class BillOperator
+    : public tests::NodeHost<domain::qce::destructors::DesSetSubcontractBillOperator> {
  public:
-  proxy::ElementGroup* getRoot() override { return &rows.tree; }
-  bool getValue(const proxy::Element* element, const std::string& key, int role,
-                domain::Value& out) const override {
-    return rows.getValue(element, key, role, out);
-  }
-  bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override {
-    return false;
-  }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
-  bool isEditable(const proxy::Element*, const std::string&) const override { return false; }
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
   bool isAssociated(const proxy::Element* bill) const override {
     return static_cast<const Node*>(bill)->find("on", domain::DisplayRole) != nullptr;
   }
   bool isExcluded(const proxy::Element* bill, const std::string& text) const override {
     return static_cast<const Node*>(bill)->name().find(text) == std::string::npos;
   }
-
-  tests::NodeOperator rows;
 };
 
 /// Keeps what it is told: "command: names".
@@ -118,11 +106,11 @@ struct Page {
       for (const char* bill : {"甲", "乙"}) entry->add(name + std::string(bill));
     }
     for (const char* name : {"A", "B", "C"})
-      bills.rows.tree.add(name)->set(keys::SEName, std::string(name));
-    bills.rows.tree.node(0)
+      bills.tree.add(name)->set(keys::SEName, std::string(name));
+    bills.tree.node(0)
         ->set("on", true)
         ->set(keys::SEName, domain::BackgroundRole, base::Color{1, 2, 3});
-    bills.rows.tree.node(1)->set("on", true);
+    bills.tree.node(1)->set("on", true);
     domain::DisplayRow& header = *table.getHeader();
     for (const std::string& key : {keys::BRICode, keys::BRIName, keys::BRIMeteringMethod}) {
       header.addColumn(key, tests::field(domain::StringField, {}, false, key.c_str()));
@@ -253,7 +241,7 @@ class SubcontractViewTest : public QObject {
     view->associatedOnlyBox()->setChecked(false);
 
     bwidgets::TableView* table = view->table();
-    tests::Tree& bills = p_->bills.rows.tree;
+    tests::Tree& bills = p_->bills.tree;
     const auto press = [table] { QTest::keyClick(table, Qt::Key_Space); };
     Page::chooseRows(table, {bills.node(0), bills.node(1)});
     press();

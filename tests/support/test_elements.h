@@ -88,9 +88,6 @@ class NodeHost : public Base {
     static_cast<Node*>(element)->set(key, value);
     return true;
   }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
-  bool isEditable(const proxy::Element*, const std::string&) const override { return false; }
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
 
   Tree tree;
   domain::DisplayTable table;

@@ -109,26 +109,6 @@ bool AssociationSectionOperator::getValue(const proxy::Element* element, const s
          sectionValue(*section, key, role, out);
 }
 
-bool AssociationSectionOperator::setValue(proxy::Element* /*element*/, const std::string& /*key*/,
-                                          const Value& /*value*/, int /*role*/) {
-  return false;
-}
-
-bool AssociationSectionOperator::isEnabled(const proxy::Element* element,
-                                           const std::string& /*key*/) const {
-  return element != nullptr;
-}
-
-bool AssociationSectionOperator::isEditable(const proxy::Element* /*element*/,
-                                            const std::string& /*key*/) const {
-  return false;
-}
-
-bool AssociationSectionOperator::isCheckable(const proxy::Element* /*element*/,
-                                             const std::string& /*key*/) const {
-  return false;
-}
-
 void AssociationSectionOperator::setSubProject(proxy::Element* subProject) {
   subProject_ = dynamic_cast<records::StructureNode*>(subProject);
   reload();
@@ -247,21 +227,6 @@ bool AssociationBillOperator::getValue(const proxy::Element* element, const std:
                                 " 项已关联此清单；勾选后全部关联，不勾选则保持不变");
     return true;
   }
-  return false;
-}
-
-bool AssociationBillOperator::setValue(proxy::Element* /*element*/, const std::string& /*key*/,
-                                       const Value& /*value*/, int /*role*/) {
-  return false;
-}
-
-bool AssociationBillOperator::isEnabled(const proxy::Element* element,
-                                        const std::string& /*key*/) const {
-  return element != nullptr;
-}
-
-bool AssociationBillOperator::isEditable(const proxy::Element* /*element*/,
-                                         const std::string& /*key*/) const {
   return false;
 }
 

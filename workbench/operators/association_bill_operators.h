@@ -28,11 +28,6 @@ class AssociationSectionOperator : public domain::qce::QCEAssociationBillLeftOpe
   proxy::ElementGroup* getRoot() override;
   bool getValue(const proxy::Element* element, const std::string& key, int role,
                 domain::Value& out) const override;
-  bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
-                int role) override;
-  bool isEnabled(const proxy::Element* element, const std::string& key) const override;
-  bool isEditable(const proxy::Element* element, const std::string& key) const override;
-  bool isCheckable(const proxy::Element* element, const std::string& key) const override;
 
   /// A node of the structure.
   void setSubProject(proxy::Element* subProject) override;
@@ -56,11 +51,6 @@ class AssociationBillOperator : public domain::qce::QCEAssociationBillRightOpera
                 domain::Value& out) const override;
   const std::string* peekText(const proxy::Element* element, const std::string& key,
                               int role) const override;
-  /// Nothing is written through a cell.
-  bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
-                int role) override;
-  bool isEnabled(const proxy::Element* element, const std::string& key) const override;
-  bool isEditable(const proxy::Element* element, const std::string& key) const override;
   bool isCheckable(const proxy::Element* element, const std::string& key) const override;
 
   /// Elements that are no cost resource item are left out.

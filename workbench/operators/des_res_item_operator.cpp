@@ -247,10 +247,6 @@ bool DesResItemOperator::setValue(proxy::Element* row, const std::string& key, c
   return item != nullptr && items_.setValue(item, key, value, role);
 }
 
-bool DesResItemOperator::isEnabled(const proxy::Element* row, const std::string& /*key*/) const {
-  return row != nullptr;
-}
-
 bool DesResItemOperator::isEditable(const proxy::Element* row, const std::string& key) const {
   const ResourceItem* item = itemOf(row);
   return item != nullptr && items_.isEditable(item, key);

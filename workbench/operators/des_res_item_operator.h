@@ -39,9 +39,7 @@ class DesResItemOperator : public domain::qce::destructors::DesResItemOperator {
                               int role) const override;
   bool setValue(proxy::Element* row, const std::string& key, const domain::Value& value,
                 int role) override;
-  bool isEnabled(const proxy::Element* row, const std::string& key) const override;
   bool isEditable(const proxy::Element* row, const std::string& key) const override;
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
 
   int getItemWaitForCollectNum() const override;
   bool isItem(const proxy::Element* row) const override { return itemOf(row) != nullptr; }

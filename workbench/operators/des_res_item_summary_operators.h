@@ -38,12 +38,6 @@ class DesResItemGuideOperator : public domain::qce::destructors::DesResItemGuide
   proxy::ElementGroup* getRoot() override { return root_.get(); }
   bool getValue(const proxy::Element* entry, const std::string& key, int role,
                 domain::Value& out) const override;
-  bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override {
-    return false;
-  }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
-  bool isEditable(const proxy::Element*, const std::string&) const override { return false; }
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
   void rebuild() override;
 
  private:
@@ -66,12 +60,6 @@ class DesResItemSummaryOperator : public domain::qce::destructors::DesResItemSum
   proxy::ElementGroup* getRoot() override { return root_.get(); }
   bool getValue(const proxy::Element* row, const std::string& key, int role,
                 domain::Value& out) const override;
-  bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override {
-    return false;
-  }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
-  bool isEditable(const proxy::Element*, const std::string&) const override { return false; }
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
   void setGuideEntry(proxy::Element* entry) override;
   void rebuild() override;
   std::string getEmptyReason() const override;

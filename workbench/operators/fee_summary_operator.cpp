@@ -190,26 +190,6 @@ bool FeeSummaryOperator::getValue(const proxy::Element* element, const std::stri
   }
 }
 
-bool FeeSummaryOperator::setValue(proxy::Element* /*element*/, const std::string& /*key*/,
-                                  const domain::Value& /*value*/, int /*role*/) {
-  return false;
-}
-
-bool FeeSummaryOperator::isEnabled(const proxy::Element* element,
-                                   const std::string& /*key*/) const {
-  return rowOf(element) != nullptr;
-}
-
-bool FeeSummaryOperator::isEditable(const proxy::Element* /*element*/,
-                                    const std::string& /*key*/) const {
-  return false;
-}
-
-bool FeeSummaryOperator::isCheckable(const proxy::Element* /*element*/,
-                                     const std::string& /*key*/) const {
-  return false;
-}
-
 std::string explain(const SummaryLine& line) {
   const auto text = [&line](const std::string& what) { return line.name + "\n" + what; };
   switch (line.kind) {

@@ -54,11 +54,6 @@ class FeeSummaryOperator : public domain::Operator {
   proxy::ElementGroup* getRoot() override { return root_.get(); }
   bool getValue(const proxy::Element* element, const std::string& key, int role,
                 domain::Value& out) const override;
-  bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
-                int role) override;
-  bool isEnabled(const proxy::Element* element, const std::string& key) const override;
-  bool isEditable(const proxy::Element* element, const std::string& key) const override;
-  bool isCheckable(const proxy::Element* element, const std::string& key) const override;
 
  private:
   scoped_refptr<records::Group> root_;

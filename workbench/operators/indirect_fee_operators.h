@@ -24,12 +24,6 @@ class IndirectFeeLeftOperator : public domain::Operator {
   proxy::ElementGroup* getRoot() override { return root_.get(); }
   bool getValue(const proxy::Element* element, const std::string& key, int role,
                 domain::Value& out) const override;
-  bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override {
-    return false;
-  }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
-  bool isEditable(const proxy::Element*, const std::string&) const override { return false; }
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
 
  private:
   records::Project& project_;
@@ -56,9 +50,7 @@ class IndirectFeeRightOperator : public domain::qce::QCEIndirectFeeRightOperator
                 domain::Value& out) const override;
   bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
                 int role) override;
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
   bool isEditable(const proxy::Element* element, const std::string& key) const override;
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
   void setParentElement(proxy::Element* group) override;
 
  private:

@@ -277,11 +277,6 @@ bool NotionalPoolingOperator::getValue(const proxy::Element* element, const std:
   }
 }
 
-bool NotionalPoolingOperator::setValue(proxy::Element* /*element*/, const std::string& /*key*/,
-                                       const Value& /*value*/, int /*role*/) {
-  return false;
-}
-
 bool NotionalPoolingOperator::isEnabled(const proxy::Element* element,
                                         const std::string& key) const {
   return element != nullptr && columnOf(key) >= 0;

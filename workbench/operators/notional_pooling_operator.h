@@ -34,9 +34,6 @@ class NotionalPoolingOperator : public domain::qce::QCENotionalPoolingOperator {
                 domain::Value& out) const override;
   const std::string* peekText(const proxy::Element* element, const std::string& key,
                               int role) const override;
-  /// Nothing is written through a cell.
-  bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
-                int role) override;
   bool isEnabled(const proxy::Element* element, const std::string& key) const override;
   bool isEditable(const proxy::Element* element, const std::string& key) const override;
   bool isCheckable(const proxy::Element* element, const std::string& key) const override;

@@ -424,11 +424,6 @@ bool ResItemBillOperator::isEditable(const proxy::Element* element, const std::s
   }
 }
 
-bool ResItemBillOperator::isCheckable(const proxy::Element* /*element*/,
-                                      const std::string& /*key*/) const {
-  return false;
-}
-
 bool ResItemBillOperator::setValue(proxy::Element* element, const std::string& key,
                                    const Value& value, int role) {
   const std::optional<std::string> text = textOf(value);

@@ -43,7 +43,6 @@ class ResItemBillOperator : public domain::qce::QCEResItemBillOperator {
                 int role) override;
   bool isEnabled(const proxy::Element* element, const std::string& key) const override;
   bool isEditable(const proxy::Element* element, const std::string& key) const override;
-  bool isCheckable(const proxy::Element* element, const std::string& key) const override;
 
   void setBaseResItem(proxy::Element* item) override;
   void setSubProject(proxy::Element* subProject) override;

@@ -356,11 +356,6 @@ bool SubEngineeringOperator::isEditable(const proxy::Element* element,
          columns()[static_cast<std::size_t>(column)].editable;
 }
 
-bool SubEngineeringOperator::isCheckable(const proxy::Element* /*element*/,
-                                         const std::string& /*key*/) const {
-  return false;
-}
-
 bool SubEngineeringOperator::isResourceRow(const proxy::Element* element) const {
   return as<BudgetItem>(element) != nullptr;
 }

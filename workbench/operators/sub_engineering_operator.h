@@ -36,7 +36,6 @@ class SubEngineeringOperator : public domain::SubEngineeringOperator {
                 int role) override;
   bool isEnabled(const proxy::Element* element, const std::string& key) const override;
   bool isEditable(const proxy::Element* element, const std::string& key) const override;
-  bool isCheckable(const proxy::Element* element, const std::string& key) const override;
 
   bool isResourceRow(const proxy::Element* element) const override;
   void getBills(proxy::Element* element, std::vector<proxy::Element*>& out) const override;

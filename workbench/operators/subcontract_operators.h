@@ -43,9 +43,7 @@ class SubcontractOperator : public domain::Operator {
                 domain::Value& out) const override;
   bool setValue(proxy::Element* element, const std::string& key, const domain::Value& value,
                 int role) override;
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
   bool isEditable(const proxy::Element* element, const std::string& key) const override;
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
 
  private:
   bool display(const records::Subcontract& entry, int column, domain::Value& out) const;
@@ -69,12 +67,6 @@ class SubcontractCollectOperator : public domain::Operator {
   proxy::ElementGroup* getRoot() override { return &project_.subcontracts(); }
   bool getValue(const proxy::Element* element, const std::string& key, int role,
                 domain::Value& out) const override;
-  bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override {
-    return false;
-  }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
-  bool isEditable(const proxy::Element*, const std::string&) const override { return false; }
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
 
  private:
   costing::Decimal shareOf(const records::Subcontract& entry, int row) const;
@@ -99,12 +91,6 @@ class SubcontractBillOperator : public domain::qce::destructors::DesSetSubcontra
                 domain::Value& out) const override;
   const std::string* peekText(const proxy::Element* element, const std::string& key,
                               int role) const override;
-  bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override {
-    return false;
-  }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
-  bool isEditable(const proxy::Element*, const std::string&) const override { return false; }
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
   bool isAssociated(const proxy::Element* bill) const override;
   /// A part of the code, the name or the features, whatever the case, or of their pinyin initials.
   bool isExcluded(const proxy::Element* bill, const std::string& text) const override;
@@ -131,12 +117,6 @@ class SubcontractBaseOperator : public domain::Operator {
   proxy::ElementGroup* getRoot() override { return root_.get(); }
   bool getValue(const proxy::Element* element, const std::string& key, int role,
                 domain::Value& out) const override;
-  bool setValue(proxy::Element*, const std::string&, const domain::Value&, int) override {
-    return false;
-  }
-  bool isEnabled(const proxy::Element*, const std::string&) const override { return true; }
-  bool isEditable(const proxy::Element*, const std::string&) const override { return false; }
-  bool isCheckable(const proxy::Element*, const std::string&) const override { return false; }
 
  private:
   scoped_refptr<records::Group> root_;
