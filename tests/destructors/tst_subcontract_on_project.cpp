@@ -21,7 +21,7 @@
 #include "tests/support/test_main.h"
 #include "tests/support/tester_proxy.h"
 #include "tests/workbench/project_fixture.h"
-#include "workbench/services/subcontract_base.h"
+#include "workbench/services/templates.h"
 #include "workbench/shell/session.h"
 #include "workbench/shell/subcontract_page.h"
 

@@ -12,7 +12,7 @@
 #include "host/app/services.h"
 #include "host/base/number_text.h"
 #include "workbench/records/labels.h"
-#include "workbench/services/subcontract_base.h"
+#include "workbench/services/templates.h"
 
 namespace controllers {
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,13 +11,6 @@
 namespace records {
 
 struct Facts;
-
-/// A fee template that cannot be used; what() is Chinese and names the line or the key, and the
-/// cure.
-class FeeTemplateError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 /// How the fees of a bid are set out (投标费用): a tree of lines, the leaves of which take the
 /// project's money from its sources, and the tax rates. docs/costing.md describes the file.
@@ -40,7 +32,7 @@ struct FeeTemplate {
   bool rateOfTemplate = false;
 
   /// Reads the JSON text (UTF-8) of a template file.
-  /// @throws FeeTemplateError also when a source has more than one line, or none (subcontracts can
+  /// @throws TemplateError also when a source has more than one line, or none (subcontracts can
   /// do without)
   static FeeTemplate parse(std::string_view json);
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QString>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,21 +21,8 @@ struct SubcontractBaseEntry {
   costing::Decimal taxRate;  ///< per cent
 };
 
-/// A base list that cannot be used; what() is Chinese and names the place, the fault and the cure.
-class SubcontractBaseError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
 /// Reads the JSON text (UTF-8) of a base list. docs/costing.md describes the file.
-/// @throws SubcontractBaseError
+/// @throws records::TemplateError
 std::vector<SubcontractBaseEntry> parseSubcontractBase(std::string_view json);
-
-/// The base list: "分包基础库/分包基础库.json" in the template directory
-/// (app::PathMgr::getTemplatePath), or the built-in one where there is no such file. A file that
-/// cannot be used is left as it is: `problem` then says why (Chinese, with the path), and the
-/// built-in one is the answer.
-std::vector<SubcontractBaseEntry> loadSubcontractBase(const QString& templateDirectory,
-                                                      QString* problem = nullptr);
 
 }  // namespace services

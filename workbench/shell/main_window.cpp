@@ -16,7 +16,7 @@
 #include <QUndoStack>
 
 #include "workbench/controllers/open_project.h"
-#include "workbench/services/fee_template.h"
+#include "workbench/services/templates.h"
 #include "workbench/shell/application.h"
 #include "workbench/shell/elided_label.h"
 #include "workbench/shell/new_project.h"

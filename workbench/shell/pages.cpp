@@ -20,7 +20,7 @@
 #include "resitem/view.h"
 #include "workbench/controllers/open_project.h"
 #include "workbench/records/summary.h"
-#include "workbench/services/fee_template.h"
+#include "workbench/services/templates.h"
 #include "workbench/shell/des_res_item_page.h"
 #include "workbench/shell/indirect_fee_page.h"
 #include "workbench/shell/project_info.h"

@@ -15,7 +15,7 @@
 #include "host/app/services.h"
 #include "host/base/number_text.h"
 #include "workbench/controllers/open_project.h"
-#include "workbench/services/fee_template.h"
+#include "workbench/services/templates.h"
 #include "workbench/shell/tax_settings.h"
 
 namespace shell {

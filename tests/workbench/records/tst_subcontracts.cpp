@@ -4,7 +4,7 @@
 #include "workbench/records/bill_costs.h"
 #include "workbench/records/project_builder.h"
 #include "workbench/records/summary.h"
-#include "workbench/services/fee_template.h"
+#include "workbench/services/templates.h"
 
 using costing::Decimal;
 using records::Bill;

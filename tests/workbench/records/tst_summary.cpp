@@ -7,7 +7,7 @@
 #include "tests/workbench/project_fixture.h"
 #include "workbench/records/project_builder.h"
 #include "workbench/records/summary.h"
-#include "workbench/services/fee_template.h"
+#include "workbench/services/templates.h"
 
 using costing::Decimal;
 using records::Bill;

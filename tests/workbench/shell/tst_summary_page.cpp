@@ -9,7 +9,7 @@
 #include "host/gui/tree_grid_view.h"
 #include "tests/support/files.h"
 #include "tests/workbench/window_fixture.h"
-#include "workbench/services/fee_template.h"
+#include "workbench/services/templates.h"
 #include "workbench/shell/summary_plot.h"
 #include "workbench/shell/summary_view.h"
 

@@ -5,7 +5,7 @@
 
 #include "tests/workbench/project_fixture.h"
 #include "workbench/records/summary.h"
-#include "workbench/services/fee_template.h"
+#include "workbench/services/templates.h"
 #include "workbench/shell/session.h"
 #include "workbench/shell/tax_settings.h"
 #include "workbench/store/check.h"
