@@ -72,23 +72,19 @@ bool sectionValue(const SectionRow& section, const std::string& key, int role, V
 }  // namespace
 
 std::unique_ptr<domain::DisplayTable> makeAssociationSectionTable() {
-  auto table = std::make_unique<domain::DisplayTable>("QCE_AssociationBillLeft");
-  table->getHeader()
-      ->addColumn(keys::SEName, makeField("单位工程 / 分部", domain::StringField))
-      .width = 220;
-  return table;
+  return makeTable("QCE_AssociationBillLeft",
+                   {{keys::SEName, "单位工程 / 分部", domain::StringField, 220}});
 }
 
 std::unique_ptr<domain::DisplayTable> makeAssociationBillTable() {
-  auto table = std::make_unique<domain::DisplayTable>("QCE_AssociationBillRight");
-  domain::DisplayRow& header = *table->getHeader();
-  header.addColumn(keys::SECode, makeField("项目编码", domain::StringField)).width = 185;
-  header.addColumn(keys::SEName, makeField("项目名称", domain::StringField)).width = 190;
-  header.addColumn(keys::BRIAssociation, makeField("已关联", domain::StringField)).width = 60;
-  header.addColumn(keys::SEUnit, makeField("单位", domain::StringField)).width = 55;
-  header.addColumn(keys::SEAmount, makeField("工程量", domain::FloatingPointField)).width = 95;
-  header.addColumn(keys::SEProjFeatures, makeField("项目特征", domain::StringField)).width = 260;
-  return table;
+  using namespace domain;
+  return makeTable("QCE_AssociationBillRight",
+                   {{keys::SECode, "项目编码", StringField, 185},
+                    {keys::SEName, "项目名称", StringField, 190},
+                    {keys::BRIAssociation, "已关联", StringField, 60},
+                    {keys::SEUnit, "单位", StringField, 55},
+                    {keys::SEAmount, "工程量", FloatingPointField, 95},
+                    {keys::SEProjFeatures, "项目特征", StringField, 260}});
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -15,9 +16,18 @@ namespace operators {
 domain::DataField makeField(const char* name, int type, int places = costing::MaxQuantityPlaces,
                             bool strip = true);
 
+/// A column of which nothing else is to be known.
+struct PlainColumn {
+  const std::string& key;
+  const char* name;
+  int type;
+  int width;
+  bool money = false;
+};
+
 /// A table of `columns`: each has a `key`, a `name`, a `type`, a `width`, and may hold `money`,
 /// which has separators where nobody sorts by what is shown.
-template <class Columns>
+template <class Columns = std::initializer_list<PlainColumn>>
 std::unique_ptr<domain::DisplayTable> makeTable(const std::string& name, const Columns& columns,
                                                 bool separators = false) {
   auto table = std::make_unique<domain::DisplayTable>(name);

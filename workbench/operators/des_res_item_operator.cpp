@@ -43,30 +43,23 @@ class DesResItemOperator::GroupRow final : public records::Branch {
 
 std::unique_ptr<domain::DisplayTable> makeDesResItemTable() {
   using namespace domain;
-  struct Column {
-    const std::string& key;
-    const char* name;
-    int type;
-    int width;
-    bool money = false;
-  };
-  const Column columns[] = {
-      {keys::BRIType, "类别", StringField, 50},
-      {keys::BRICode, "编码", StringField, 100},
-      {keys::BRIName, "名称", StringField, 170},
-      {keys::BRISpec, "规格型号", StringField, 110},
-      {keys::BRIUnit, "单位", StringField, 50},
-      {keys::BRILinkCB, "关联成本", StringField, 64},
-      {keys::BRIContract, "归集到", StringField, 130},
-      {keys::CostAccount, "成本科目", StringField, 130},
-      {keys::BRIAmount, "数量", FloatingPointField, 90},
-      {keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 122, true},
-      {keys::BRIMarketTotalCost, "不含税合价（元）", FloatingPointField, 120, true},
-      {keys::BRIExcludedTaxTotalCost, "计入成本（元）", FloatingPointField, 120, true},
-      {keys::BRIBudgetTotalCost, "预算合价（元）", FloatingPointField, 110, true},
-      {keys::BRIBillCount, "清单数", IntegerField, 60},
-  };
-  return makeTable("QCE_DesResItem", columns, true);
+  return makeTable(
+      "QCE_DesResItem",
+      {{keys::BRIType, "类别", StringField, 50},
+       {keys::BRICode, "编码", StringField, 100},
+       {keys::BRIName, "名称", StringField, 170},
+       {keys::BRISpec, "规格型号", StringField, 110},
+       {keys::BRIUnit, "单位", StringField, 50},
+       {keys::BRILinkCB, "关联成本", StringField, 64},
+       {keys::BRIContract, "归集到", StringField, 130},
+       {keys::CostAccount, "成本科目", StringField, 130},
+       {keys::BRIAmount, "数量", FloatingPointField, 90},
+       {keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 122, true},
+       {keys::BRIMarketTotalCost, "不含税合价（元）", FloatingPointField, 120, true},
+       {keys::BRIExcludedTaxTotalCost, "计入成本（元）", FloatingPointField, 120, true},
+       {keys::BRIBudgetTotalCost, "预算合价（元）", FloatingPointField, 110, true},
+       {keys::BRIBillCount, "清单数", IntegerField, 60}},
+      true);
 }
 
 DesResItemOperator::DesResItemOperator(records::Project& project, ResItemOperator& items)

@@ -49,14 +49,6 @@ struct Figures {
   }
 };
 
-struct Column {
-  const std::string& key;
-  const char* name;
-  int type;
-  int width;
-  bool money = false;
-};
-
 }  // namespace
 
 bool ItemScope::holds(const ResourceItem& item) const {
@@ -82,12 +74,12 @@ class DesResItemGuideOperator::Entry final : public records::Branch {
 };
 
 std::unique_ptr<domain::DisplayTable> makeDesResItemGuideTable() {
-  const Column columns[] = {
-      {keys::BRIName, "汇总范围", domain::StringField, 206},
-      {keys::BRIItemCount, "项数", domain::IntegerField, 50},
-      {keys::BRIMarketTotalCost, "合价（元）", domain::FloatingPointField, 112, true},
-  };
-  return makeTable("QCE_DesResItemGuide", columns, true);
+  return makeTable(
+      "QCE_DesResItemGuide",
+      {{keys::BRIName, "汇总范围", domain::StringField, 206},
+       {keys::BRIItemCount, "项数", domain::IntegerField, 50},
+       {keys::BRIMarketTotalCost, "合价（元）", domain::FloatingPointField, 112, true}},
+      true);
 }
 
 DesResItemGuideOperator::DesResItemGuideOperator(records::Project& project)
@@ -201,21 +193,21 @@ class DesResItemSummaryOperator::Row final : public records::Record {
 
 std::unique_ptr<domain::DisplayTable> makeDesResItemSummaryTable() {
   using namespace domain;
-  const Column columns[] = {
-      {keys::BRIType, "类别", StringField, 50},
-      {keys::BRICode, "编码", StringField, 84},
-      {keys::BRIName, "名称", StringField, 140},
-      {keys::BRISpec, "规格型号", StringField, 100},
-      {keys::BRIUnit, "单位", StringField, 50},
-      {keys::BRIAmount, "数量", FloatingPointField, 86},
-      {keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 118, true},
-      {keys::BRIMarketTotalCost, "不含税合价（元）", FloatingPointField, 116, true},
-      {keys::BRIExcludedTaxTotalCost, "计入成本（元）", FloatingPointField, 110, true},
-      {keys::CostAccount, "成本科目", StringField, 130},
-      {keys::BRIContract, "归集到", StringField, 130},
-      {keys::BRIItemCount, "工程数", IntegerField, 60},
-  };
-  return makeTable("QCE_DesResItemSummary", columns, true);
+  return makeTable(
+      "QCE_DesResItemSummary",
+      {{keys::BRIType, "类别", StringField, 50},
+       {keys::BRICode, "编码", StringField, 84},
+       {keys::BRIName, "名称", StringField, 140},
+       {keys::BRISpec, "规格型号", StringField, 100},
+       {keys::BRIUnit, "单位", StringField, 50},
+       {keys::BRIAmount, "数量", FloatingPointField, 86},
+       {keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 118, true},
+       {keys::BRIMarketTotalCost, "不含税合价（元）", FloatingPointField, 116, true},
+       {keys::BRIExcludedTaxTotalCost, "计入成本（元）", FloatingPointField, 110, true},
+       {keys::CostAccount, "成本科目", StringField, 130},
+       {keys::BRIContract, "归集到", StringField, 130},
+       {keys::BRIItemCount, "工程数", IntegerField, 60}},
+      true);
 }
 
 DesResItemSummaryOperator::DesResItemSummaryOperator(records::Project& project)

@@ -90,20 +90,14 @@ SummaryRow::SummaryRow(std::int64_t id, const SummaryLine& from)
     : Branch(id), line_(withoutLines(from)) {}
 
 std::unique_ptr<domain::DisplayTable> makeFeeSummaryTable() {
-  auto table = std::make_unique<domain::DisplayTable>("QCE_FeeSummary");
-  domain::DisplayRow& header = *table->getHeader();
-  header.addColumn(summary_keys::Name, makeField("名称", domain::StringField)).width = 255;
-  const auto addNumber = [&header](const std::string& key, const char* text, int width) {
-    domain::DataField field =
-        makeField(text, domain::FloatingPointField, costing::MoneyPlaces, false);
-    field.thousandsSeparators = true;
-    header.addColumn(key, std::move(field)).width = width;
-  };
-  addNumber(summary_keys::Income, "收入（不含税）", 110);
-  addNumber(summary_keys::Cost, "成本（不含税）", 110);
-  addNumber(summary_keys::Difference, "差额", 98);
-  addNumber(summary_keys::Share, "占比（%）", 76);
-  return table;
+  using namespace domain;
+  return makeTable("QCE_FeeSummary",
+                   {{summary_keys::Name, "名称", StringField, 255},
+                    {summary_keys::Income, "收入（不含税）", FloatingPointField, 110, true},
+                    {summary_keys::Cost, "成本（不含税）", FloatingPointField, 110, true},
+                    {summary_keys::Difference, "差额", FloatingPointField, 98, true},
+                    {summary_keys::Share, "占比（%）", FloatingPointField, 76, true}},
+                   true);
 }
 
 FeeSummaryOperator::FeeSummaryOperator() : root_(new records::Group) {}

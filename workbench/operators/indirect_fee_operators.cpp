@@ -7,6 +7,7 @@
 
 #include "host/app/scoped_undo.h"
 #include "host/domain/field_keys.h"
+#include "workbench/operators/cell_values.h"
 #include "workbench/operators/columns.h"
 #include "workbench/operators/refusal.h"
 
@@ -91,12 +92,6 @@ int columnOf(const std::string& key) {
   return numbers.of(key);
 }
 
-domain::DataField fieldOf(const char* name, int type, int places) {
-  domain::DataField field = makeField(name, type, places, places != costing::MoneyPlaces);
-  field.thousandsSeparators = type == domain::FloatingPointField;
-  return field;
-}
-
 void addGroups(records::RowList& into, const records::RowList& from) {
   for (int row = 0; row < from.size(); ++row) {
     auto* group = dynamic_cast<IndirectFeeGroup*>(from.at(row));
@@ -116,26 +111,9 @@ bool put(Value& out, const std::optional<Decimal>& number) {
   return number.has_value();
 }
 
-bool put(Value& out, const std::string& text) {
-  domain::AssignText(out, text);
-  return true;
-}
-
-std::string trimmed(const Value& value) {
+std::string textOf(const Value& value) {
   const auto* text = std::get_if<std::string>(&value);
-  if (text == nullptr) return {};
-  constexpr char Blanks[] = " \t\r\n";
-  const auto first = text->find_first_not_of(Blanks);
-  if (first == std::string::npos) return {};
-  return text->substr(first, text->find_last_not_of(Blanks) - first + 1);
-}
-
-/// Empty for a cleared cell; false for what is no number.
-bool readNumber(const Value& value, std::optional<Decimal>& out) {
-  if (std::holds_alternative<std::monostate>(value)) return true;
-  const auto* number = std::get_if<double>(&value);
-  if (number != nullptr) out = Decimal::fromDouble(*number);
-  return out.has_value();
+  return text != nullptr ? trimmed(*text) : std::string();
 }
 
 /// The cost as it is kept: an amount that follows is not.
@@ -147,21 +125,19 @@ FeeCost kept(FeeCost cost) {
 }  // namespace
 
 std::unique_ptr<domain::DisplayTable> makeFeeGroupTable() {
-  auto table = std::make_unique<domain::DisplayTable>("QCE_IndirectFeeGroup");
-  table->getHeader()->addColumn(keys::IFName, fieldOf("费用组", domain::StringField, 0)).width =
-      205;
-  table->getHeader()
-      ->addColumn(keys::IFCostAmount,
-                  fieldOf("成本（元）", domain::FloatingPointField, costing::MoneyPlaces))
-      .width = 125;
-  return table;
+  return makeTable("QCE_IndirectFeeGroup",
+                   {{keys::IFName, "费用组", domain::StringField, 205},
+                    {keys::IFCostAmount, "成本（元）", domain::FloatingPointField, 125, true}},
+                   true);
 }
 
 std::unique_ptr<domain::DisplayTable> makeFeeItemTable() {
   auto table = std::make_unique<domain::DisplayTable>("QCE_IndirectFee");
   for (const ColumnInfo& info : columns()) {
-    domain::ColumnDescriptor& column =
-        table->getHeader()->addColumn(info.key, fieldOf(info.name, info.type, info.places));
+    domain::DataField field =
+        makeField(info.name, info.type, info.places, info.places != costing::MoneyPlaces);
+    field.thousandsSeparators = info.type == domain::FloatingPointField;
+    domain::ColumnDescriptor& column = table->getHeader()->addColumn(info.key, std::move(field));
     if (info.key == keys::IFNumber) column.width = 50;
     if (info.key == keys::IFCode) column.width = 90;
   }
@@ -318,16 +294,16 @@ bool IndirectFeeRightOperator::setValue(proxy::Element* element, const std::stri
   FeeCost cost = before;
   switch (column) {
     case Code:
-      data.code = trimmed(value);
+      data.code = textOf(value);
       break;
     case Name:
-      data.name = trimmed(value);
+      data.name = textOf(value);
       break;
     case Basis:
-      data.basis = trimmed(value);
+      data.basis = textOf(value);
       break;
     case Account: {
-      const std::string text = trimmed(value);
+      const std::string text = textOf(value);
       data.account = text.empty() ? nullptr : project_.findAccount(text);
       if (data.account == nullptr && !text.empty()) {
         return refuse("没有成本科目“" + text + "”，请输入已有科目的编码或名称。");
@@ -335,17 +311,17 @@ bool IndirectFeeRightOperator::setValue(proxy::Element* element, const std::stri
       break;
     }
     case CostExpression:
-      cost.base = trimmed(value);
+      cost.base = textOf(value);
       break;
     case CostRate:
       cost.rate.reset();
-      if (!readNumber(value, cost.rate)) {
+      if (!readDecimal(value, cost.rate)) {
         return refuse(label(*item) + "的成本费率应为数字，请重新输入。");
       }
       break;
     default: {
       std::optional<Decimal> amount;
-      if (!readNumber(value, amount)) {
+      if (!readDecimal(value, amount)) {
         return refuse(label(*item) + "的成本金额应为数字，请重新输入。");
       }
       if (cost.follows()) {

@@ -57,22 +57,15 @@ enum Column {
   ColumnCount
 };
 
-struct ColumnInfo {
-  std::string key;
-  const char* name;
-  int type;
-  int width;
-  bool money = false;
-};
-
-const std::array<ColumnInfo, ColumnCount>& columns() {
+const std::array<PlainColumn, ColumnCount>& columns() {
   using namespace domain;
-  static const std::array<ColumnInfo, ColumnCount> all = {{
+  static const std::string spec = "QCE_NPSpec";
+  static const std::array<PlainColumn, ColumnCount> all = {{
       {keys::NPChoose, "选择", BoolField, 42},
       {keys::NPType, "类别", StringField, 70},
       {keys::NPCode, "编码", StringField, 112},
       {keys::NPName, "名称", StringField, 138},
-      {"QCE_NPSpec", "规格型号", StringField, 78},  // what tells items of one name apart
+      {spec, "规格型号", StringField, 78},  // what tells items of one name apart
       {keys::NPUnit, "单位", StringField, 42},
       {keys::NPAmount, "可归集数量", FloatingPointField, 82},
       {keys::NPCollectionAmount, "归集数量", FloatingPointField, 78},

@@ -12,6 +12,7 @@
 #include "host/app/services.h"
 #include "host/domain/field_keys.h"
 #include "workbench/costing/expression.h"
+#include "workbench/operators/cell_values.h"
 #include "workbench/operators/columns.h"
 #include "workbench/operators/refusal.h"
 
@@ -73,18 +74,10 @@ enum Column {
   ColumnCount
 };
 
-struct ColumnInfo {
-  const std::string& key;
-  const char* name;
-  int type;
-  int width;
-  bool money = false;
-};
-
 // A function, since the keys must be there first.
-const std::array<ColumnInfo, ColumnCount>& columns() {
+const std::array<PlainColumn, ColumnCount>& columns() {
   using namespace domain;
-  static const std::array<ColumnInfo, ColumnCount> all = {{
+  static const std::array<PlainColumn, ColumnCount> all = {{
       {keys::BRIAssociation, "关联", StringField, 50},
       {keys::SECode, "清单编码", StringField, 115},
       {keys::SEName, "清单名称", StringField, 170},
@@ -188,11 +181,6 @@ bool put(Value& out, const std::optional<Decimal>& number) {
   } else {
     domain::AssignText(out, {});
   }
-  return true;
-}
-
-bool put(Value& out, const std::string& text) {
-  domain::AssignText(out, text);
   return true;
 }
 

@@ -11,6 +11,7 @@
 #include "host/base/number_text.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/res_item_marks.h"
+#include "workbench/operators/cell_values.h"
 #include "workbench/operators/columns.h"
 #include "workbench/operators/refusal.h"
 
@@ -125,33 +126,11 @@ std::string nameOf(const ResourceItem& item) {
   return "“" + item.code().str() + " " + item.name().str() + "”";
 }
 
-/// The exact decimal that was typed or handed over; nothing for the empty value and blank text.
-/// False for what is no number.
-bool readDecimal(const Value& value, std::optional<Decimal>& out) {
-  if (std::holds_alternative<std::monostate>(value)) return true;
-  if (const auto* number = std::get_if<double>(&value)) {
-    out = Decimal::fromDouble(*number);
-  } else if (const auto* integer = std::get_if<int>(&value)) {
-    out = Decimal(*integer);
-  } else if (const auto* text = std::get_if<std::string>(&value)) {
-    if (text->empty()) return true;
-    out = Decimal::parse(*text);
-  }
-  return out.has_value();
-}
-
 std::optional<bool> readBool(const Value& value) {
   if (const auto* flag = std::get_if<bool>(&value)) return *flag;
   if (const auto* number = std::get_if<int>(&value)) return *number != 0;
   if (std::holds_alternative<std::monostate>(value)) return false;
   return {};
-}
-
-std::string trimmed(const std::string& text) {
-  constexpr char Blanks[] = " \t\r\n";
-  const auto first = text.find_first_not_of(Blanks);
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
 }
 
 bool flag(const ResourceItem& item, int column) {

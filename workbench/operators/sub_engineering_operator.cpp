@@ -7,6 +7,7 @@
 
 #include "host/app/scoped_undo.h"
 #include "host/domain/field_keys.h"
+#include "workbench/operators/cell_values.h"
 #include "workbench/operators/columns.h"
 #include "workbench/operators/refusal.h"
 
@@ -181,13 +182,6 @@ bool displayItem(const BudgetItem& item, int column, Value& out) {
     default:
       return false;
   }
-}
-
-std::string trimmed(const std::string& text) {
-  constexpr char Blanks[] = " \t\r\n";
-  const auto first = text.find_first_not_of(Blanks);
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
 }
 
 std::string nameOf(const Bill& bill) {

@@ -13,6 +13,9 @@
 #include "host/app/services.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/contract_types.h"
+#include "workbench/operators/cell_values.h"
+#include "workbench/operators/columns.h"
+#include "workbench/operators/refusal.h"
 #include "workbench/records/bill_costs.h"
 #include "workbench/records/labels.h"
 
@@ -27,7 +30,6 @@ using records::Subcontract;
 using records::SubcontractData;
 namespace keys = domain::keys;
 
-constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbers are the toolkit's
 constexpr int TaxPlaces = 4;
 constexpr int NamesInToolTip = 20;
 const base::Color Alarm{0xc0, 0x20, 0x20};
@@ -86,13 +88,12 @@ struct ColumnInfo {
   int type;
   int width;
   bool editable = true;
-  int places = -1;  ///< all of them; -1: as many as the number has
+  bool money = false;
 };
 
 // A function, since the keys must be there first.
 const std::array<ColumnInfo, ColumnCount>& columns() {
   using namespace domain;
-  constexpr int money = costing::MoneyPlaces;
   static const std::array<ColumnInfo, ColumnCount> all = {{
       {keys::BRICode, "编码", StringField, 70},
       {keys::BRIName, "名称", StringField, 170},
@@ -101,10 +102,10 @@ const std::array<ColumnInfo, ColumnCount>& columns() {
       {keys::BRIContractType, "合同类型", StringField, 100},
       {keys::BRIMeteringMethod, "计量方式", StringField, 105},
       {keys::BRIAmount, "数量", FloatingPointField, 90},
-      {keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 115, true, money},
-      {keys::BRIExcludedTaxTotalCost, "不含税合价（元）", FloatingPointField, 120, false, money},
+      {keys::BRIExcludedTaxFee, "不含税单价（元）", FloatingPointField, 115, true, true},
+      {keys::BRIExcludedTaxTotalCost, "不含税合价（元）", FloatingPointField, 120, false, true},
       {keys::BRITaxRate, "税率（%）", FloatingPointField, 80},
-      {keys::BRIIncludedTaxTotalCost, "含税合价（元）", FloatingPointField, 120, false, money},
+      {keys::BRIIncludedTaxTotalCost, "含税合价（元）", FloatingPointField, 120, false, true},
       {keys::CostAccount, "成本科目", StringField, 140},
       {keys::BRICollectedItems, "归集人材机", IntegerField, 80, false},
       {keys::BRIContentQuota, "定额含量", StringField, 140},
@@ -121,40 +122,6 @@ int columnOf(const std::string& key) {
     if (columns()[static_cast<std::size_t>(i)].key == key) return i;
   }
   return -1;
-}
-
-domain::DataField fieldOf(const ColumnInfo& info) {
-  domain::DataField field;
-  field.displayName = info.name;
-  field.type = info.type;
-  if (info.type == domain::FloatingPointField) {
-    field.precision = info.places >= 0 ? info.places : costing::MaxQuantityPlaces;
-    field.stripTrailingZeros = info.places < 0;
-    field.zeroShowsEmpty = false;
-    field.thousandsSeparators = info.places >= 0;
-  }
-  return field;
-}
-
-void addColumns(domain::DisplayTable& table, const std::vector<ColumnInfo>& infos) {
-  for (const ColumnInfo& info : infos) {
-    table.getHeader()->addColumn(info.key, fieldOf(info)).width = info.width;
-  }
-}
-
-bool put(Value& out, const std::string& text) {
-  domain::AssignText(out, text);
-  return true;
-}
-
-bool put(Value& out, const Decimal& number) {
-  out = number.toDouble();
-  return true;
-}
-
-bool refuse(const std::string& message) {
-  app::qce::GetQCEChannel()->message(message, OkButton);
-  return false;
 }
 
 QString textOf(const Value& value) {
@@ -218,47 +185,40 @@ bool isExpired(const SubcontractData& entry) {
 }  // namespace
 
 std::unique_ptr<domain::DisplayTable> makeSubcontractTable() {
-  auto table = std::make_unique<domain::DisplayTable>("QCE_Subcontract");
-  addColumns(*table, {columns().begin(), columns().end()});
-  return table;
+  return makeTable("QCE_Subcontract", columns(), true);
 }
 
 std::unique_ptr<domain::DisplayTable> makeSubcontractCollectTable() {
   using namespace domain;
-  auto table = std::make_unique<DisplayTable>("QCE_SubcontractCollect");
-  addColumns(*table, {{keys::SECode, "编码", StringField, 145},
-                      {keys::SEName, "名称", StringField, 150},
-                      {keys::SEUnit, "单位", StringField, 45},
-                      {keys::SEAmount, "工程量", FloatingPointField, 80},
-                      {keys::SECostTotalCost, "分包金额（元）", FloatingPointField, 115, false,
-                       costing::MoneyPlaces}});
-  return table;
+  return makeTable("QCE_SubcontractCollect",
+                   {{keys::SECode, "编码", StringField, 145},
+                    {keys::SEName, "名称", StringField, 150},
+                    {keys::SEUnit, "单位", StringField, 45},
+                    {keys::SEAmount, "工程量", FloatingPointField, 80},
+                    {keys::SECostTotalCost, "分包金额（元）", FloatingPointField, 115, true}},
+                   true);
 }
 
 std::unique_ptr<domain::DisplayTable> makeSubcontractBillTable() {
   using namespace domain;
-  auto table = std::make_unique<DisplayTable>("QCE_SubcontractBill");
-  addColumns(*table, {{keys::BRIAssociation, "关联", StringField, 45},
-                      {keys::SECode, "编码", StringField, 105},
-                      {keys::SEName, "名称", StringField, 150},
-                      {keys::SEProjFeatures, "项目特征", StringField, 160},
-                      {keys::SEUnit, "单位", StringField, 50},
-                      {keys::SEQuantity, "工程量", FloatingPointField, 85},
-                      {keys::SESubcontracts, "其他分包", StringField, 130},
-                      {keys::SEUnitWork, "单位工程", StringField, 130},
-                      {keys::SESection, "分部", StringField, 130}});
-  return table;
+  return makeTable("QCE_SubcontractBill", {{keys::BRIAssociation, "关联", StringField, 45},
+                                           {keys::SECode, "编码", StringField, 105},
+                                           {keys::SEName, "名称", StringField, 150},
+                                           {keys::SEProjFeatures, "项目特征", StringField, 160},
+                                           {keys::SEUnit, "单位", StringField, 50},
+                                           {keys::SEQuantity, "工程量", FloatingPointField, 85},
+                                           {keys::SESubcontracts, "其他分包", StringField, 130},
+                                           {keys::SEUnitWork, "单位工程", StringField, 130},
+                                           {keys::SESection, "分部", StringField, 130}});
 }
 
 std::unique_ptr<domain::DisplayTable> makeSubcontractBaseTable() {
-  auto table = std::make_unique<domain::DisplayTable>("QCE_SubcontractBase");
   std::vector<ColumnInfo> shown;
   for (const int column : {Code, Name, Features, Unit, ContractType, Metering, Price, TaxRate,
                            Account, ContentQuota, Area, Remark}) {
     shown.push_back(columns()[static_cast<std::size_t>(column)]);
   }
-  addColumns(*table, shown);
-  return table;
+  return makeTable("QCE_SubcontractBase", shown, true);
 }
 
 // ---------------------------------------------------------------------------------------------
