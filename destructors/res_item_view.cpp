@@ -185,7 +185,8 @@ QWidget* DesResItemViewImpl::createFooter() {
   for (QLabel* label : {status_, currentBill_}) {
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
   }
-  // A long name must not keep the window from being made narrow.
+  // Long figures and names must not keep the window from being made narrow.
+  status_->setMinimumWidth(1);
   currentBill_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   currentBill_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   conditionButton_ = new QToolButton(footer);

@@ -19,6 +19,7 @@ class QCE_EXPORT ResItemFilterState {
   /// Whether the element is of the category, and code, name or specification hold the text
   /// (whatever the case).
   bool acceptsRow(const domain::Operator* op, const proxy::Element* element) const;
+  const std::set<std::string>& hiddenColumns() const { return hidden_; }
   bool hidesColumn(const std::string& key) const { return hidden_.count(key) > 0; }
 
  private:
@@ -35,6 +36,9 @@ class QCE_EXPORT ResItemTextFilter {
   virtual void filter(const std::string& text) = 0;
   /// Keeps the items of one category; "所有" or empty keeps all.
   virtual void filterType(const std::string& text) = 0;
+  /// Hides the columns of these field keys, and no others.
+  virtual void blackListOfColumn(const std::set<std::string>& keys) = 0;
+  virtual const std::set<std::string>& blackList() const = 0;
 };
 
 /// The host's generic filter of resource items, over the filter interface `F` of a page: by text,
@@ -50,10 +54,11 @@ class ResItemFilterModelImpl : public TFilterViewModel<F>, public ResItemTextFil
   void filterType(const std::string& text) override {
     if (state_.setType(text)) this->invalidate();
   }
-  /// Hides the columns of these field keys, and no others.
-  void blackListOfColumn(const std::set<std::string>& keys) {
-    if (state_.setHiddenColumns(keys)) this->invalidateFilter();
+  void blackListOfColumn(const std::set<std::string>& keys) override {
+    // In one go: column by column, views are told of each below each row.
+    if (state_.setHiddenColumns(keys)) this->invalidate();
   }
+  const std::set<std::string>& blackList() const override { return state_.hiddenColumns(); }
   /// Shows the columns again that blackListOfColumn hid.
   void cleacColumnList() { blackListOfColumn({}); }
 

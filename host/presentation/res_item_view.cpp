@@ -9,13 +9,19 @@
 #include <QSignalBlocker>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
 
 #include "host/abst/base_model.h"
+#include "host/app/services.h"
+#include "host/bwidgets/grid_header.h"
 #include "host/bwidgets/grid_sheet.h"
 #include "host/bwidgets/search_box.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/styled_item_delegate.h"
 #include "host/gui/tree_grid_view.h"
+#include "host/gui/view_model.h"
+#include "host/presentation/column_menu.h"
 #include "host/presentation/res_item_filter_model.h"
 
 namespace gui {
@@ -31,6 +37,7 @@ void ResItemViewImpl::init() {
   connect(treeGrid_, &bwidgets::TreeGridView::currentElementChanged, this,
           [this] { onCurrentRowChanged(); });
   setGrid(treeGrid_, domain::keys::BRIName, domain::keys::BRICode);
+  createColumnMenu();
 
   auto* toolBar = new QHBoxLayout;
   toolBar->setContentsMargins(6, 4, 6, 4);
@@ -62,8 +69,72 @@ QWidget* ResItemViewImpl::createContent(gui::TreeGridView* grid) {
 void ResItemViewImpl::setModel(abst::BaseModel* model) {
   BasePage::setModel(model);
   textFilter_ = dynamic_cast<ResItemTextFilter*>(abstractModel());
+  if (textFilter_ != nullptr) hideKeptColumns();
   setPopup(treeGrid_->searchBox());
 }
+
+// ---------------------------------------------------------------------------------------------
+// Columns
+
+void ResItemViewImpl::createColumnMenu() {
+  ColumnMenu::Columns columns;
+  columns.table = [this] {
+    return textFilter_ != nullptr ? abstractModel()->getDisplayTable() : nullptr;
+  };
+  columns.isShown = [this](const domain::ColumnDescriptor& column) {
+    return column.visible.value_or(true) && textFilter_->blackList().count(column.key) == 0;
+  };
+  columns.show = [this](const std::string& key, bool show) { showColumn(key, show); };
+  columns.fixed = {domain::keys::BRICode, domain::keys::BRIName};
+  columnMenu_ = new ColumnMenu(std::move(columns), this);
+  columnMenu_->setObjectName("ResItem_columns");
+  treeGrid_->gridHeader()->setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(treeGrid_->gridHeader(), &QWidget::customContextMenuRequested, this,
+          [this](const QPoint& at) {
+            columnMenu_->popup(treeGrid_->gridHeader()->viewport()->mapToGlobal(at));
+          });
+}
+
+void ResItemViewImpl::hideKeptColumns() {
+  const QString kept =
+      QString::fromStdString(app::GetGlobalConfig()->getValue(columnSetting()).value_or(""));
+  std::set<std::string> keys;
+  for (const QString& key : kept.split(',', Qt::SkipEmptyParts)) keys.insert(key.toStdString());
+  hideColumns(keys);
+}
+
+void ResItemViewImpl::showColumn(const std::string& key, bool show) {
+  if (textFilter_ == nullptr) return;
+  std::set<std::string> keys = textFilter_->blackList();
+  if (show) {
+    keys.erase(key);
+  } else {
+    keys.insert(key);
+  }
+  hideColumns(keys);
+  QStringList kept;
+  for (const std::string& each : keys) kept << QString::fromStdString(each);
+  app::GetGlobalConfig()->setValue(columnSetting(), kept.join(',').toStdString());
+}
+
+void ResItemViewImpl::hideColumns(const std::set<std::string>& keys) {
+  if (keys == textFilter_->blackList()) return;
+  textFilter_->blackListOfColumn(keys);
+  const auto* columns = dynamic_cast<const ViewModel*>(abstractModel());
+  treeGrid_->gridHeader()->readGroups();
+  treeGrid_->setTreePosition(std::max(0, columns->getColumnIndex(domain::keys::BRIName)));
+  treeGrid_->setFrozenColumnCount(
+      frozenColumnCount(*columns, domain::keys::BRIName, domain::keys::BRICode));
+  treeGrid_->applyDefaultColumnWidths();
+}
+
+std::string ResItemViewImpl::columnSetting() const {
+  const domain::DisplayTable* table = abstractModel()->getDisplayTable();
+  return table != nullptr ? table->name() + "_hiddenColumns" : std::string();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Filter
 
 QWidget* ResItemViewImpl::createTextFilter() {
   auto* box = new QWidget(this);
@@ -143,6 +214,7 @@ void ResItemViewImpl::fillContextMenu(QMenu* menu) {
   menu->addAction("导出Excel\tCtrl+E", this, &ResItemViewImpl::exportExcel);
   menu->addAction("全部展开", this, &ResItemViewImpl::expandAll);
   menu->addAction("全部折叠", this, &ResItemViewImpl::collapseAll);
+  menu->addMenu(columnMenu_);
 }
 
 void ResItemViewImpl::showContextMenu(const QPoint& position) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QString>
+#include <set>
+#include <string>
 
 #include "framework/base_page.h"
 #include "qce_export.h"
@@ -17,8 +19,8 @@ class StyledItemDelegate;
 class TreeGridView;
 
 /// The host's generic resource-item page: a tool bar, the grid with its delegate, a text filter
-/// with a choice of category, a context menu and find. A concrete page overrides the hooks and
-/// calls init() in its constructor.
+/// with a choice of category, a choice of columns, a context menu and find. A concrete page
+/// overrides the hooks and calls init() in its constructor.
 class QCE_EXPORT ResItemViewImpl : public BasePage {
   Q_OBJECT
 
@@ -59,6 +61,9 @@ class QCE_EXPORT ResItemViewImpl : public BasePage {
   /// Adds the entries of the grid's context menu.
   virtual void fillContextMenu(QMenu* menu);
 
+  /// Shows a column or leaves it out; what is left out stays so in later sessions.
+  void showColumn(const std::string& key, bool show);
+
   /// Shows all again: no text, and the type "所有".
   void clearTextFilter();
 
@@ -67,6 +72,11 @@ class QCE_EXPORT ResItemViewImpl : public BasePage {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  void createColumnMenu();
+  void hideKeptColumns();
+  void hideColumns(const std::set<std::string>& keys);
+  /// Where the host's configuration keeps what is left out; empty without a model.
+  std::string columnSetting() const;
   QWidget* createTextFilter();
   /// Filters by what the controls say.
   void applyTextFilter();
@@ -76,6 +86,7 @@ class QCE_EXPORT ResItemViewImpl : public BasePage {
   ResItemTextFilter* textFilter_ = nullptr;
   QLineEdit* textEdit_ = nullptr;
   QActionGroup* types_ = nullptr;
+  QMenu* columnMenu_ = nullptr;
 };
 
 }  // namespace gui

@@ -1,7 +1,6 @@
 #include "host/presentation/sub_engineering_view.h"
 
 #include <QAction>
-#include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QItemSelectionModel>
@@ -14,7 +13,6 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
-#include <QWidgetAction>
 #include <algorithm>
 #include <utility>
 
@@ -30,6 +28,7 @@
 #include "host/domain/sub_engineering_operator.h"
 #include "host/gui/tree_grid_view.h"
 #include "host/gui/view_model.h"
+#include "host/presentation/column_menu.h"
 #include "host/presentation/quantity_detail_dialog.h"
 #include "host/presentation/sub_engineering_delegate.h"
 
@@ -94,14 +93,20 @@ void SubEngineeringViewImpl::init() {
   connect(subProjectBox_, QOverload<int>::of(&QComboBox::activated), this,
           &SubEngineeringViewImpl::chooseSubProject);
 
-  columnMenu_ = new QMenu(this);
-  columnMenu_->setObjectName("SubEngineering_columns");
-  connect(columnMenu_, &QMenu::aboutToShow, this, &SubEngineeringViewImpl::fillColumnMenu);
+  ColumnMenu::Columns columns;
+  columns.table = [this] { return filter_ != nullptr ? filter_->getDisplayTable() : nullptr; };
+  columns.isShown = [this](const domain::ColumnDescriptor& column) {
+    return isColumnShown(column);
+  };
+  columns.show = [this](const std::string& key, bool shown) { showColumn(key, shown); };
+  columns.fixed = {getSECodeKey(), getSENameKey()};
+  auto* columnMenu = new ColumnMenu(std::move(columns), this);
+  columnMenu->setObjectName("SubEngineering_columns");
   auto* columnButton = new QToolButton(this);
   columnButton->setText("列设置");
   columnButton->setToolTip("选择要显示的列");
   columnButton->setPopupMode(QToolButton::InstantPopup);
-  columnButton->setMenu(columnMenu_);
+  columnButton->setMenu(columnMenu);
   columnButton->setAutoRaise(true);
   auto* findButton = new QToolButton(this);
   findButton->setText("查找");
@@ -292,33 +297,11 @@ void SubEngineeringViewImpl::showElements(const std::vector<proxy::Element*>& el
   treeGrid_->setFocus();
 }
 
-// Check boxes that leave the menu open: several columns are chosen in one go.
-void SubEngineeringViewImpl::fillColumnMenu() {
-  columnMenu_->clear();
-  const domain::DisplayTable* table = filter_ != nullptr ? filter_->getDisplayTable() : nullptr;
-  if (table == nullptr) return;
-  const domain::DisplayRow& header = *table->getHeader();
+bool SubEngineeringViewImpl::isColumnShown(const domain::ColumnDescriptor& column) const {
   const std::map<std::string, bool>& map = filter_->getFilterMap();
-  for (int number = 0; number < header.columnCount(); ++number) {
-    const domain::ColumnDescriptor& column = *header.column(number);
-    const std::string key = column.key;
-    const auto found = map.find(key);
-    const bool shown =
-        map.empty() ? column.visible.value_or(true) : found != map.end() && found->second;
-    const std::string title = column.title              ? *column.title
-                              : column.field != nullptr ? column.field->displayName
-                                                        : key;
-    auto* box = new QCheckBox(QString::fromStdString(title), columnMenu_);
-    box->setObjectName("column_" + QString::fromStdString(key));
-    box->setContentsMargins(8, 2, 8, 2);
-    box->setChecked(shown);
-    // Without these two nobody knows which bill a row is.
-    box->setEnabled(key != getSECodeKey() && key != getSENameKey());
-    connect(box, &QCheckBox::toggled, this, [this, key](bool on) { showColumn(key, on); });
-    auto* entry = new QWidgetAction(columnMenu_);
-    entry->setDefaultWidget(box);
-    columnMenu_->addAction(entry);
-  }
+  if (map.empty()) return column.visible.value_or(true);
+  const auto found = map.find(column.key);
+  return found != map.end() && found->second;
 }
 
 void SubEngineeringViewImpl::showColumn(const std::string& key, bool show) {

@@ -19,6 +19,7 @@ class QTimer;
 class QToolBar;
 
 namespace domain {
+struct ColumnDescriptor;
 class SubEngineeringOperator;
 }
 
@@ -119,7 +120,7 @@ class QCE_EXPORT SubEngineeringViewImpl : public BasePage {
   virtual std::string getSEUnitKey();
 
   void createActions();
-  void fillColumnMenu();
+  bool isColumnShown(const domain::ColumnDescriptor& column) const;
   void showColumn(const std::string& key, bool show);
   void refillSubProjects();
   void chooseSubProject();
@@ -138,7 +139,6 @@ class QCE_EXPORT SubEngineeringViewImpl : public BasePage {
   QAction* showResAction_ = nullptr;
   QAction* detailAction_ = nullptr;
   QAction* batchTypeAction_ = nullptr;
-  QMenu* columnMenu_ = nullptr;
   QLabel* status_ = nullptr;
   QTimer* refreshTimer_ = nullptr;
   QPointer<QuantityDetailDialog> detailDialog_;

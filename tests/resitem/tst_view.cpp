@@ -1,16 +1,20 @@
 #include "resitem/view.h"
 
+#include <QCheckBox>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QToolButton>
 #include <QUndoStack>
 
 #include "framework/des_filter_view.h"
 #include "host/base/number_text.h"
+#include "host/bwidgets/grid_header.h"
 #include "host/bwidgets/search_box.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/tree_grid_view.h"
@@ -20,6 +24,7 @@
 #include "tests/support/tester_proxy.h"
 #include "tests/workbench/project_fixture.h"
 #include "workbench/cli/driver.h"
+#include "workbench/services/configuration.h"
 
 namespace keys = domain::keys;
 using gui::qce::destructors::DesFilterView;
@@ -234,6 +239,54 @@ class TestView : public QObject {
     QVERIFY(grid_->searchBox()->isVisible());
     page_->deactivate();
     QVERIFY(!grid_->searchBox()->isVisible());
+  }
+
+  void hidesColumnsAndKeepsThemHidden() {
+    const auto toggle = [this](const std::string& key) {
+      QWidget* header = grid_->gridHeader()->viewport();
+      QContextMenuEvent event(QContextMenuEvent::Mouse, {20, 20}, header->mapToGlobal({20, 20}));
+      QVERIFY(driver_.withPopup(
+          [&] { QApplication::sendEvent(header, &event); },
+          [&](QWidget* menu) {
+            driver_.click(menu->findChild<QCheckBox*>("column_" + QString::fromStdString(key)));
+            driver_.key(Qt::Key_Escape);
+          }));
+    };
+    const QTemporaryDir directory;
+    services::Configuration config(directory.filePath("settings.json"));
+    app::Services installed = app::InstallServices({});
+    installed.globalConfig = &config;
+    app::InstallServices(installed);
+    const auto uninstall = qScopeGuard([&installed] {
+      installed.globalConfig = nullptr;
+      app::InstallServices(installed);
+    });
+    const int all = filter_->columnCount();
+    const int name = filter_->getColumnIndex(keys::BRIName);
+    select({items_[1]});
+    toggle(keys::BRIType);     // before the name
+    toggle(keys::BRITaxRate);  // of a group of columns
+    const auto check = [&] {
+      QCOMPARE(filter_->columnCount(), all - 2);
+      QCOMPARE(filter_->getColumnIndex(keys::BRITaxRate), -1);
+      QCOMPARE(filter_->getColumnIndex(keys::BRIName), name - 1);
+      QCOMPARE(grid_->treePosition(), name - 1);
+      QCOMPARE(grid_->frozenColumnCount(), name);
+    };
+    check();
+    QCOMPARE(grid_->currentElement(), items_[1]);
+    toggle(keys::BRIName);  // what tells the rows apart stays
+    check();
+    page_ = std::make_unique<gui::qce::QCEResItemViewImpl>();  // as in the next session
+    filter_->cleacColumnList();
+    page_->setModel(filter_.get());
+    grid_ = page_->findChild<gui::TreeGridView*>();
+    page_->show();
+    check();
+    toggle(keys::BRITaxRate);
+    toggle(keys::BRIType);
+    QCOMPARE(filter_->columnCount(), all);
+    QCOMPARE(grid_->frozenColumnCount(), name + 1);
   }
 
   void typingGoesOnPastWhatCannotBeEdited() {

@@ -79,6 +79,7 @@ void Tour::walk() {
   step("修改单价", &Tour::editPrice);
   step("批量设置单价", &Tour::batchPrice);
   step("批注", &Tour::annotation);
+  step("列设置", &Tour::columns);
   step("撤销与恢复", &Tour::undoAndRedo);
   step("归集到成本", &Tour::poolResources);
   step("关联清单", &Tour::associateBills);

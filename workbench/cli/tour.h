@@ -71,6 +71,7 @@ class Tour {
   void editPrice();
   void batchPrice();
   void annotation();
+  void columns();
   void undoAndRedo();
   void poolResources();
   void associateBills();

@@ -1,4 +1,7 @@
+#include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDialog>
 #include <QHeaderView>
 #include <QLabel>
@@ -14,6 +17,7 @@
 #include "host/base/pinyin.h"
 #include "host/bwidgets/tree_grid_view.h"
 #include "host/domain/field_keys.h"
+#include "host/gui/view_model.h"
 #include "workbench/cli/sheet_check.h"
 #include "workbench/cli/tour.h"
 #include "workbench/controllers/open_project.h"
@@ -229,6 +233,35 @@ void Tour::annotation() {
   window_->session()->project().resItemOperator().getComment(item, comment);
   require(QString::fromStdString(comment).contains("价格待供应商确认"), "批注没有写入");
   picture("批注");
+}
+
+void Tour::columns() {
+  const auto choose = [this](bool take) {
+    QWidget* header = grid()->header()->viewport();
+    const QPoint at(40, header->height() - 10);
+    const bool came = driver_.withPopup(
+        [&] {
+          QContextMenuEvent event(QContextMenuEvent::Mouse, at, header->mapToGlobal(at));
+          QApplication::sendEvent(header, &event);
+        },
+        [&](QWidget* menu) {
+          driver_.click(
+              find<QCheckBox>("column_" + QString::fromStdString(keys::BRITaxRate), menu));
+          if (take) picture("列设置", menu);
+          driver_.key(Qt::Key_Escape);
+        });
+    require(came, "没有打开列设置");
+  };
+  const QAbstractItemModel& rows = *grid()->model();
+  const auto rate = [&rows] {
+    return dynamic_cast<const gui::ViewModel&>(rows).getColumnIndex(keys::BRITaxRate);
+  };
+  const int all = rows.columnCount();
+  const int before = rate();
+  choose(true);
+  require(rows.columnCount() == all - 1 && rate() < 0, "没有隐藏税率列");
+  choose(false);
+  require(rows.columnCount() == all && rate() == before, "没有重新显示税率列");
 }
 
 void Tour::undoAndRedo() {
