@@ -19,7 +19,6 @@
 #include "host/base/log.h"
 #include "host/base/number_text.h"
 #include "host/bwidgets/grid_sheet.h"
-#include "host/bwidgets/search_box.h"
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/destructors/des_res_item_keys.h"
@@ -124,7 +123,6 @@ DesResItemSummaryTableViewImpl::~DesResItemSummaryTableViewImpl() = default;
 void DesResItemSummaryTableViewImpl::setModel(abst::BaseModel* model) {
   BasePage::setModel(model);
   if (abstractModel() == nullptr) return;
-  setPopup(table_->searchBox());
   updateView();
 }
 

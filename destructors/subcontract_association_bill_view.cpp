@@ -11,7 +11,6 @@
 #include "host/abst/qce/destructors/des_set_subcontract_association_bill_filter_model.h"
 #include "host/abst/qce/destructors/des_set_subcontract_view.h"
 #include "host/bwidgets/grid_sheet.h"
-#include "host/bwidgets/search_box.h"
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/styled_item_delegate.h"
@@ -86,7 +85,6 @@ void DesSetSubcontractAssociationBillViewImpl::createActions() {
 
 void DesSetSubcontractAssociationBillViewImpl::setModel(abst::BaseModel* model) {
   BasePage::setModel(model);
-  setPopup(table_->searchBox());
   filter_ = dynamic_cast<abst::qce::destructors::DesSetSubcontractAssociationBillFilterModel*>(
       abstractModel());
 }

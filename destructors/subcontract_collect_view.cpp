@@ -9,7 +9,6 @@
 #include "destructors/subcontract_commands.h"
 #include "host/abst/qce/destructors/des_set_subcontract_view.h"
 #include "host/bwidgets/grid_sheet.h"
-#include "host/bwidgets/search_box.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/styled_item_delegate.h"
 #include "host/gui/tree_grid_view.h"
@@ -70,7 +69,6 @@ void DesSetSubcontractCollectViewImpl::setModel(abst::BaseModel* model) {
   tree_->header()->setSectionsClickable(false);
   tree_->header()->setSortIndicatorShown(false);
   tree_->expandAll();
-  setPopup(tree_->searchBox());
   if (tree_->model() == nullptr) return;
   // A bill that comes in is to be seen; so are those of an entry that comes back.
   connect(tree_->model(), &QAbstractItemModel::rowsInserted, tree_,

@@ -11,7 +11,6 @@
 #include "host/abst/qce/destructors/des_set_subcontract_view.h"
 #include "host/app/scoped_undo.h"
 #include "host/bwidgets/grid_sheet.h"
-#include "host/bwidgets/search_box.h"
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/styled_item_delegate.h"
@@ -60,7 +59,6 @@ DesSetSubcontractTableViewImpl::~DesSetSubcontractTableViewImpl() = default;
 
 void DesSetSubcontractTableViewImpl::setModel(abst::BaseModel* model) {
   BasePage::setModel(model);
-  setPopup(table_->searchBox());
   // Entries stand in the order that the estimator gives them.
   table_->header()->setSectionsClickable(false);
   table_->header()->setSortIndicatorShown(false);

@@ -21,7 +21,6 @@
 #include "host/app/scoped_undo.h"
 #include "host/app/services.h"
 #include "host/base/number_text.h"
-#include "host/bwidgets/search_box.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/operator.h"
 #include "host/gui/tree_grid_view.h"
@@ -187,7 +186,6 @@ void QCEResItemBillViewImpl::setModel(abst::BaseModel* model) {
   BasePage::setModel(model);
   filter_ = dynamic_cast<abst::qce::QCEResItemBillFilterModel*>(abstractModel());
   if (filter_ == nullptr) return;
-  setPopup(grid()->searchBox());
   connect(grid()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
           &QCEResItemBillViewImpl::refreshLater);
   connect(grid()->selectionModel(), &QItemSelectionModel::currentChanged, this,

@@ -16,7 +16,6 @@
 #include "host/app/services.h"
 #include "host/bwidgets/grid_header.h"
 #include "host/bwidgets/grid_sheet.h"
-#include "host/bwidgets/search_box.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/styled_item_delegate.h"
 #include "host/gui/tree_grid_view.h"
@@ -70,7 +69,6 @@ void ResItemViewImpl::setModel(abst::BaseModel* model) {
   BasePage::setModel(model);
   textFilter_ = dynamic_cast<ResItemTextFilter*>(abstractModel());
   if (textFilter_ != nullptr) hideKeptColumns();
-  setPopup(treeGrid_->searchBox());
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -22,7 +22,6 @@
 #include "host/bwidgets/dialog.h"
 #include "host/bwidgets/grid_header.h"
 #include "host/bwidgets/grid_sheet.h"
-#include "host/bwidgets/search_box.h"
 #include "host/domain/display_table.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/sub_engineering_operator.h"
@@ -212,7 +211,6 @@ void SubEngineeringViewImpl::setModel(abst::BaseModel* model) {
   BasePage::setModel(model);
   filter_ = dynamic_cast<abst::SubEngineeringFilterModel*>(abstractModel());
   if (filter_ != nullptr) showResAction_->setChecked(filter_->isShowRes());
-  setPopup(treeGrid_->searchBox());
   if (treeGrid_->model() == nullptr) return;
   // The order of the bills is the tender's, and that of the file: it is not the view's to change.
   treeGrid_->gridHeader()->setSectionsClickable(false);
