@@ -1,22 +1,6 @@
-#include <QAction>
-#include <QApplication>
-#include <QClipboard>
-#include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QSortFilterProxyModel>
-#include <QSplitter>
-#include <QTimer>
-#include <QToolButton>
-#include <QUndoStack>
 #include <functional>
 #include <set>
 
-#include "host/app/scoped_undo.h"
 #include "host/bwidgets/tree_grid_view.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/view_model.h"
@@ -427,10 +411,7 @@ class TestResItemBillOnProject : public QObject {
   }
   void type(int row, const std::string& key, const QString& text) {
     f_->driver.clickCell(grid_, cell(row, key));
-    f_->driver.key(Qt::Key_F2);
-    f_->driver.key(Qt::Key_A, Qt::ControlModifier);
-    f_->driver.type(text);
-    f_->driver.key(Qt::Key_Return);
+    f_->driver.edit(text);
   }
   static void key(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     widget->setFocus();

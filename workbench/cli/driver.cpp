@@ -128,6 +128,17 @@ void Driver::type(const QString& text) {
   }
 }
 
+void Driver::retype(const QString& text) {
+  key(Qt::Key_A, Qt::ControlModifier);
+  type(text);
+}
+
+void Driver::edit(const QString& text) {
+  key(Qt::Key_F2);
+  retype(text);
+  key(Qt::Key_Return);
+}
+
 bool Driver::withPopup(const std::function<void()>& open,
                        const std::function<void(QWidget*)>& inside) {
   QWidget* const before = openPopup();

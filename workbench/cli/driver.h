@@ -31,6 +31,10 @@ class Driver {
   /// Presses and releases a key in the window that has the keyboard.
   void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
   void type(const QString& text);
+  /// Types over all that the editor or line with the keyboard holds.
+  void retype(const QString& text);
+  /// Gives the current cell another text: F2, the text, Return.
+  void edit(const QString& text);
 
   /// Runs `open`, which opens a modal dialog or a menu, and `inside` once that stands. True when it
   /// came up; `inside` must close it.

@@ -122,10 +122,7 @@ void Tour::bills() {
   const costing::Decimal total = project.totals().excluded;
   const auto express = [&](const QString& expression) {
     driver_.clickCell(tree, cell(bill, keys::SECalcExpr));
-    driver_.key(Qt::Key_F2);
-    driver_.key(Qt::Key_A, Qt::ControlModifier);
-    driver_.type(expression);
-    driver_.key(Qt::Key_Return);
+    driver_.edit(expression);
   };
   express("工程量*(1.2+");
   require(channel_->messages().size() == 1 &&

@@ -100,8 +100,7 @@ void Tour::poolResources() {
         const QModelIndex quantity = rowOf(rows, *part, "QCE_NPCollectionAmount");
         const QString shown = quantity.data().toString();
         driver_.doubleClickCell(rows, quantity);
-        driver_.key(Qt::Key_A, Qt::ControlModifier);
-        driver_.type("999999999");
+        driver_.retype("999999999");
         driver_.key(Qt::Key_Return);
         Driver::wait(0);
         require(channel_->messages().size() == 1 &&
@@ -110,8 +109,7 @@ void Tour::poolResources() {
         channel_->clear();
         require(quantity.data().toString() == shown, "拒绝之后归集数量变了");
         driver_.doubleClickCell(rows, quantity);
-        driver_.key(Qt::Key_A, Qt::ControlModifier);
-        driver_.type(QString::fromStdString(half.toString()));
+        driver_.retype(QString::fromStdString(half.toString()));
         driver_.key(Qt::Key_Return);
         Driver::wait(0);
         require(dialog->isVisible(), "回车关闭了对话框");
@@ -293,17 +291,11 @@ void Tour::billTerms() {
   require(line().costQuantity == found->budgetQuantity * factor, "系数没有进入成本数量");
 
   driver_.clickCell(pane, at(bill, keys::SEContent));
-  driver_.key(Qt::Key_F2);
-  driver_.key(Qt::Key_A, Qt::ControlModifier);
-  driver_.type("0.5*3");
-  driver_.key(Qt::Key_Return);
+  driver_.edit("0.5*3");
   require(line().costQuantity == bill.quantity.value() * *Decimal::parse("1.5") * factor,
           "实际含量没有进入成本数量");
   driver_.clickCell(pane, at(bill, keys::RIExcludedTaxFee));
-  driver_.key(Qt::Key_F2);
-  driver_.key(Qt::Key_A, Qt::ControlModifier);
-  driver_.type("100*1.03");
-  driver_.key(Qt::Key_Return);
+  driver_.edit("100*1.03");
   require(line().excludedAmount == (bill.quantity.value() * 103).rounded(costing::MoneyPlaces),
           "分包单价没有进入成本合价");
   picture("清单明细");

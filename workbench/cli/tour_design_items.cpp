@@ -264,8 +264,7 @@ void Tour::designItems() {
           auto* price = dialog->findChild<QLineEdit*>("DesCollection_price");
           const auto enter = [&](const QString& text) {
             driver_.click(price);
-            driver_.key(Qt::Key_A, Qt::ControlModifier);
-            driver_.type(text);
+            driver_.retype(text);
           };
           enter("120*(");
           driver_.key(Qt::Key_Return);

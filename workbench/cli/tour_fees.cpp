@@ -168,10 +168,7 @@ void Tour::indirectFees() {
   const Decimal amount = exact(cell(keys::IFCostAmount, row).data(Qt::EditRole));
   const Decimal changed = exact(rate.data(Qt::EditRole)) + 1;
   driver_.clickCell(table, rate);
-  driver_.key(Qt::Key_F2);
-  driver_.key(Qt::Key_A, Qt::ControlModifier);
-  driver_.type(QString::fromStdString(changed.toString()));
-  driver_.key(Qt::Key_Return);
+  driver_.edit(QString::fromStdString(changed.toString()));
   const Decimal expected = (base * changed / 100).rounded(2);
   require(exact(cell(keys::IFCostAmount, row).data(Qt::EditRole)) == expected,
           "成本金额没有随费率改变");

@@ -166,8 +166,7 @@ void Tour::editPrice() {
   editedPrice_ = before + 12.34;
   driver_.clickCell(grid(), cell);
   driver_.key(Qt::Key_F2);
-  driver_.key(Qt::Key_A, Qt::ControlModifier);
-  driver_.type(QString::number(editedPrice_, 'f', 2));
+  driver_.retype(QString::number(editedPrice_, 'f', 2));
   picture("修改单价");
   driver_.key(Qt::Key_Return);
   editedPrice_ = QString::number(editedPrice_, 'f', 2).toDouble();
@@ -199,8 +198,7 @@ void Tour::batchPrice() {
   driver_.clickCell(grid(), cells.last(), Qt::ShiftModifier);
   const bool came = driver_.withPopup([this] { driver_.key(Qt::Key_B, Qt::ControlModifier); },
                                       [this](QWidget* dialog) {
-                                        driver_.key(Qt::Key_A, Qt::ControlModifier);
-                                        driver_.type("88.66");
+                                        driver_.retype("88.66");
                                         picture("批量设置单价", dialog);
                                         driver_.key(Qt::Key_Return);
                                         if (dialog->isVisible())

@@ -68,8 +68,7 @@ void Tour::subcontracts() {
   const auto edit = [&](const std::string& key, const QString& text) {
     driver_.clickCell(table, cell(table, 0, key));
     driver_.key(Qt::Key_F2);
-    driver_.key(Qt::Key_A, Qt::ControlModifier);
-    driver_.type(text);
+    driver_.retype(text);
     // A list of what matches stands over the editor first.
     if (QApplication::activePopupWidget() != nullptr) driver_.key(Qt::Key_Return);
     if (!table->hasFocus()) driver_.key(Qt::Key_Return);
@@ -229,8 +228,7 @@ void Tour::subcontracts() {
       driver_.withPopup([&] { driver_.click(find<QPushButton>("ResItem_setContract")); },
                         [&](QWidget* dialog) {
                           driver_.click(find<QLineEdit>("DesCollection_price", dialog));
-                          driver_.key(Qt::Key_A, Qt::ControlModifier);
-                          driver_.type("120");
+                          driver_.retype("120");
                           driver_.key(Qt::Key_Return);
                           if (dialog->isVisible()) static_cast<QDialog*>(dialog)->reject();
                         });

@@ -146,10 +146,7 @@ class IndirectFeePageTest : public QObject {
   QString message() const { return f_->message(); }
   void type(const std::string& key, const QString& what) {
     f_->driver.clickCell(table_, cell(key, row_));
-    f_->driver.key(Qt::Key_F2);
-    f_->driver.key(Qt::Key_A, Qt::ControlModifier);
-    f_->driver.type(what);
-    f_->driver.key(Qt::Key_Return);
+    f_->driver.edit(what);
   }
 
   std::unique_ptr<tests::WindowFixture> f_;

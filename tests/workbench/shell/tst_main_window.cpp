@@ -1,13 +1,3 @@
-#include <QAction>
-#include <QFile>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QProgressDialog>
-#include <QPushButton>
-#include <QStatusBar>
-#include <QTimer>
-#include <QToolButton>
 
 #include "host/bwidgets/tree_grid_view.h"
 #include "host/domain/field_keys.h"
@@ -229,10 +219,7 @@ class MainWindowTest : public QObject {
 
   void typePrice(const QString& text) {
     f_->driver.clickCell(grid(), priceCell());
-    f_->driver.key(Qt::Key_F2);
-    f_->driver.key(Qt::Key_A, Qt::ControlModifier);
-    f_->driver.type(text);
-    f_->driver.key(Qt::Key_Return);
+    f_->driver.edit(text);
   }
 
   double price() const { return grid()->model()->data(priceCell(), Qt::EditRole).toDouble(); }
