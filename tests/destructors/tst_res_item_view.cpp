@@ -1,18 +1,6 @@
 #include "destructors/res_item_view.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDialog>
-#include <QDialogButtonBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPlainTextEdit>
-#include <QPushButton>
 #include <QSignalSpy>
-#include <QToolButton>
-#include <QTreeWidget>
-#include <QtTest>
 #include <algorithm>
 #include <memory>
 

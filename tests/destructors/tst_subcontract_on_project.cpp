@@ -1,12 +1,3 @@
-#include <QCheckBox>
-#include <QFileDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QMessageBox>
-#include <QTimer>
-#include <QUndoStack>
-#include <QtTest>
 
 #include "destructors/subcontract_association_bill_view.h"
 #include "destructors/subcontract_collect_view.h"

@@ -1,13 +1,4 @@
-#include <QCheckBox>
-#include <QDialogButtonBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPushButton>
 #include <QSignalSpy>
-#include <QTimer>
-#include <QVBoxLayout>
-#include <QtTest>
 
 #include "destructors/subcontract_add_base_view.h"
 #include "destructors/subcontract_association_bill_filter_model.h"

@@ -1,7 +1,3 @@
-#include <QAction>
-#include <QHeaderView>
-#include <QSplitter>
-#include <QtTest>
 #include <map>
 
 #include "engineering/indirect_fee_left_model.h"

@@ -1,18 +1,5 @@
 #include "engineering/view.h"
 
-#include <QCheckBox>
-#include <QClipboard>
-#include <QComboBox>
-#include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTableWidget>
-#include <QToolButton>
-#include <QUndoStack>
-
 #include "engineering/filter_model.h"
 #include "engineering/model.h"
 #include "framework/des_filter_view.h"

@@ -1,11 +1,5 @@
 #include "framework/base_page.h"
 
-#include <QHeaderView>
-#include <QStackedWidget>
-#include <QTabWidget>
-#include <QVBoxLayout>
-#include <QtTest>
-
 #include "host/abst/base_model.h"
 #include "host/bwidgets/tree_grid_view.h"
 #include "resitem/filter_model.h"

@@ -1,10 +1,4 @@
-#include <QCheckBox>
-#include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QSignalSpy>
-#include <QtTest>
 
 #include "framework/des_filter_view.h"
 #include "tests/support/rows.h"

@@ -1,5 +1,4 @@
 #include <QSignalSpy>
-#include <QTest>
 #include <random>
 
 #include "framework/filter_view_model.h"

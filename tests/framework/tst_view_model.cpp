@@ -1,7 +1,6 @@
 #include <QColor>
 #include <QFont>
 #include <QSignalSpy>
-#include <QTest>
 
 #include "framework/view_model.h"
 #include "tests/support/recording_services.h"

@@ -1,4 +1,3 @@
-#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -6,31 +5,23 @@
 #include "pooling/association_bill_right_filter_model.h"
 #include "pooling/association_bill_right_model.h"
 #include "tests/pooling/association_bill_fake.h"
+#include "tests/support/chain.h"
 #include "tests/support/rows.h"
-#include "tests/support/tester_proxy.h"
 
 using Elements = std::vector<proxy::Element*>;
 using tests::FakeRightOperator;
 using tests::Node;
 
-class AssociationBillModelsTest : public QObject {
+using Model = gui::qce::QCEAssociationBillRightModelImpl;
+using Filter = gui::qce::QCEAssociationBillRightFilterModelImpl;
+
+class AssociationBillModelsTest : public QObject, tests::Chain<FakeRightOperator, Model, Filter> {
   Q_OBJECT
 
  private slots:
   void init() {
-    op_ = std::make_unique<FakeRightOperator>();
-    model_ = std::make_unique<Model>();
-    filter_ = std::make_unique<Filter>(model_.get());
-    tests::attachTester(model_.get());
-    tests::attachTester(filter_.get());
-    model_->setDisplayTable(&op_->table);
-    model_->setOperator(op_.get());
-  }
-
-  void cleanup() {
-    filter_.reset();
-    model_.reset();
-    op_.reset();
+    make();
+    show();
   }
 
   void parentsFollowTheirChildren() {
@@ -270,9 +261,6 @@ class AssociationBillModelsTest : public QObject {
   }
 
  private:
-  using Model = gui::qce::QCEAssociationBillRightModelImpl;
-  using Filter = gui::qce::QCEAssociationBillRightFilterModelImpl;
-
   Node* at(const std::string& name) const { return op_->tree.at(name); }
   QModelIndex box(const std::string& name) const { return model_->makeIndex(at(name), 0); }
   void check(const std::string& name, bool on = true) {
@@ -287,11 +275,6 @@ class AssociationBillModelsTest : public QObject {
     }
     return names.join(' ');
   }
-  QString shown() const { return QString::fromStdString(tests::treeText(*filter_)); }
-
-  std::unique_ptr<FakeRightOperator> op_;
-  std::unique_ptr<Model> model_;
-  std::unique_ptr<Filter> filter_;
 };
 
 QTEST_GUILESS_MAIN(AssociationBillModelsTest)

@@ -1,16 +1,5 @@
 #include "pooling/association_bill_view.h"
 
-#include <QAbstractProxyModel>
-#include <QCheckBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QMessageBox>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QUndoStack>
-
-#include "host/app/scoped_undo.h"
 #include "host/bwidgets/screen.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/tree_grid_view.h"

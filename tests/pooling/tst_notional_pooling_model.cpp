@@ -4,10 +4,10 @@
 #include <QtTest>
 
 #include "pooling/notional_pooling_filter_model.h"
+#include "tests/support/chain.h"
 #include "tests/support/fake_pooling_operator.h"
 #include "tests/support/recording_services.h"
 #include "tests/support/rows.h"
-#include "tests/support/tester_proxy.h"
 
 namespace keys = domain::keys;
 using Fake = tests::FakePoolingOperator;
@@ -28,32 +28,24 @@ class Model : public gui::qce::QCENotionalPoolingModelImpl {
 
 }  // namespace
 
-class TestNotionalPoolingModel : public QObject {
+class TestNotionalPoolingModel
+    : public QObject,
+      tests::Chain<Fake, Model, gui::qce::QCENotionalPoolingFilterModelImpl> {
   Q_OBJECT
 
  private slots:
   void init() {
     services_ = std::make_unique<tests::RecordingServices>();
-    op_ = std::make_unique<Fake>();
-    model_ = std::make_unique<Model>();
-    filter_ = std::make_unique<gui::qce::QCENotionalPoolingFilterModelImpl>(model_.get());
-    tests::attachTester(model_.get());
-    tests::attachTester(filter_.get());
+    make();
     first_ = op_->bill("A");
     Fake::item(first_, "a", 10.0);
     Fake::item(first_, "b", 2.5);
     second_ = op_->bill("B");
     Fake::item(second_, "a", 7.0);
     Fake::item(second_, "c", 1.0);
-    model_->setDisplayTable(&op_->table);
-    model_->setOperator(op_.get());
+    show();
   }
-  void cleanup() {
-    filter_.reset();
-    model_.reset();
-    op_.reset();
-    services_.reset();
-  }
+  void cleanup() { services_.reset(); }
 
   void checksEverythingBelow() {
     QSignalSpy changed(model_.get(), &QAbstractItemModel::dataChanged);
@@ -244,12 +236,8 @@ class TestNotionalPoolingModel : public QObject {
     }
     return names.join(' ');
   }
-  QString shown() const { return QString::fromStdString(tests::treeText(*filter_)); }
 
   std::unique_ptr<tests::RecordingServices> services_;
-  std::unique_ptr<Fake> op_;
-  std::unique_ptr<Model> model_;
-  std::unique_ptr<gui::qce::QCENotionalPoolingFilterModelImpl> filter_;
   Node* first_ = nullptr;
   Node* second_ = nullptr;
 };

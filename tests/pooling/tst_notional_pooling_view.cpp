@@ -1,13 +1,7 @@
 #include "pooling/notional_pooling_view.h"
 
-#include <QApplication>
-#include <QLabel>
-#include <QListWidget>
-#include <QPushButton>
-#include <QUndoStack>
 #include <functional>
 
-#include "host/app/scoped_undo.h"
 #include "host/bwidgets/screen.h"
 #include "host/domain/field_keys.h"
 #include "host/gui/tree_grid_view.h"

@@ -1,9 +1,3 @@
-#include <QColor>
-#include <QDialog>
-#include <QLineEdit>
-#include <QRadioButton>
-#include <QTimer>
-#include <QtTest>
 #include <set>
 
 #include "host/domain/field_keys.h"
@@ -11,10 +5,9 @@
 #include "pooling/res_item_bill_filter_model.h"
 #include "pooling/res_item_bill_model.h"
 #include "pooling/res_item_bill_view.h"
+#include "tests/support/chain.h"
 #include "tests/support/recording_services.h"
-#include "tests/support/test_elements.h"
 #include "tests/support/test_main.h"
-#include "tests/support/tester_proxy.h"
 
 namespace keys = domain::keys;
 using tests::field;
@@ -71,16 +64,14 @@ class Fake : public tests::NodeHost<domain::qce::QCEResItemBillOperator> {
 
 }  // namespace
 
-class TestResItemBillModel : public QObject {
+class TestResItemBillModel : public QObject,
+                             tests::Chain<Fake, gui::qce::QCEResItemBillModelImpl,
+                                          gui::qce::QCEResItemBillFilterModelImpl> {
   Q_OBJECT
 
  private slots:
   void init() {
-    model_ = std::make_unique<gui::qce::QCEResItemBillModelImpl>();
-    filter_ = std::make_unique<gui::qce::QCEResItemBillFilterModelImpl>(model_.get());
-    tests::attachTester(model_.get());
-    tests::attachTester(filter_.get());
-    op_ = std::make_unique<Fake>();
+    make();
     for (const char* content : {"9", "10", ""}) {
       op_->tree.add(content)
           ->set(keys::SEContent, std::string(content))
@@ -89,11 +80,6 @@ class TestResItemBillModel : public QObject {
     }
     model_->setOperator(op_.get());
     model_->setTableName("1");
-  }
-  void cleanup() {
-    filter_.reset();
-    model_.reset();
-    op_.reset();
   }
 
   void headsTheBillPriceByTheKindOfTheTable() {
@@ -197,10 +183,6 @@ class TestResItemBillModel : public QObject {
   QModelIndex cell(int row, const std::string& key) const {
     return model_->index(row, model_->getColumnIndex(key));
   }
-
-  std::unique_ptr<gui::qce::QCEResItemBillModelImpl> model_;
-  std::unique_ptr<gui::qce::QCEResItemBillFilterModelImpl> filter_;
-  std::unique_ptr<Fake> op_;
 };
 
 QCE_WIDGET_TEST_MAIN(TestResItemBillModel)

@@ -3,23 +3,30 @@
 #include <QtTest>
 
 #include "resitem/model.h"
+#include "tests/support/chain.h"
 #include "tests/support/fake_res_item_operator.h"
 #include "tests/support/rows.h"
-#include "tests/support/tester_proxy.h"
 
 namespace keys = domain::keys;
 using Fake = tests::FakeResItemOperator;
 
-class TestFilterModel : public QObject {
+namespace {
+
+// The row hook, asked as the proxy asks it.
+class Filter : public gui::qce::QCEResItemFilterModelImpl {
+ public:
+  using QCEResItemFilterModelImpl::QCEResItemFilterModelImpl;
+  bool accepts(proxy::Element* element) const { return isAcceptRow(element); }
+};
+
+}  // namespace
+
+class TestFilterModel : public QObject, tests::Chain<Fake, gui::qce::QCEResItemModelImpl, Filter> {
   Q_OBJECT
 
  private slots:
   void init() {
-    op_ = std::make_unique<Fake>();
-    model_ = std::make_unique<gui::qce::QCEResItemModelImpl>();
-    filter_ = std::make_unique<Filter>(model_.get());
-    tests::attachTester(model_.get());
-    tests::attachTester(filter_.get());
+    make();
     tests::Node* steel = op_->group("S");
     rebar_ = Fake::item(steel, "s1", "螺纹钢筋", 10.0);
     rebar_->set(keys::BRISpec, std::string("HRB400 φ12"))
@@ -33,13 +40,7 @@ class TestFilterModel : public QObject {
     worker_->set(keys::BRIUnit, std::string("工日"))
         ->set(keys::BRIAssociation, std::string("\xE2\x9C\x93"))
         ->set(keys::BRIPriceAdjustable, true);
-    model_->setDisplayTable(&op_->table);
-    model_->setOperator(op_.get());
-  }
-  void cleanup() {
-    filter_.reset();
-    model_.reset();
-    op_.reset();
+    show();
   }
 
   void refusesValuesOfAnotherKind() {
@@ -179,14 +180,6 @@ class TestFilterModel : public QObject {
   }
 
  private:
-  // The row hook, asked as the proxy asks it.
-  class Filter : public gui::qce::QCEResItemFilterModelImpl {
-   public:
-    using QCEResItemFilterModelImpl::QCEResItemFilterModelImpl;
-    bool accepts(proxy::Element* element) const { return isAcceptRow(element); }
-  };
-
-  QString shown() const { return QString::fromStdString(tests::treeText(*filter_)); }
   void condition(const QStringList& words) {
     std::vector<std::string> keywords;
     for (const QString& word : words) keywords.push_back(word.toStdString());
@@ -203,9 +196,6 @@ class TestFilterModel : public QObject {
     QCOMPARE(tests::treeText(*filter_), op_->tree.text());
   }
 
-  std::unique_ptr<Fake> op_;
-  std::unique_ptr<gui::qce::QCEResItemModelImpl> model_;
-  std::unique_ptr<Filter> filter_;
   tests::Node* rebar_ = nullptr;
   tests::Node* wire_ = nullptr;
   tests::Node* worker_ = nullptr;

@@ -1,17 +1,5 @@
 #include "resitem/view.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QContextMenuEvent>
-#include <QHeaderView>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QToolButton>
-#include <QUndoStack>
-
 #include "framework/des_filter_view.h"
 #include "host/base/number_text.h"
 #include "host/bwidgets/grid_header.h"

@@ -184,4 +184,12 @@ struct SampleGrid {
   SampleFilter filter;
 };
 
+/// With every group unfolded.
+struct OpenGrid : SampleGrid {
+  template <class... Made>
+  explicit OpenGrid(Made... made) : SampleGrid(made...) {
+    view->expandAll();
+  }
+};
+
 }  // namespace tests

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QFont>
 #include <QtTest>
+#include <QtWidgets>
 
 /// main() of a test that shows widgets: Chinese texts get glyphs, and every machine the same font.
 #define QCE_WIDGET_TEST_MAIN(TestClass)                                  \

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <QLabel>
-#include <QTemporaryDir>
-#include <QUndoStack>
 #include <QtTest>
+#include <QtWidgets>
 #include <memory>
 
 #include "tests/support/tester_proxy.h"

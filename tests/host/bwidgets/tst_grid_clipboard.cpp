@@ -1,10 +1,9 @@
-#include <QClipboard>
-#include <QMessageBox>
 
 #include "host/bwidgets/table_view.h"
 #include "tests/support/sample_grid.h"
 #include "tests/support/test_main.h"
 
+using tests::OpenGrid;
 using tests::SampleGrid;
 
 namespace {
@@ -55,8 +54,7 @@ class TestGridClipboard : public QObject {
   }
 
   void copiesAScatteredSelectionInItsFrame() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.click("0.2:name");
     g.click("0.0:code", Qt::ControlModifier);
     g.key(Qt::Key_C, Qt::ControlModifier);
@@ -83,8 +81,7 @@ class TestGridClipboard : public QObject {
   }
 
   void pastesAtTheTopLeftOfTheSelection() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.click("0.1:note");
     g.click("0.0:unit", Qt::ShiftModifier);  // the current cell is the top left one now
     g.click("0.0:unit");
@@ -97,8 +94,7 @@ class TestGridClipboard : public QObject {
   }
 
   void fillsTheSelectionWithOneValue() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.select("0.0:unit", "0.2:unit");
     g.view->selectionModel()->select(g.cell("1.3:note"), QItemSelectionModel::Select);
     setClipboard("kg\n");
@@ -111,8 +107,7 @@ class TestGridClipboard : public QObject {
   }
 
   void readsNumbersAndCheckMarks() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.setCurrent("0.0:amount");
     setClipboard("１２．５\n\n¥1,000");
     g.key(Qt::Key_V, Qt::ControlModifier);
@@ -127,8 +122,7 @@ class TestGridClipboard : public QObject {
   }
 
   void namesWhatItCouldNotPaste() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.setCurrent("2.2:price");
     // total is read-only, "x" is no number, the grid has one more row and three more columns.
     setClipboard("1\t2\t\tn\t5\nx\t\t\tn\n9\n9\n");
@@ -151,8 +145,7 @@ class TestGridClipboard : public QObject {
   }
 
   void reportsOnceWhatTheModelSaysOfEachCell() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.view->setTreePosition(1);
     g.op.refuse = true;
     g.op.complaint = "“CL1000 螺纹钢 HRB400”的单价过大。";
@@ -180,8 +173,7 @@ class TestGridClipboard : public QObject {
 
   void pastesWhileTheModelFilters() {
     // Each accepted edit makes the proxy filter and sort again; the rows must not be lost.
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.filter.want("中砂");
     QCOMPARE(g.filter.rowCount(g.cell("0:code")), 1);
     g.view->setCurrentIndex(g.cell("0.0:note"));
@@ -206,8 +198,7 @@ class TestGridClipboard : public QObject {
   }
 
   void clears() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.select("0.0:name", "0.0:note");
     g.key(Qt::Key_Delete);
     QCOMPARE(g.text("0.0:name"), QString());

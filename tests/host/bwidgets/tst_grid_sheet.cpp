@@ -1,11 +1,10 @@
 #include "host/bwidgets/grid_sheet.h"
 
-#include <QStandardItemModel>
-
 #include "host/bwidgets/table_view.h"
 #include "tests/support/sample_grid.h"
 #include "tests/support/test_main.h"
 
+using tests::OpenGrid;
 using tests::SampleGrid;
 
 namespace {
@@ -82,8 +81,7 @@ class GridSheetTest : public QObject {
   }
 
   void rowsAreThoseOfTheFilterWithTheirLevels() {
-    SampleGrid grid(3, 4);
-    grid.view->expandAll();
+    OpenGrid grid(3, 4);
     grid.view->collapse(grid.cell("1:code"));
     grid.filter.want("水泥");
     grid.view->setRowHidden(0, grid.cell("2:code"), true);

@@ -3,6 +3,7 @@
 #include "tests/support/sample_grid.h"
 #include "tests/support/test_main.h"
 
+using tests::OpenGrid;
 using tests::SampleGrid;
 
 namespace {
@@ -83,8 +84,7 @@ class TestGridState : public QObject {
   }
 
   void survivesElementsThatAreGone() {
-    SampleGrid g(3, 40);
-    g.view->expandAll();
+    OpenGrid g(3, 40);
     g.select("0.3:name", "0.4:unit");
     g.view->verticalScrollBar()->setValue(200);
     g.model.reset([&g] { g.op.tree.remove(0, 1, nullptr); });
@@ -128,8 +128,7 @@ class TestGridState : public QObject {
   }
 
   void newModelStartsAfresh() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.filter.want("人工");  // the others are gone, and remembered as expanded
     g.view->setModel(nullptr);
     g.filter.want("");

@@ -1,9 +1,8 @@
-#include <QLabel>
-#include <QLineEdit>
 
 #include "tests/support/sample_grid.h"
 #include "tests/support/test_main.h"
 
+using tests::OpenGrid;
 using tests::SampleGrid;
 
 namespace {
@@ -67,8 +66,7 @@ class TestSearchBox : public QObject {
   }
 
   void startsFromTheCurrentCell() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.setCurrent("0.3:price");
     type(g, "螺纹");
     press(g, Qt::Key_Return);
@@ -141,8 +139,7 @@ class TestSearchBox : public QObject {
   }
 
   void hidesNeitherCellsNorTitles() {
-    SampleGrid g(3, 40);
-    g.view->expandAll();
+    OpenGrid g(3, 40);
     g.setCurrent("0.0:note");
     const auto over = [&g](const QWidget* part) {
       return QRect(part->mapTo(g.view.get(), QPoint()), part->size());

@@ -1,4 +1,3 @@
-#include <QPushButton>
 
 #include "host/bwidgets/dialog.h"
 #include "host/bwidgets/table_view.h"

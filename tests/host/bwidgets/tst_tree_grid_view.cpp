@@ -3,6 +3,7 @@
 #include "tests/support/sample_grid.h"
 #include "tests/support/test_main.h"
 
+using tests::OpenGrid;
 using tests::SampleGrid;
 
 class TestTreeGridView : public QObject {
@@ -10,8 +11,7 @@ class TestTreeGridView : public QObject {
 
  private slots:
   void keepsFrozenColumnsInPlace() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.view->setFrozenColumnCount(2);
     const QRect code = g.view->visualRect(g.cell("0.1:code"));
     const QRect price = g.view->visualRect(g.cell("0.1:price"));
@@ -34,8 +34,7 @@ class TestTreeGridView : public QObject {
   }
 
   void typingOnACellThatCannotBeEditedGoesNowhere() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.setCurrent("0.1:total");
     QTest::keyClicks(g.view.get(), g.text("0.2:total").left(1) + "2");
     QVERIFY(g.editor() == nullptr);
@@ -43,8 +42,7 @@ class TestTreeGridView : public QObject {
   }
 
   void paintsFrozenColumnsOverTheOthers() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.view->setFrozenColumnCount(2);
     g.setCurrent("0.0:note");
     g.scrollTo(0);
@@ -79,8 +77,7 @@ class TestTreeGridView : public QObject {
   }
 
   void showsTheCurrentCellBesideFrozenColumns() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.view->setFrozenColumnCount(2);
     const int border = g.view->gridHeader()->frozenWidth();
     g.setCurrent("0.1:note");
@@ -107,8 +104,7 @@ class TestTreeGridView : public QObject {
   }
 
   void movesOverAllShownColumns() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.view->setColumnHidden(2, true);
     g.view->gridHeader()->moveSection(7, 1);  // note after code
     g.setCurrent("0.1:code");
@@ -159,8 +155,7 @@ class TestTreeGridView : public QObject {
   }
 
   void selectsBlocksByShiftKeysAcrossTheBorder() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.view->setFrozenColumnCount(2);
     g.setCurrent("0.1:unit");
     g.view->setCurrentIndex(g.cell("0.1:unit"));
@@ -177,8 +172,7 @@ class TestTreeGridView : public QObject {
   }
 
   void selectsBlocksByMouse() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.view->setFrozenColumnCount(2);
     g.scrollTo(150);
     const auto centre = [&g](const char* path) {
@@ -342,8 +336,7 @@ class TestTreeGridView : public QObject {
   }
 
   void zooms() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     const int row = g.view->visualRect(g.cell("0:code")).height();
     QSignalSpy zoomed(g.view.get(), &bwidgets::TreeGridView::zoomChanged);
     g.view->setZoom(150);
@@ -360,8 +353,7 @@ class TestTreeGridView : public QObject {
   }
 
   void tellsElements() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     std::vector<proxy::Element*> changes;
     connect(g.view.get(), &bwidgets::TreeGridView::currentElementChanged, this,
             [&changes](proxy::Element* element) { changes.push_back(element); });

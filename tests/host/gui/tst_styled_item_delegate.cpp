@@ -1,11 +1,10 @@
-#include <QHelpEvent>
-#include <QToolTip>
 
 #include "host/gui/styled_item_delegate.h"
 #include "tests/support/rows.h"
 #include "tests/support/sample_grid.h"
 #include "tests/support/test_main.h"
 
+using tests::OpenGrid;
 using tests::SampleGrid;
 
 namespace {
@@ -64,8 +63,7 @@ class TestStyledItemDelegate : public QObject {
   }
 
   void typingReplacesTheText() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.setCurrent("0.0:amount");
     QTest::keyClick(g.view.get(), '7');
     QVERIFY(g.editor() != nullptr);
@@ -99,8 +97,7 @@ class TestStyledItemDelegate : public QObject {
   }
 
   void keepsWhatIsNoNumberInTheEditor() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.setCurrent("0.0:price");
     const domain::Value before = *g.node(0, 0)->find("price", Qt::EditRole);
     g.key(Qt::Key_F2);
@@ -118,8 +115,7 @@ class TestStyledItemDelegate : public QObject {
   }
 
   void staysOnACellThatIsRefused() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.op.refuse = true;
     for (const auto key : {Qt::Key_Return, Qt::Key_Tab}) {
       g.setCurrent("0.0:price");
@@ -157,8 +153,7 @@ class TestStyledItemDelegate : public QObject {
   }
 
   void togglesCheckBoxes() {
-    SampleGrid g;
-    g.view->expandAll();
+    OpenGrid g;
     g.setCurrent("0.1:owner");
     const auto state = [&g] { return g.cell("0.1:owner").data(Qt::CheckStateRole).toInt(); };
     QCOMPARE(state(), int(Qt::Unchecked));

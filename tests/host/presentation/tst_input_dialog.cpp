@@ -1,9 +1,5 @@
 #include "host/presentation/input_dialog.h"
 
-#include <QLineEdit>
-#include <QPushButton>
-#include <QtTest>
-
 #include "tests/support/recording_services.h"
 #include "tests/support/rows.h"
 #include "tests/support/test_main.h"

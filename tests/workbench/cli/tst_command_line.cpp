@@ -1,8 +1,4 @@
-#include <QDir>
 #include <QImage>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QtTest>
 
 #include "tests/support/files.h"
 #include "tests/support/rows.h"

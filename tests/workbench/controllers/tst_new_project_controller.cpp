@@ -1,7 +1,4 @@
-#include <QDir>
 #include <QMessageBox>
-#include <QTemporaryDir>
-#include <QtTest>
 
 #include "tests/support/files.h"
 #include "tests/support/recording_services.h"

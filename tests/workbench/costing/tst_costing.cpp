@@ -2,19 +2,13 @@
 #include <random>
 
 #include "tests/support/rows.h"
+#include "tests/workbench/values.h"
 #include "workbench/costing/packed_decimal.h"
 #include "workbench/costing/rules.h"
 
 using costing::Decimal;
 using costing::PackedDecimal;
-
-namespace {
-
-Decimal dec(const char* text) {
-  return Decimal::parse(text).value();
-}
-
-}  // namespace
+using tests::dec;
 
 class CostingTest : public QObject {
   Q_OBJECT

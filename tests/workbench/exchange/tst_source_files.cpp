@@ -1,7 +1,3 @@
-#include <QBuffer>
-#include <QDir>
-#include <QTemporaryDir>
-#include <QtTest>
 #include <random>
 
 #include "tests/support/files.h"

@@ -1,10 +1,5 @@
 #include <sys/resource.h>
 
-#include <QBuffer>
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QtTest>
 #include <csignal>
 #include <limits>
 

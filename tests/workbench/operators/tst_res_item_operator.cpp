@@ -1,8 +1,6 @@
 #include <QColor>
 #include <QFont>
-#include <QtTest>
 
-#include "host/app/scoped_undo.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/res_item_marks.h"
 #include "resitem/model.h"

@@ -1,6 +1,7 @@
 #include <QtTest>
 
 #include "tests/support/rows.h"
+#include "tests/workbench/values.h"
 #include "workbench/records/bill_costs.h"
 #include "workbench/records/project.h"
 #include "workbench/records/project_builder.h"
@@ -12,12 +13,9 @@ using records::BudgetItem;
 using records::LineTerms;
 using records::Project;
 using records::ResourceItem;
+using tests::dec;
 
 namespace {
-
-Decimal dec(const char* text) {
-  return Decimal::parse(text).value();
-}
 
 QString text(const Decimal& number) {
   return QString::fromStdString(number.toString());
@@ -124,13 +122,8 @@ class TestBillEdits : public QObject {
     example.project.set(*example.bill, data);
     QCOMPARE(text(example.bill->quantityForCost()), QString("110.5556"));
     line("错", "1+");
-    try {
-      example.project.set(*example.bill, data);
-      QFAIL("has a value");
-    } catch (const records::Refusal& refusal) {
-      const QString said = QString::fromUtf8(refusal.what());
-      QVERIFY2(said.startsWith("清单“0105 混凝土柱”的成本工程量明细第 4 行“1+”："), refusal.what());
-    }
+    const QString said = tests::refusal([&] { example.project.set(*example.bill, data); });
+    QVERIFY2(said.startsWith("清单“0105 混凝土柱”的成本工程量明细第 4 行“1+”："), qPrintable(said));
     QCOMPARE(text(example.bill->quantityForCost()), QString("110.5556"));
   }
 
@@ -148,12 +141,8 @@ class TestBillEdits : public QObject {
     QFETCH(QString, words);
     Example example;
     const std::string before = example.project.dump();
-    try {
-      example.express(expression.toUtf8().constData());
-      QFAIL("has a value");
-    } catch (const records::Refusal& refusal) {
-      QVERIFY2(QString::fromUtf8(refusal.what()).contains(words), refusal.what());
-    }
+    const QString said = tests::refusal([&] { example.express(expression.toUtf8().constData()); });
+    QVERIFY2(said.contains(words), qPrintable(said));
     QVERIFY(example.project.dump() == before);
     QVERIFY(!example.project.hasRecorded());
   }

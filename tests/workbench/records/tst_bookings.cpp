@@ -1,10 +1,9 @@
-#include <QtTest>
 #include <map>
 #include <random>
 
-#include "host/app/scoped_undo.h"
 #include "tests/support/rows.h"
 #include "tests/workbench/project_fixture.h"
+#include "tests/workbench/values.h"
 #include "workbench/records/project_builder.h"
 
 using costing::Decimal;
@@ -17,12 +16,9 @@ using records::LineTerms;
 using records::Project;
 using records::ResourceItem;
 using records::Subcontract;
+using tests::dec;
 
 namespace {
-
-Decimal dec(const char* text) {
-  return Decimal::parse(text).value();
-}
 
 BudgetItem& budgetItem(Bill& bill, int row) {
   return *static_cast<BudgetItem*>(bill.rows().at(row));
@@ -549,12 +545,7 @@ class BookingsTest : public QObject {
          [&] { project.set(*example.concrete, ItemField::Quantity, PackedDecimal(Decimal(3))); }},
     };
     for (const auto& [words, attempt] : forbidden) {
-      try {
-        attempt();
-        QFAIL(words);
-      } catch (const records::Refusal& refusal) {
-        QVERIFY2(QString::fromUtf8(refusal.what()).contains(words), refusal.what());
-      }
+      QVERIFY2(tests::refusal(attempt).contains(words), words);
     }
     QVERIFY(!project.remove(item));
     QVERIFY(project.dump() == before);

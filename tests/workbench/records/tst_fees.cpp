@@ -1,11 +1,10 @@
 #include <QUndoStack>
-#include <QtTest>
 #include <random>
 
 #include "tests/support/rows.h"
 #include "tests/workbench/project_fixture.h"
+#include "tests/workbench/values.h"
 #include "workbench/records/project_builder.h"
-#include "workbench/store/check.h"
 #include "workbench/store/database.h"
 
 using costing::Decimal;
@@ -14,12 +13,9 @@ using records::FeeCost;
 using records::FeeData;
 using records::IndirectFeeGroup;
 using records::IndirectFeeItem;
+using tests::dec;
 
 namespace {
-
-Decimal decimal(const char* text) {
-  return *Decimal::parse(text);
-}
 
 std::vector<IndirectFeeItem*> feesOf(const records::Project& project) {
   std::vector<IndirectFeeItem*> fees;
@@ -54,10 +50,10 @@ Decimal plainCost(records::Project& project, const IndirectFeeItem& fee) {
   if (cost.base.empty() || !cost.rate) return cost.amount;
   const records::StructureNode* work = workOf(fee);
   const Decimal labour = costOf(project, work, Category::Labour);
-  const Decimal base = cost.base == "人工费*1.5" ? labour * decimal("1.5")
+  const Decimal base = cost.base == "人工费*1.5" ? labour * dec("1.5")
                        : cost.base == "(人工费＋材料费)÷2"
                            ? (labour + costOf(project, work, Category::Material)) / 2
-                           : decimal(cost.base.c_str());
+                           : dec(cost.base.c_str());
   return (base * *cost.rate / 100).rounded(2);
 }
 
@@ -85,7 +81,7 @@ class FeesTest : public QObject {
     const auto add = [&](Category category, const char* quantity, int price) {
       records::ResourceItemData data;
       data.category = category;
-      data.quantity = decimal(quantity);
+      data.quantity = dec(quantity);
       data.price = price;
       return &builder.addItem(work, data);
     };
@@ -96,13 +92,13 @@ class FeesTest : public QObject {
     IndirectFeeItem& fee = builder.addFeeItem(group, 0);
     fee.sourceId = "F1";
     fee.name = "管理人员工资";
-    fee.base = decimal("58000");
-    fee.rate = decimal("5.5");
-    fee.amount = decimal("3190");
+    fee.base = dec("58000");
+    fee.rate = dec("5.5");
+    fee.amount = dec("3190");
     const auto cost = [&] { return QString::fromStdString(project.feeTotal().toString(2)); };
     const auto set = [&](const char* base, const char* rate) {
       FeeData data = fee;
-      data.cost = FeeCost{base, decimal(rate), {}};
+      data.cost = FeeCost{base, dec(rate), {}};
       project.setFee(fee, data);
     };
     QCOMPARE(cost(), QString("3190.00"));
@@ -168,16 +164,11 @@ class FeesTest : public QObject {
     IndirectFeeItem& fee = *feesOf(project).front();
     const std::string before = project.dump();
     FeeData data = fee;
-    data.cost = FeeCost{base.toStdString(), Decimal::parse(rate.toStdString()),
-                        decimal(qPrintable(amount))};
-    try {
-      project.setFee(fee, data);
-      QFAIL("not refused");
-    } catch (const records::Refusal& refusal) {
-      const QString text = refusal.what();
-      QVERIFY2(text.contains(message) && text.contains(QString::fromStdString(fee.name)),
-               qPrintable(text));
-    }
+    data.cost =
+        FeeCost{base.toStdString(), Decimal::parse(rate.toStdString()), dec(qPrintable(amount))};
+    const QString text = tests::refusal([&] { project.setFee(fee, data); });
+    QVERIFY2(text.contains(message) && text.contains(QString::fromStdString(fee.name)),
+             qPrintable(text));
     QVERIFY(project.dump() == before && !project.hasRecorded());
   }
 

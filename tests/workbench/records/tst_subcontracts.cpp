@@ -1,6 +1,7 @@
 #include <QtTest>
 #include <functional>
 
+#include "tests/workbench/values.h"
 #include "workbench/records/bill_costs.h"
 #include "workbench/records/project_builder.h"
 #include "workbench/records/summary.h"
@@ -14,12 +15,9 @@ using records::ResourceItem;
 using records::Subcontract;
 using records::SubcontractData;
 using records::SummaryKind;
+using tests::dec;
 
 namespace {
-
-Decimal dec(const char* text) {
-  return Decimal::parse(text).value();
-}
 
 /// Walls, slabs and formwork with 160 days of labour; an entry for the walls and slabs by the m³.
 struct Example {
@@ -156,12 +154,7 @@ class SubcontractsTest : public QObject {
         {"请先取消归集", [&] { project.set(*example.labour, records::ItemField::Linked, false); }},
     };
     for (const auto& [words, attempt] : forbidden) {
-      try {
-        attempt();
-        QFAIL(words);
-      } catch (const records::Refusal& refusal) {
-        QVERIFY2(QString::fromUtf8(refusal.what()).contains(words), refusal.what());
-      }
+      QVERIFY2(tests::refusal(attempt).contains(words), words);
     }
     QVERIFY(project.dump() == before);
   }

@@ -1,10 +1,10 @@
-#include <QtTest>
 #include <functional>
 #include <map>
 #include <random>
 
 #include "tests/support/rows.h"
 #include "tests/workbench/project_fixture.h"
+#include "tests/workbench/values.h"
 #include "workbench/records/project_builder.h"
 #include "workbench/records/summary.h"
 #include "workbench/services/templates.h"
@@ -21,6 +21,7 @@ using records::StructureNode;
 using records::SummaryKind;
 using records::SummaryLine;
 using Kind = SummaryLine::Kind;
+using tests::dec;
 
 namespace {
 
@@ -30,10 +31,6 @@ constexpr char kDirectBase[] = "直接费";
 
 constexpr SummaryKind kKinds[] = {SummaryKind::BidFees, SummaryKind::Structure,
                                   SummaryKind::Accounts};
-
-Decimal dec(const char* text) {
-  return Decimal::parse(text).value();
-}
 
 const records::FeeTemplate& feeTemplate() {
   static const records::FeeTemplate read = services::loadFeeTemplate({});

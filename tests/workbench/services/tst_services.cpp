@@ -1,9 +1,5 @@
 #include <QAbstractButton>
-#include <QDir>
 #include <QMessageBox>
-#include <QTemporaryDir>
-#include <QTimer>
-#include <QtTest>
 
 #include "tests/support/files.h"
 #include "tests/support/rows.h"

@@ -1,6 +1,4 @@
-#include <QtTest>
 
-#include "host/app/scoped_undo.h"
 #include "tests/workbench/project_fixture.h"
 
 using costing::Decimal;

@@ -1,5 +1,3 @@
-#include <QFile>
-#include <QTemporaryDir>
 #include <QtTest>
 #include <nlohmann/json.hpp>
 

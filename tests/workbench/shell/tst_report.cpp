@@ -1,8 +1,6 @@
 #include <QAction>
 #include <QApplication>
-#include <QDir>
 #include <QMessageBox>
-#include <QtTest>
 
 #include "tests/support/files.h"
 #include "tests/workbench/project_fixture.h"

@@ -1,8 +1,3 @@
-#include <QComboBox>
-#include <QScrollBar>
-#include <QToolButton>
-#include <QTreeView>
-
 #include "framework/des_filter_view.h"
 #include "host/app/scoped_undo.h"
 #include "host/base/number_text.h"

@@ -1,14 +1,12 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QUndoStack>
-#include <QtTest>
 
 #include "tests/workbench/project_fixture.h"
 #include "workbench/records/summary.h"
 #include "workbench/services/templates.h"
 #include "workbench/shell/session.h"
 #include "workbench/shell/tax_settings.h"
-#include "workbench/store/check.h"
 
 using costing::Decimal;
 using records::Taxation;

@@ -1,6 +1,7 @@
 #include <QtTest>
 
 #include "tests/support/rows.h"
+#include "tests/workbench/values.h"
 #include "workbench/exchange/sample_generator.h"
 #include "workbench/store/from_source.h"
 
@@ -8,15 +9,12 @@ using costing::Decimal;
 using exchange::Resource;
 using records::Category;
 using records::ResourceItem;
+using tests::dec;
 
 using Change = std::function<void(Resource&)>;
 Q_DECLARE_METATYPE(Change)
 
 namespace {
-
-Decimal dec(const char* text) {
-  return Decimal::parse(text).value();
-}
 
 Resource resource(const char* id, const char* content, const char* price) {
   Resource result;

@@ -2,21 +2,16 @@
 #include <sys/types.h>
 #include <unistd.h>
 
-#include <QDir>
-#include <QProcess>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QtTest>
 #include <csignal>
 #include <cstdio>
 
-#include "host/app/scoped_undo.h"
 #include "tests/support/files.h"
 #include "tests/support/rows.h"
 #include "tests/workbench/project_fixture.h"
 #include "workbench/records/project_templates.h"
-#include "workbench/store/check.h"
 
 using costing::Decimal;
 using costing::PackedDecimal;
