@@ -180,7 +180,10 @@ void report(const TreeGridView& grid, const QString& headline, const Refused& re
       lines << QString::fromUtf8("……另有 %1 个单元格").arg(refused.size() - named);
     }
   }
-  lines << notes;
+  lines << notes.mid(0, NamedCells);
+  if (notes.size() > NamedCells) {
+    lines << QString::fromUtf8("……另有 %1 条提示").arg(notes.size() - NamedCells);
+  }
   app::GetChannel()->message(lines.join(QLatin1Char('\n')).toStdString(), QMessageBox::Ok);
 }
 

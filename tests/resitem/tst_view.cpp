@@ -353,6 +353,49 @@ class TestView : public QObject {
     QCOMPARE(project().dump(), before);
   }
 
+  void tellsOfCodesThatAreTaken() {
+    const auto type = [this](ResourceItem* item, const std::string& key, const QString& text) {
+      const std::size_t before = fixture_->channel.messages().size();
+      const QModelIndex cell = filter_->makeIndex(item, filter_->getColumnIndex(key));
+      grid_->selectionModel()->setCurrentIndex(cell, QItemSelectionModel::ClearAndSelect);
+      driver_.type(text);
+      driver_.key(Qt::Key_Return);
+      cli::Driver::waitUntil([&] { return !grid_->isPersistentEditorOpen(cell); });
+      return fixture_->channel.messages().size() == before ? QString() : fixture_->message();
+    };
+    const auto textOf = [](records::Text text) { return QString::fromStdString(text.str()); };
+    ResourceItem& there = *items_[1];
+    const QString code = textOf(there.code());
+    const QString said = type(items_[0], keys::BRICode, code);
+    QVERIFY2(said.contains("“" + code + " " + textOf(there.name()) + "”的编码相同"),
+             qPrintable(said));
+    QCOMPARE(items_[0]->code(), there.code());
+    QCOMPARE(type(labour_, keys::BRICode, code), QString());  // of another category
+    QCOMPARE(stack().count(), 2);
+
+    // One that differs in its price alone may have it, one that differs in nothing else may not.
+    while (stack().canUndo()) stack().undo();
+    select({items_[0]});
+    driver_.key(Qt::Key_Insert);
+    auto* added = dynamic_cast<ResourceItem*>(grid_->currentElement());
+    driver_.key(Qt::Key_Escape);
+    const QString old = textOf(added->code());
+    for (const auto& [key, text] : {std::pair(keys::BRIName, there.name()),
+                                    {keys::BRISpec, there.spec()},
+                                    {keys::BRIUnit, there.unit()},
+                                    {keys::BRICode, there.code()}}) {
+      QCOMPARE(type(added, key, textOf(text)), QString());
+    }
+    QCOMPARE(added->code(), there.code());
+    QCOMPARE(type(added, keys::BRICode, old), QString());
+    project().set(*added, ItemField::TaxRate, there.taxRate());
+    project().set(*added, ItemField::Account, there.account());
+    project().set(*added, ItemField::Price, there.price());
+    QVERIFY(type(added, keys::BRICode, code).contains("无法区分。请改用别的编码"));
+    QCOMPARE(textOf(added->code()), old);
+    QCOMPARE(grid_->currentElement(), added);
+  }
+
   void addsTheFirstItem() {
     hide();
     fixture_->close();

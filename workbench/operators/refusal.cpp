@@ -11,8 +11,12 @@ constexpr int OkButton = 0x400;  // QMessageBox::Ok; the contract's button numbe
 }  // namespace
 
 bool refuse(const std::string& message) {
-  app::qce::GetQCEChannel()->message(message, OkButton);
+  notify(message);
   return false;
+}
+
+void notify(const std::string& message) {
+  app::qce::GetQCEChannel()->message(message, OkButton);
 }
 
 }  // namespace operators

@@ -126,6 +126,31 @@ std::string nameOf(const ResourceItem& item) {
   return "“" + item.code().str() + " " + item.name().str() + "”";
 }
 
+/// Other items of the group that have a code; null where there is none.
+struct SameCode {
+  const ResourceItem* twin = nullptr;   ///< gathering would have made one item of the two
+  const ResourceItem* other = nullptr;  ///< the first with another name or unit
+};
+
+SameCode findSameCode(const ResourceItem& item, records::Text code) {
+  SameCode found;
+  const records::RowList& rows = item.group()->rows();
+  for (int row = 0; row < rows.size(); ++row) {
+    const auto& each = *static_cast<const ResourceItem*>(rows.at(row));
+    if (&each == &item || each.code() != code) continue;
+    if (each.name() != item.name() || each.unit() != item.unit()) {
+      if (found.other == nullptr) found.other = &each;
+    } else if (each.spec() == item.spec() && each.price() == item.price() &&
+               each.taxRate() == item.taxRate() && each.account() == item.account() &&
+               each.ownerSupplied() == item.ownerSupplied() &&
+               each.provisional() == item.provisional() &&
+               each.priceAdjustable() == item.priceAdjustable()) {
+      found.twin = &each;
+    }
+  }
+  return found;
+}
+
 std::optional<bool> readBool(const Value& value) {
   if (const auto* flag = std::get_if<bool>(&value)) return *flag;
   if (const auto* number = std::get_if<int>(&value)) return *number != 0;
@@ -474,7 +499,26 @@ bool ResItemOperator::setValue(proxy::Element* element, const std::string& key, 
     return refuse(nameOf(*item) + "的" + title + "过长，最多 " + std::to_string(limit / 3) +
                   " 个汉字，请缩短后再输入。");
   }
-  return write(project_.texts.intern(text));
+  const records::Text content = project_.texts.intern(text);
+  if (*field != ItemField::Code || content == item->code()) return write(content);
+
+  // A code may stand for several items of a category, as it does in source files. Two that nothing
+  // tells apart are a mistake, and another name or unit most likely is one.
+  const SameCode same = findSameCode(*item, content);
+  const std::string& category = records::nameOf(item->category());
+  const std::string old = nameOf(*item);
+  if (same.twin != nullptr) {
+    return refuse(old + "的编码未修改：“" + item->group()->unitWork().name + "”的" + category +
+                  "中已有" + nameOf(*same.twin) +
+                  "，规格型号、单位、单价、税率、成本科目和标记也都相同，两项无法区分。"
+                  "请改用别的编码，或直接使用已有的那一项。");
+  }
+  if (!write(content)) return false;
+  if (same.other != nullptr) {
+    notify(old + "的编码已改为“" + text + "”，与" + category + nameOf(*same.other) +
+           "的编码相同，但名称或单位不同。如系误输，请撤销（Ctrl+Z）或改用别的编码。");
+  }
+  return true;
 }
 
 bool ResItemOperator::isEnabled(const proxy::Element* element, const std::string& key) const {
