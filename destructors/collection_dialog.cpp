@@ -156,7 +156,8 @@ void DesCollectionDialog::chooseAccount() {
 
 DesCollectionDialog::Setting DesCollectionDialog::setting() const {
   Setting setting;
-  setting.entry = offer_.targets.at(static_cast<std::size_t>(target_->currentIndex())).entry;
+  const auto chosen = static_cast<std::size_t>(target_->currentIndex());  // none: beyond the last
+  if (chosen < offer_.targets.size()) setting.entry = offer_.targets[chosen].entry;
   setting.account = account_;
   setting.features = features_->toPlainText().trimmed().toStdString();
   setting.price = price_->text().trimmed().toStdString();

@@ -210,9 +210,10 @@ DesResItemSummaryViewImpl::DesResItemSummaryViewImpl(QWidget* parent)
   splitter->setChildrenCollapsible(false);
   splitter->addWidget(guide_);
   splitter->addWidget(table_);
-  splitter->setStretchFactor(0, 0);
-  splitter->setStretchFactor(1, 1);
-  splitter->setSizes({390, 1000});
+  guide_->setMinimumWidth(300);  // a name and its amount
+  splitter->setStretchFactor(0, 20);
+  splitter->setStretchFactor(1, 80);
+  splitter->setSizes({1000, 8000});
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(splitter);

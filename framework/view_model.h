@@ -38,7 +38,10 @@ class TViewModel : public QAbstractItemModel, public gui::ViewModel, public T {
  public:
   using AbstractModel = T;
 
-  explicit TViewModel(QObject* parent = nullptr) : QAbstractItemModel(parent) {}
+  explicit TViewModel(QObject* parent = nullptr) : QAbstractItemModel(parent) {
+    // Whatever was announced and not ended, all rows have been read anew.
+    connect(this, &QAbstractItemModel::modelReset, this, [this] { announcer_ = {}; });
+  }
 
   // The abstract model.
   void setDisplayTable(domain::DisplayTable* table) override;
@@ -425,9 +428,12 @@ QVariant TViewModel<T>::data(const QModelIndex& index, int role) const {
     }
     return numberText(*column->field, 0.0);
   }
-  if (role == Qt::DisplayRole) return displayData(*column, value);
-  if (role == Qt::CheckStateRole) return toCheckState(Visit(value));
-  return Visit(value);
+  const QVariant answer = role == Qt::DisplayRole      ? displayData(*column, value)
+                          : role == Qt::CheckStateRole ? toCheckState(Visit(value))
+                                                       : Visit(value);
+  // An object lives as long as what was answered, and no longer.
+  if (std::holds_alternative<scoped_refptr<base::Object>>(value)) value = std::monostate();
+  return answer;
 }
 
 template <class T>

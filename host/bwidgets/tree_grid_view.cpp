@@ -258,6 +258,8 @@ void TreeGridView::sizeInsertedColumns(const QModelIndex& parent, int first, int
 
 // A filter that starts anew may leave out other columns than before.
 void TreeGridView::afterLayoutChange() {
+  // A row that a filter takes away is left without a word from the selection.
+  if (!currentIndex().isValid()) emit currentElementChanged(nullptr);
   if (header_->count() == sizedColumns_) return;
   header_->readGroups();
   applyDefaultColumnWidths();

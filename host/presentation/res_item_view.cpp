@@ -180,6 +180,7 @@ void ResItemViewImpl::applyTextFilter() {
     textFilter_->filter(textEdit_->text().toStdString());
   }
   expandAll();
+  updateView();  // also what is selected may be less
 }
 
 void ResItemViewImpl::clearTextFilter() {
@@ -189,6 +190,7 @@ void ResItemViewImpl::clearTextFilter() {
   if (textFilter_ == nullptr) return;
   textFilter_->filterType({});
   textFilter_->filter({});
+  updateView();
 }
 
 void ResItemViewImpl::find() {

@@ -408,6 +408,17 @@ class TestDesResItemView : public QObject {
                 ->text()
                 .startsWith("当前清单：010101 挖土方"));
 
+    // Filtered away, it is current no more.
+    auto* type = s.button("ResItem_filterRCJButton")->menu();
+    type->actions()[1]->trigger();
+    QCOMPARE(enabled().size(), 5);
+    QVERIFY(s.controller.told.back() == nullptr);
+    QTRY_COMPARE(refreshed.size(), 2);
+    QCOMPARE(s.page->findChild<QLabel*>("DesResItem_currentBill")->text(),
+             QString("当前清单：（无）"));
+    type->actions().last()->trigger();
+    QTRY_COMPARE(refreshed.size(), 3);
+
     // Hidden or switched off, it tells nobody; shown again, it tells where it is.
     s.controller.told.clear();
     s.page->hide();
@@ -422,7 +433,7 @@ class TestDesResItemView : public QObject {
     QVERIFY(s.button("ResItem_setContract")->toolTip().contains("Ctrl+G"));
     s.select({s.labour});
     s.page.reset();  // with the refresh pending
-    QCOMPARE(refreshed.size(), 1);
+    QCOMPARE(refreshed.size(), 3);
   }
 
   void sortsNumbersByTheirValue() {

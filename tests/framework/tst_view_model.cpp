@@ -204,6 +204,10 @@ class TestViewModel : public QObject {
       QCOMPARE(held.value<scoped_refptr<base::Object>>().get(), object.get());
     }
     QCOMPARE(object->referenceCount(), std::size_t(1));
+    fresh()->set("odd", domain::Value(object));
+    const std::size_t kept = object->referenceCount();
+    QVERIFY(model_->index(0, 4).data().isValid());
+    QCOMPARE(object->referenceCount(), kept);
   }
 
   void readsCheckStates() {
@@ -329,6 +333,15 @@ class TestViewModel : public QObject {
     model_->endDelItem();
     QCOMPARE(log, QStringList{"- 0 0-0"});
     QCOMPARE(model_->rowCount(), op_->tree.size());
+
+    // An end that never comes is forgotten with the next reset.
+    model_->beginDelItem(op_->tree.node(0), 1, nullptr);
+    model_->setOperator(op_.get());
+    log.clear();
+    model_->beginDelItem(op_->tree.node(0), 1, nullptr);
+    op_->tree.remove(0, 1, nullptr);
+    model_->endDelItem();
+    QCOMPARE(log, QStringList{"- 0 0-0"});
   }
 
  private:
