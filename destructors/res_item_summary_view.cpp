@@ -210,10 +210,9 @@ DesResItemSummaryViewImpl::DesResItemSummaryViewImpl(QWidget* parent)
   splitter->setChildrenCollapsible(false);
   splitter->addWidget(guide_);
   splitter->addWidget(table_);
-  guide_->setMinimumWidth(300);  // a name and its amount
   splitter->setStretchFactor(0, 20);
   splitter->setStretchFactor(1, 80);
-  splitter->setSizes({1000, 8000});
+  splitter->setSizes({390, 1000});  // the guide's amounts are to be seen, beside their names
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(splitter);
