@@ -18,6 +18,7 @@
 #include "workbench/controllers/open_project.h"
 #include "workbench/services/templates.h"
 #include "workbench/shell/application.h"
+#include "workbench/shell/changed_rows.h"
 #include "workbench/shell/elided_label.h"
 #include "workbench/shell/new_project.h"
 #include "workbench/shell/page_stack.h"
@@ -209,11 +210,21 @@ void MainWindow::createActions() {
   bar->addActions({in, out, whole});
   needProject_ = {save, saveAs, report, close, find, in, out, whole};
 
-  connect(undo_, &QAction::triggered, this, [this] {
-    if (session_) session_->undoStack().undo();
+  const auto go = [this](void (QUndoStack::*step)(), const QString& done, const QString& name) {
+    QUndoStack& stack = session_->undoStack();
+    const int before = stack.index();
+    const ChangedRows changed(session_->project().project());
+    (stack.*step)();
+    const Page* page = currentPage();
+    if (stack.index() == before || page == nullptr || changed.show(*page->widget, name)) return;
+    statusBar()->showMessage(QStringLiteral("%1“%2”（当前表格中没有所改的行）").arg(done, name),
+                             5000);
+  };
+  connect(undo_, &QAction::triggered, this, [this, go] {
+    if (session_) go(&QUndoStack::undo, QStringLiteral("已撤销"), session_->undoStack().undoText());
   });
-  connect(redo_, &QAction::triggered, this, [this] {
-    if (session_) session_->undoStack().redo();
+  connect(redo_, &QAction::triggered, this, [this, go] {
+    if (session_) go(&QUndoStack::redo, QStringLiteral("已恢复"), session_->undoStack().redoText());
   });
 }
 

@@ -186,6 +186,56 @@ class MainWindowTest : public QObject {
     QTRY_VERIFY(status->text().startsWith("显示 1 项"));
   }
 
+  void undoLeadsToWhatChanged_data() {
+    const tests::Rows<QString, QString, QString> row;
+    row("where it was done", "resources", "resources", "不含税单价（元）");
+    row("on another page", "resources", "design-resources", "不含税单价（元）");
+    row("bill", "bills", "bills", "名称");
+    row("fee", "fees", "fees", "成本费率（%）");
+  }
+  void undoLeadsToWhatChanged() {
+    const auto [from, to, title] = tests::fetch<QString, QString, QString>();
+    f_->open(from.toUtf8());
+    bwidgets::TreeGridView* view = grid();
+    // The grid that shows the column, and its cells from top to bottom.
+    const auto cells = [&, title = title] {
+      QModelIndexList found;
+      for (auto* each :
+           f_->window->pages()->currentWidget()->findChildren<bwidgets::TreeGridView*>()) {
+        for (const int column : each->visibleColumns()) {
+          const QString shown = each->model()->headerData(column, Qt::Horizontal).toString();
+          if (!each->isVisible() || !found.isEmpty() || !shown.endsWith(title)) continue;
+          view = each;
+          view->expandAll();
+          QModelIndex at = view->model()->index(0, 0);
+          for (; at.isValid(); at = view->indexBelow(at)) found << at.sibling(at.row(), column);
+        }
+      }
+      return found;
+    };
+    QModelIndexList all = cells();
+    const QPersistentModelIndex edited = *std::find_if(
+        all.begin(), all.end(), [](auto& cell) { return cell.flags() & Qt::ItemIsEditable; });
+    const QString before = edited.data().toString();
+    f_->driver.clickCell(view, edited);
+    f_->driver.type("7");
+    f_->driver.key(Qt::Key_Return);
+    QTRY_COMPARE(edited.data().toDouble(), 7.0);
+    QVERIFY(f_->window->pages()->setCurrentPage(to));
+    for (const bool undone : {true, false}) {
+      all = cells();
+      f_->driver.clickCell(view, all.last());
+      f_->driver.key(undone ? Qt::Key_Z : Qt::Key_Y, Qt::ControlModifier);
+      QCOMPARE(edited.data().toString() == before, undone);
+      QCOMPARE(view->currentIndex().data(), edited.data());
+      QVERIFY(view->viewport()->rect().contains(view->visualRect(view->currentIndex()).center()));
+      QCOMPARE(f_->window->statusBar()->currentMessage(), QString());
+    }
+    QVERIFY(f_->window->pages()->setCurrentPage("summary"));
+    f_->driver.key(Qt::Key_Z, Qt::ControlModifier);
+    QVERIFY(f_->window->statusBar()->currentMessage().startsWith("已撤销"));
+  }
+
  private:
   void open() { f_->open("resources"); }
   /// Fills and confirms the dialog for a new project, `before` at last; whether it then closed.
