@@ -3,6 +3,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "host/base/number_text.h"
 #include "workbench/operators/columns.h"
 
 namespace operators {
@@ -165,7 +166,7 @@ bool FeeSummaryOperator::getValue(const proxy::Element* element, const std::stri
       out = base::Font{true, "Noto Sans CJK SC"};
       return true;
     case domain::ForegroundRole:
-      if (key != summary_keys::Difference || !line.difference().isNegative()) return false;
+      if (key != summary_keys::Difference || !isLoss(line)) return false;
       out = base::Color{190, 30, 30};
       return true;
     case domain::BackgroundRole:
@@ -184,8 +185,24 @@ bool FeeSummaryOperator::getValue(const proxy::Element* element, const std::stri
   }
 }
 
+bool isLoss(const SummaryLine& line) {
+  return line.difference().isNegative() && line.kind != Kind::Rounding &&
+         !records::differByRounding(line.income.toDouble(), line.cost.toDouble());
+}
+
 std::string explain(const SummaryLine& line) {
-  const auto text = [&line](const std::string& what) { return line.name + "\n" + what; };
+  const auto text = [&line](const std::string& what) {
+    std::string more;
+    if (isLoss(line)) {
+      more = "\n成本超出收入 " +
+             base::ToThousandthsString(-line.difference().toDouble(), costing::MoneyPlaces) +
+             " 元。";
+    } else if (line.kind != Kind::Rounding && !line.difference().isZero() &&
+               records::differByRounding(line.income.toDouble(), line.cost.toDouble())) {
+      more = "\n差额来自数量和金额的舍入，不是盈亏。";
+    }
+    return line.name + "\n" + what + more;
+  };
   switch (line.kind) {
     case Kind::Total:
       return text("各行之和，含税金；三种汇总的合计相同。");
@@ -217,7 +234,7 @@ std::string explain(const SummaryLine& line) {
     case Kind::Tax:
       return text("（清单合价 + 间接费）× 税率，代收代付，收入与成本相等。");
     case Kind::Rounding:
-      return text("各行分别舍入后相加，与合计只舍入一次之间的差。");
+      return text("各行分别舍入后相加，与合计只舍入一次之间的差，不是盈亏。");
   }
   return line.name;
 }

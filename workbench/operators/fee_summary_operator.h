@@ -62,5 +62,7 @@ class FeeSummaryOperator : public domain::Operator {
 
 /// What a line is made of, for a user who asks: "应税造价 × 税率" and the like (Chinese).
 std::string explain(const records::SummaryLine& line);
+/// Whether the line costs more than it brings, beyond what rounding makes of it.
+bool isLoss(const records::SummaryLine& line);
 
 }  // namespace operators

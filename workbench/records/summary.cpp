@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <functional>
 #include <optional>
 #include <unordered_map>
@@ -415,6 +416,12 @@ const std::string& nameOf(SummaryKind kind) {
   static const std::array<std::string, 3> names = {"按投标费用汇总", "按项目结构汇总",
                                                    "按成本科目汇总"};
   return names[static_cast<std::size_t>(kind)];
+}
+
+bool differByRounding(double income, double cost) {
+  const double most = std::max(std::abs(income), std::abs(cost));
+  const double apart = std::abs(income - cost);
+  return apart < std::max(1.0, most * 1e-7) && apart < 0.055 + most * 1e-3;
 }
 
 SummaryLine summarize(Project& project, SummaryKind kind, const FeeTemplate& feeTemplate) {

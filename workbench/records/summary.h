@@ -44,6 +44,11 @@ struct SummaryLine {
   costing::Decimal difference() const { return income - cost; }
 };
 
+/// Whether income and cost (yuan) are the same but for the rounding of quantities and amounts: less
+/// than a yuan apart (of large sums a ten-millionth), and little of what they are. So small a
+/// difference is neither a loss nor a gain.
+bool differByRounding(double income, double cost);
+
 enum class SummaryKind { BidFees, Structure, Accounts };
 /// "按投标费用汇总", "按项目结构汇总", "按成本科目汇总".
 const std::string& nameOf(SummaryKind kind);

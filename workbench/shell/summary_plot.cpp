@@ -21,6 +21,7 @@
 #include <utility>
 
 #include "host/base/number_text.h"
+#include "workbench/records/summary.h"
 
 namespace shell {
 
@@ -44,12 +45,10 @@ QString signedMoney(double value) {
   return (value > 0 ? QStringLiteral("+") : QString()) + money(value);
 }
 
-/// +1 for income above cost, -1 for cost above income, 0 for what is but the rounding of
-/// quantities.
+/// +1 for income above cost, -1 for cost above income, 0 for what is but rounding.
 int signOf(const SummaryPlot::Bar& bar) {
-  const double difference = bar.income - bar.cost;
-  const double noise = std::max(0.005, 0.0001 * std::max(std::abs(bar.income), std::abs(bar.cost)));
-  return std::abs(difference) < noise ? 0 : difference > 0 ? 1 : -1;
+  if (records::differByRounding(bar.income, bar.cost)) return 0;
+  return bar.income > bar.cost ? 1 : -1;
 }
 
 class Names : public QwtScaleDraw {
