@@ -2,7 +2,6 @@
 
 #include <QFormLayout>
 #include <QLabel>
-#include <QPair>
 #include <QScrollArea>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -22,7 +21,12 @@ namespace shell {
 
 namespace {
 
-using Facts = QList<QPair<QString, QString>>;
+struct Fact {
+  QString caption;
+  QString value;
+  QString alarm = {};  ///< behind the value, where something is wrong with it
+};
+using Facts = QList<Fact>;
 
 QString text(const std::string& utf8) {
   return QString::fromStdString(utf8);
@@ -60,7 +64,7 @@ class Names : public gui::TViewModel<abst::BaseModel> {
   domain::DisplayTable table_;
 };
 
-/// Facts as pairs of caption and text, read anew each time that the view comes up.
+/// Facts as captions with their texts, read anew each time that the view comes up.
 class FactsView : public QScrollArea, public abst::BaseView {
  public:
   explicit FactsView(std::function<Facts()> read) : read_(std::move(read)) {
@@ -77,8 +81,11 @@ class FactsView : public QScrollArea, public abst::BaseView {
     layout->setContentsMargins(24, 20, 24, 20);
     layout->setHorizontalSpacing(20);
     layout->setVerticalSpacing(12);
-    for (const auto& [caption, value] : read_()) {
-      auto* shown = new QLabel(value.isEmpty() ? QStringLiteral("—") : value);
+    for (const auto& [caption, value, alarm] : read_()) {
+      auto* shown = new QLabel(value.isEmpty() ? QStringLiteral("—") : value + alarm);
+      shown->setTextFormat(Qt::PlainText);
+      if (!alarm.isEmpty())
+        shown->setStyleSheet(QStringLiteral("color: #be1e1e; font-weight: bold"));
       shown->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
       shown->setWordWrap(true);
       layout->addRow(caption + QStringLiteral("："), shown);
@@ -109,13 +116,31 @@ Facts projectFacts(const records::Facts& facts) {
           {QStringLiteral("建筑面积"), area}};
 }
 
+using Money = std::optional<costing::Decimal>;
+
+/// What was read, and whether it is what the source declares.
+Fact readMoney(const QString& caption, const Money& declared, const costing::Decimal& read) {
+  Fact fact{caption, money(read)};
+  if (!declared) return fact;
+  if (*declared == read) {
+    fact.value += QStringLiteral("　　一致");
+  } else {
+    fact.alarm = QStringLiteral("　　不一致，相差 %1").arg(money(read - *declared));
+  }
+  return fact;
+}
+
 Facts moneyFacts(const records::Facts& facts) {
-  return {{QStringLiteral("清单合价（来源声明）"), money(facts.declaredBills)},
-          {QStringLiteral("清单合价（读入）"), money(facts.readBills)},
-          {QStringLiteral("人材机合价（来源声明）"), money(facts.declaredResources)},
-          {QStringLiteral("人材机合价（读入）"), money(facts.readResources)},
-          {QStringLiteral("间接费（来源声明）"), money(facts.declaredFees)},
-          {QStringLiteral("间接费（读入）"), money(facts.readFees)}};
+  Facts shown;
+  const auto add = [&shown](const QString& name, const Money& declared,
+                            const costing::Decimal& read) {
+    shown.append({name + QStringLiteral("（来源声明）"), money(declared)});
+    shown.append(readMoney(name + QStringLiteral("（读入）"), declared, read));
+  };
+  add(QStringLiteral("清单合价"), facts.declaredBills, facts.readBills);
+  add(QStringLiteral("人材机合价"), facts.declaredResources, facts.readResources);
+  add(QStringLiteral("间接费"), facts.declaredFees, facts.readFees);
+  return shown;
 }
 
 QString sourceOf(const records::FeeTemplate::Line& line) {

@@ -74,6 +74,37 @@ class SummaryPageTest : public QObject {
     QCOMPARE(text(view, row(view, -1), keys::Cost), before);
   }
 
+  // Losses alone are red; what rounding makes is said to be that.
+  void marksLossesAlone() {
+    openPage();
+    setFirstPrice(4321);
+    SummaryView& view = choose(0);
+    view.grid()->expandAll();
+    const SummaryRow* total = nullptr;
+    QTRY_VERIFY((total = &row(view, -1))->line().cost ==
+                summarized(records::SummaryKind::BidFees).cost);
+    int losses = 0;
+    int rounded = 0;
+    for (const SummaryRow* each : all(view)) {
+      const QModelIndex cell =
+          index(view, *each)
+              .sibling(index(view, *each).row(), view.model().getColumnIndex(keys::Difference));
+      const bool red = cell.data(Qt::ForegroundRole).value<QColor>().red() > 150;
+      const QString tip = cell.data(Qt::ToolTipRole).toString();
+      const double difference = each->line().difference().toDouble();
+      QCOMPARE(tip.contains("成本超出收入"), red);
+      if (difference >= 0 || each->line().kind == Kind::Rounding) QVERIFY(!red);
+      if (difference <= -1 && each->line().kind != Kind::Rounding) QVERIFY(red);
+      losses += red ? 1 : 0;
+      rounded += tip.contains("舍入，不是盈亏") ? 1 : 0;
+    }
+    QVERIFY(losses > 0 && rounded > 2);
+    QVERIFY(records::differByRounding(14882807.54, 14882807.90));
+    QVERIFY(!records::differByRounding(0.40, 0.76) && !records::differByRounding(50000, 50001));
+    QVERIFY(records::differByRounding(5e9, 5e9 + 400) &&
+            !records::differByRounding(5e9, 5e9 + 600));
+  }
+
   void linksTableAndBars() {
     openPage();
     SummaryView& view = choose(0);
@@ -184,7 +215,12 @@ class SummaryPageTest : public QObject {
     };
     QTRY_VERIFY(shown().contains("办公楼"));
     f_->driver.clickCell(tree, tree->model()->index(1, 0));
-    QTRY_VERIFY(shown().contains(money(project().facts.readBills)));
+    QTRY_VERIFY(shown().contains(money(project().facts.readBills) + " 元　　一致"));
+    project().facts.readFees += 1;
+    f_->driver.clickCell(tree, tree->model()->index(0, 0));
+    f_->driver.clickCell(tree, tree->model()->index(1, 0));
+    QTRY_VERIFY(shown().contains("不一致，相差 1.00 元"));
+    QCOMPARE(shown().count("　　一致"), 2);
     f_->driver.clickCell(tree, tree->model()->index(2, 0));
     QTRY_VERIFY(shown().contains("企业管理费和利润"));
   }
