@@ -64,8 +64,8 @@ struct ColumnInfo {
   int places = 0;
 };
 
-// A function, since the keys must be there first. The caption of the group comes between the
-// brackets.
+// A function, since the keys must be there first. The caption of the group comes behind the unit;
+// a calculation has none.
 const std::array<ColumnInfo, ColumnCount>& columns() {
   using namespace domain;
   constexpr int money = costing::MoneyPlaces;
@@ -74,14 +74,14 @@ const std::array<ColumnInfo, ColumnCount>& columns() {
       {keys::IFCode, "编码", StringField},
       {keys::IFName, "名称", StringField},
       {keys::IFBasis, "计算基数", StringField},
-      {keys::IFBudgetBase, "预算基数（）", FloatingPointField, money},
-      {keys::IFBudgetRate, "预算费率%（）", FloatingPointField, RatePlaces},
-      {keys::IFBudgetAmount, "预算金额（）", FloatingPointField, money},
+      {keys::IFBudgetBase, "预算基数（元，）", FloatingPointField, money},
+      {keys::IFBudgetRate, "预算费率（%，）", FloatingPointField, RatePlaces},
+      {keys::IFBudgetAmount, "预算金额（元，）", FloatingPointField, money},
       {keys::IFCostExpression, "成本基数算式（）", StringField},
-      {keys::IFCostBase, "成本基数（元）", FloatingPointField, money},
-      {keys::IFCostRate, "成本费率（%）", FloatingPointField, RatePlaces},
-      {keys::IFCostAmount, "成本金额（元）", FloatingPointField, money},
-      {keys::IFDifference, "预算减成本（元）", FloatingPointField, money},
+      {keys::IFCostBase, "成本基数（元，）", FloatingPointField, money},
+      {keys::IFCostRate, "成本费率（%，）", FloatingPointField, RatePlaces},
+      {keys::IFCostAmount, "成本金额（元，）", FloatingPointField, money},
+      {keys::IFDifference, "预算减成本（元，）", FloatingPointField, money},
       {keys::CostAccount, "成本科目", StringField},
   }};
   return all;
@@ -200,6 +200,13 @@ void IndirectFeeRightOperator::setParentElement(proxy::Element* group) {
     auto* item = dynamic_cast<IndirectFeeItem*>(group_->rows().at(row));
     if (item != nullptr) root_->rows().append(scoped_refptr<records::Record>(new ItemRow(*item)));
   }
+}
+
+// As the model makes the columns before: "成本金额（元，规费）".
+std::string IndirectFeeRightOperator::formatHeader(const std::string& caption,
+                                                   const std::string& name) const {
+  const auto bracket = name.rfind("）");
+  return bracket == std::string::npos ? name : std::string(name).insert(bracket, caption);
 }
 
 void IndirectFeeRightOperator::insertRow(int row) {

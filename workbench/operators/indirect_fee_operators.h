@@ -52,6 +52,7 @@ class IndirectFeeRightOperator : public domain::qce::QCEIndirectFeeRightOperator
                 int role) override;
   bool isEditable(const proxy::Element* element, const std::string& key) const override;
   void setParentElement(proxy::Element* group) override;
+  std::string formatHeader(const std::string& caption, const std::string& name) const override;
 
  private:
   bool display(const records::IndirectFeeItem& item, int column, int row, domain::Value& out) const;

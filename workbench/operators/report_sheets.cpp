@@ -102,12 +102,14 @@ class FeeRows {
  public:
   explicit FeeRows(records::Project& project)
       : project_(project), table_(makeFeeItemTable()), groups_(project), items_(project) {
-    // The page puts the caption of its group between the brackets; here all groups are one table.
+    // The page puts the caption of its group behind the unit; here all groups are one table.
     domain::DisplayRow& header = *table_->getHeader();
     for (int i = 0; i < header.columnCount(); ++i) {
       std::string& title = header.column(i)->field->displayName;
-      const auto brackets = title.find("（）");
-      if (brackets != std::string::npos) title.erase(brackets, std::string("（）").size());
+      for (const auto& [with, without] : {std::pair("，）", "）"), std::pair("（）", "")}) {
+        const auto found = title.find(with);
+        if (found != std::string::npos) title.replace(found, std::string(with).size(), without);
+      }
     }
   }
 
