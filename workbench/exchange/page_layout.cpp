@@ -59,4 +59,18 @@ std::vector<int> pageBreaks(const std::vector<PrintedRow>& rows, double firstRoo
   return starts;
 }
 
+int carryOver(const std::vector<PrintedRow>& rows, int first, double room) {
+  constexpr int Least = 3;
+  const int count = static_cast<int>(rows.size());
+  double height = 0;
+  for (int start = count - 1; start > first; --start) {
+    const PrintedRow& row = rows[static_cast<std::size_t>(start)];
+    height += row.height;
+    if (height > room) return -1;
+    const bool parted = row.level > rows[static_cast<std::size_t>(start) - 1].level;
+    if (count - start >= Least && !parted) return start;
+  }
+  return -1;
+}
+
 }  // namespace exchange

@@ -28,4 +28,10 @@ struct PrintedRow {
 /// where the page would hold nothing else. A row that is higher than a page has one to itself.
 std::vector<int> pageBreaks(const std::vector<PrintedRow>& rows, double firstRoom, double room);
 
+/// Where the last page, which begins with `first`, can be cut so that its last rows go over to a
+/// new one, to stand there above what follows the table: the row that the new page begins with, or
+/// -1 where there is none. They take at most `room`; at least 3 go over, and none without the
+/// heading that it stands right below.
+int carryOver(const std::vector<PrintedRow>& rows, int first, double room);
+
 }  // namespace exchange

@@ -197,14 +197,24 @@ class Printer {
   }
 
   void placePicture(LaidPart& laid, double page) const {
-    const auto first = static_cast<std::size_t>(laid.starts.back());
-    double left = page - (laid.starts.size() == 1 ? headRoom() : RunningHead) - PictureGap;
-    for (std::size_t row = first; row < laid.heights.size(); ++row) {
-      left -= laid.heights[row].height;
-    }
+    const auto leftOn = [&](int first, double head) {
+      double left = page - head - PictureGap;
+      for (auto row = static_cast<std::size_t>(first); row < laid.heights.size(); ++row) {
+        left -= laid.heights[row].height;
+      }
+      return left;
+    };
+    double left = leftOn(laid.starts.back(), laid.starts.size() == 1 ? headRoom() : RunningHead);
     const double wanted = roomAcross(laid.across) * laid.part->pictureShape;
-    laid.pictureApart = left < std::min(wanted, LeastPicture);
-    if (laid.pictureApart) left = page + laid.headerHeight - RunningHead - PictureGap;
+    if (left < std::min(wanted, LeastPicture)) {
+      // Better below the last rows than alone.
+      const double room = page - RunningHead - PictureGap - wanted;
+      const int next = carryOver(laid.heights, laid.starts.back(), room);
+      laid.pictureApart = next < 0;
+      if (next >= 0) laid.starts.push_back(next);
+      left = next < 0 ? page + laid.headerHeight - RunningHead - PictureGap
+                      : leftOn(next, RunningHead);
+    }
     laid.pictureHeight = std::min(wanted, left);
   }
 

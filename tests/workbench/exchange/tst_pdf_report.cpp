@@ -31,6 +31,19 @@ class PdfReportTest : public QObject {
     QCOMPARE(QVector<int>(found.begin(), found.end()), starts);
   }
 
+  void carriesRowsOver() {
+    const auto carried = [](const QVector<int>& levels, int first, double room) {
+      std::vector<PrintedRow> rows;
+      for (const int level : levels) rows.push_back({10, level});
+      return exchange::carryOver(rows, first, room);
+    };
+    QCOMPARE(carried({0, 0, 0, 0, 0, 0}, 0, 100), 3);
+    QCOMPARE(carried({0, 0, 0, 1, 1, 0}, 0, 100), 2);  // with the heading of the group
+    QCOMPARE(carried({0, 0, 0, 1, 1, 0}, 0, 35), -1);
+    QCOMPARE(carried({0, 0, 0, 0, 0, 0}, 0, 25), -1);
+    QCOMPARE(carried({0, 0, 0, 0, 0, 0}, 3, 100), -1);  // nothing would be left
+  }
+
   void sharesTheWidth() {
     using Widths = std::vector<double>;
     QCOMPARE(exchange::columnWidths({{10, 30}, {20, 20}}, 60, 0), (Widths{40, 20}));
