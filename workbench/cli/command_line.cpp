@@ -56,7 +56,7 @@ const std::vector<Entry>& entries() {
         QStringLiteral("把三种费用汇总和间接费用各写成电子表格，并合成一份带图的 PDF 报表。"),
         {{QStringLiteral("out"),
           QStringLiteral("目录"),
-          QStringLiteral("报表存放的目录；没有时建立，同名文件被替换"),
+          QStringLiteral("报表存放的目录；没有时建立，已有同名文件时拒绝"),
           {}}}},
        true,
        writeReport},

@@ -93,6 +93,12 @@ int writeSample(const Arguments& arguments) {
 }
 
 int writeReport(const Arguments& arguments) {
+  const QDir folder(option(arguments, "out"));
+  for (const QString& name : shell::reportFileNames()) {
+    if (!folder.exists(name)) continue;
+    return refuse(QStringLiteral("文件“%1”已存在，没有写出报表。\n请换一个目录，或先移走同名文件。")
+                      .arg(QDir::toNativeSeparators(folder.filePath(name))));
+  }
   store::Failure failure;
   const auto file = store::ProjectFile::open(arguments.operand, failure);
   if (!file) return refuse(failure.message);

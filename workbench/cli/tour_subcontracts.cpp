@@ -129,6 +129,8 @@ void Tour::subcontracts() {
               QColor(229, 243, 225),
           "已关联的清单没有底色");
   require(tree->model()->rowCount(tree->model()->index(0, 0)) == 1, "归集树没有清单");
+  auto* hint = find<QWidget>("subcontractHint");
+  require(Driver::waitUntil([hint] { return hint->isVisible(); }), "没有提示重复计算的人材机");
   picture("分包设置");
 
   // A price, a contract type and an account.

@@ -1,7 +1,9 @@
 #include "workbench/shell/file_chooser.h"
 
+#include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
+#include <QUrl>
 
 namespace shell {
 
@@ -44,6 +46,10 @@ QString FileChooser::spreadsheetToWrite(QWidget* parent, const QString& suggesti
 QString FileChooser::folderToWrite(QWidget* parent, const QString& suggestion) {
   return QFileDialog::getExistingDirectory(parent, QStringLiteral("选择存放报表的文件夹"),
                                            suggestion);
+}
+
+bool FileChooser::showFolder(const QString& path) {
+  return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 }  // namespace shell

@@ -6,7 +6,7 @@ class QWidget;
 
 namespace shell {
 
-/// Asks the user for files. Replaceable where no person answers.
+/// Asks the user for files, and shows where they are. Replaceable where no person answers.
 class FileChooser {
  public:
   virtual ~FileChooser();
@@ -18,6 +18,8 @@ class FileChooser {
   virtual QString spreadsheetToWrite(QWidget* parent, const QString& suggestion);
   /// A folder to write files into; empty when cancelled.
   virtual QString folderToWrite(QWidget* parent, const QString& suggestion);
+  /// Shows a folder in the system's file manager; false where that cannot be.
+  virtual bool showFolder(const QString& path);
 };
 
 }  // namespace shell

@@ -13,6 +13,7 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
 #include <QUndoStack>
 
 #include "workbench/controllers/open_project.h"
@@ -36,6 +37,7 @@ namespace {
 constexpr int kSmallestZoom = 60;  // per cent
 constexpr int kLargestZoom = 240;
 constexpr int kZoomStep = 10;
+constexpr int kExportedTime = 15000;  // ms that the message of an export stands
 
 constexpr char kGeometryKey[] = "window.geometry";
 constexpr char kLayoutKey[] = "window.pageList";
@@ -69,8 +71,8 @@ MainWindow::MainWindow(services::Installed& services)
             return chooser_->spreadsheetToWrite(this, suggestion);
           },
           [this](const QString& path) {
-            statusBar()->showMessage(
-                QStringLiteral("已导出 %1").arg(QDir::toNativeSeparators(path)), 8000);
+            tellExported(QStringLiteral("已导出 %1").arg(QDir::toNativeSeparators(path)),
+                         QFileInfo(path).absolutePath());
           })),
       centre_(new QStackedWidget),
       welcome_(new WelcomeView),
@@ -237,7 +239,15 @@ void MainWindow::createStatusBar() {
   totals_->setObjectName(QStringLiteral("totalsText"));
   saved_ = new QLabel;
   saved_->setObjectName(QStringLiteral("savedText"));
+  openFolder_ = new QToolButton;
+  openFolder_->setObjectName(QStringLiteral("openFolder"));
+  openFolder_->setText(QStringLiteral("打开文件夹"));
+  openFolder_->setFixedHeight(openFolder_->fontMetrics().height() + 4);  // as high as the bar is
+  connect(openFolder_, &QToolButton::clicked, this, &MainWindow::openExportFolder);
+  connect(statusBar(), &QStatusBar::messageChanged, this, &MainWindow::onStatusMessage);
   statusBar()->addWidget(sourceMoney_, 1);
+  statusBar()->addPermanentWidget(openFolder_);
+  openFolder_->hide();
   statusBar()->addPermanentWidget(totals_);
   statusBar()->addPermanentWidget(saved_);
   statusBar()->setSizeGripEnabled(false);
@@ -393,10 +403,38 @@ void MainWindow::exportReport() {
     return;
   }
   services_.configuration().setValue(kReportFolderKey, folder.toStdString());
-  statusBar()->showMessage(QStringLiteral("已导出 %1 个文件到 %2")
-                               .arg(written.files.size())
-                               .arg(QDir::toNativeSeparators(folder)),
-                           8000);
+  tellExported(QStringLiteral("已导出 %1 个文件到 %2")
+                   .arg(written.files.size())
+                   .arg(QDir::toNativeSeparators(folder)),
+               folder);
+}
+
+void MainWindow::tellExported(const QString& text, const QString& folder) {
+  exported_ = text;
+  exportFolder_ = folder;
+  openFolder_->setToolTip(QDir::toNativeSeparators(folder));
+  statusBar()->showMessage(text, kExportedTime);
+}
+
+// A message is read whole, where there is little room in the place of the totals.
+void MainWindow::onStatusMessage(const QString& text) {
+  openFolder_->setVisible(!text.isEmpty() && text == exported_);
+  int needed = fontMetrics().horizontalAdvance(text + QStringLiteral("　　"));
+  for (const QWidget* beside : {static_cast<QWidget*>(openFolder_), static_cast<QWidget*>(totals_),
+                                static_cast<QWidget*>(saved_)}) {
+    if (beside != openFolder_ || openFolder_->isVisibleTo(this)) {
+      needed += beside->sizeHint().width();
+    }
+  }
+  totals_->setVisible(text.isEmpty() || needed <= statusBar()->width());
+}
+
+void MainWindow::openExportFolder() {
+  if (chooser_->showFolder(exportFolder_)) return;
+  services_.channel().message(QStringLiteral("不能打开文件夹“%1”。\n请在文件管理器中打开它。")
+                                  .arg(QDir::toNativeSeparators(exportFolder_))
+                                  .toStdString(),
+                              QMessageBox::Ok);
 }
 
 /// Where the last report went; at first, where the project is.

@@ -11,6 +11,7 @@ class QLabel;
 class QMenu;
 class QStackedWidget;
 class QTimer;
+class QToolButton;
 
 namespace store {
 struct Failure;
@@ -75,6 +76,10 @@ class MainWindow : public QMainWindow {
   void refreshExport();
   QString reportFolder() const;
   void refreshTotals();
+  /// In the status bar, with a button to the folder.
+  void tellExported(const QString& text, const QString& folder);
+  void onStatusMessage(const QString& text);
+  void openExportFolder();
   void setZoom(int percent);
   void applyZoom();
   void saveWindowState();
@@ -98,6 +103,9 @@ class MainWindow : public QMainWindow {
   QTimer* totalsTimer_;
   ElidedLabel* sourceMoney_ = nullptr;  ///< of the source file, after a project was made of it
   QLabel* totals_ = nullptr;
+  QToolButton* openFolder_ = nullptr;  ///< while the message of an export stands
+  QString exported_;                   ///< that message
+  QString exportFolder_;
   QLabel* saved_ = nullptr;
 };
 

@@ -112,6 +112,10 @@ class CommandLineTest : public QObject {
     const QStringList files = report.out.split('\n', Qt::SkipEmptyParts);
     QCOMPARE(files.size(), 5);
     for (const QString& file : files) QVERIFY2(QFile::exists(file), qPrintable(file));
+    tests::writeFile(files.last(), "mine");
+    const Result again = run({"report", path("原件.qcp"), "--out", path("报表")});
+    QVERIFY2(again.code == 1 && again.error.contains("已存在"), qPrintable(again.error));
+    QCOMPARE(tests::contentOf(files.last()), QByteArray("mine"));
     QCOMPARE(tests::contentOf(path("原件.qcp")), before);
     QCOMPARE(run({"check", path("cut.TBQD")}).code, 1);
     QCOMPARE(run({"check", path("没有.qcp")}).code, 1);

@@ -1,6 +1,9 @@
 #include <QAction>
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
+#include <QStatusBar>
+#include <QToolButton>
 
 #include "tests/support/files.h"
 #include "tests/workbench/project_fixture.h"
@@ -18,6 +21,11 @@ class GivenFolder : public shell::FileChooser {
  public:
   explicit GivenFolder(QString path) : path_(std::move(path)) {}
   QString folderToWrite(QWidget*, const QString&) override { return path_; }
+  bool showFolder(const QString& path) override {
+    shown << path;
+    return shown.size() < 2;
+  }
+  QStringList shown;
 
  private:
   QString path_;
@@ -89,6 +97,11 @@ class ReportTest : public QObject {
       QFAIL(("missing: " + fee.code).c_str());
     });
     QVERIFY(items > 10);
+    QStringList titles;
+    for (int column = 3; column < 11; ++column) titles << sheet.cell(0, column).text;
+    QCOMPARE(titles.join(' '),
+             QString("预算基数（元） 预算费率（%） 预算金额（元） 成本基数算式 成本基数（元） "
+                     "成本费率（%） 成本金额（元） 预算减成本（元）"));
     QCOMPARE(sheet.cell(sheet.rowCount() - 1, 5).number, project.feeBudget().toDouble());
     QCOMPARE(sheet.cell(sheet.rowCount() - 1, 9).number, project.feeTotal().toDouble());
     QVERIFY(tests::contentOf(made.files[4]).startsWith("%PDF-"));
@@ -106,7 +119,12 @@ class ReportTest : public QObject {
     QVERIFY(!action->isEnabled());
     QVERIFY(window.openProject(fixture.path()));
     const QDir folder(home + "/出");
-    window.setFileChooser(std::make_unique<GivenFolder>(folder.path()));
+    auto* chooser = new GivenFolder(folder.path());
+    window.setFileChooser(std::unique_ptr<shell::FileChooser>(chooser));
+    window.resize(1024, 720);
+    window.show();
+    auto* open = window.findChild<QToolButton*>("openFolder");
+    QVERIFY(!open->isVisible());
     action->trigger();
     QCOMPARE(folder.entryList(QDir::Files), [] {
       QStringList names = shell::reportFileNames();
@@ -114,6 +132,17 @@ class ReportTest : public QObject {
       return names;
     }());
     QVERIFY(channel.messages().empty());
+    QTRY_VERIFY(open->isVisible());
+    QTest::mouseClick(open, Qt::LeftButton);
+    QCOMPARE(chooser->shown, QStringList(folder.path()));
+    QVERIFY(channel.messages().empty());
+    QTest::mouseClick(open, Qt::LeftButton);  // no file manager this time
+    QVERIFY(channel.messages().back().text.find("文件管理器") != std::string::npos);
+    channel.clear();
+    auto* totals = window.findChild<QLabel*>("totalsText");
+    QVERIFY(window.statusBar()->currentMessage().contains(folder.path()));
+    window.statusBar()->clearMessage();
+    QVERIFY(!open->isVisible() && totals->isVisible());
 
     const QString first = folder.filePath(shell::reportFileNames().first());
     tests::writeFile(first, "mine");
