@@ -200,8 +200,8 @@ class MainWindowTest : public QObject {
     // The grid that shows the column, and its cells from top to bottom.
     const auto cells = [&, title = title] {
       QModelIndexList found;
-      for (auto* each :
-           f_->window->pages()->currentWidget()->findChildren<bwidgets::TreeGridView*>()) {
+      const QWidget* page = f_->window->pages()->currentWidget();
+      for (auto* each : page->findChildren<bwidgets::TreeGridView*>()) {
         for (const int column : each->visibleColumns()) {
           const QString shown = each->model()->headerData(column, Qt::Horizontal).toString();
           if (!each->isVisible() || !found.isEmpty() || !shown.endsWith(title)) continue;
