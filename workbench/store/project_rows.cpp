@@ -222,6 +222,24 @@ void insertSubcontractBills(Statement& insert, const records::Subcontract& entry
   }
 }
 
+/// Those of the project and of these unit works: budget, excluded, included, node, category.
+template <class UnitWorks>
+void writeTotals(Statement& statement, const records::Project& project,
+                 const UnitWorks& unitWorks) {
+  const auto write = [&](const costing::Totals& totals, std::int64_t node, int category) {
+    statement.run({cell(totals.budget), cell(totals.excluded), cell(totals.included), cell(node),
+                   cell(category)});
+  };
+  write(project.totals(), 0, -1);
+  for (const records::StructureNode* unitWork : unitWorks) {
+    write(project.subProject(*unitWork)->totals(), unitWork->id(), -1);
+    for (int i = 0; i < records::CategoryCount; ++i) {
+      write(project.categoryGroup(*unitWork, static_cast<Category>(i))->totals(), unitWork->id(),
+            i);
+    }
+  }
+}
+
 struct FactRow {
   const char* name;
   std::string records::Facts::*text;
@@ -398,18 +416,7 @@ class Writer {
     Statement insert(database_,
                      "INSERT INTO cost_total (budget, excluded, included, node_id, category)"
                      " VALUES (?, ?, ?, ?, ?)");
-    const auto write = [&](const costing::Totals& totals, std::int64_t node, int category) {
-      insert.run({cell(totals.budget), cell(totals.excluded), cell(totals.included), cell(node),
-                  cell(category)});
-    };
-    write(project_.totals(), 0, -1);
-    for (const records::StructureNode* unitWork : project_.unitWorks()) {
-      write(project_.subProject(*unitWork)->totals(), unitWork->id(), -1);
-      for (int i = 0; i < records::CategoryCount; ++i) {
-        write(project_.categoryGroup(*unitWork, static_cast<Category>(i))->totals(), unitWork->id(),
-              i);
-      }
-    }
+    writeTotals(insert, project_, project_.unitWorks());
     return true;
   }
 
@@ -1039,18 +1046,7 @@ void writeChanges(Database& database, records::Project& project,
   Statement total(database,
                   "UPDATE cost_total SET budget = ?, excluded = ?, included = ?"
                   " WHERE node_id = ? AND category = ?");
-  const auto write = [&](const costing::Totals& totals, std::int64_t node, int category) {
-    total.run({cell(totals.budget), cell(totals.excluded), cell(totals.included), cell(node),
-               cell(category)});
-  };
-  write(project.totals(), 0, -1);
-  for (const records::StructureNode* unitWork : unitWorks) {
-    write(project.subProject(*unitWork)->totals(), unitWork->id(), -1);
-    for (int i = 0; i < records::CategoryCount; ++i) {
-      write(project.categoryGroup(*unitWork, static_cast<Category>(i))->totals(), unitWork->id(),
-            i);
-    }
-  }
+  writeTotals(total, project, unitWorks);
 }
 
 }  // namespace store
