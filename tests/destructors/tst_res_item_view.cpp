@@ -26,15 +26,14 @@ namespace {
 class FakeOperator : public tests::NodeHost<domain::qce::destructors::DesResItemOperator> {
  public:
   FakeOperator() {
-    domain::DisplayRow& header = *table.getHeader();
-    header.addColumn(keys::BRICode, tests::field(domain::StringField));
-    header.addColumn(keys::BRIType, tests::field(domain::StringField));
-    header.addColumn(keys::BRIName, tests::field(domain::StringField));
-    header.addColumn(keys::BRIUnit, tests::field(domain::StringField));
-    header.addColumn(keys::BRIMarketTotalCost,
-                     tests::field(domain::FloatingPointField, 2, true, "合价"));
-    header.addColumn(keys::BRIExcludedTaxTotalCost,
-                     tests::field(domain::FloatingPointField, 2, true));
+    column(keys::BRICode, "");
+    column(keys::BRIType, "");
+    column(keys::BRIName, "");
+    column(keys::BRIUnit, "");
+    table.getHeader()->addColumn(keys::BRIMarketTotalCost,
+                                 tests::field(domain::FloatingPointField, 2, true, "合价"));
+    table.getHeader()->addColumn(keys::BRIExcludedTaxTotalCost,
+                                 tests::field(domain::FloatingPointField, 2, true));
   }
   tests::Node* item(tests::Node* group, const char* code, const char* name, const char* type,
                     double amount) {

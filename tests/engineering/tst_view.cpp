@@ -372,12 +372,7 @@ class TestView : public QObject {
     QTest::keyClick(line, Qt::Key_Return);
     QCoreApplication::processEvents();
   }
-  QToolButton* button(const QString& text) const {
-    for (auto* found : page_->findChildren<QToolButton*>()) {
-      if (found->text() == text) return found;
-    }
-    qFatal("no such button");
-  }
+  QAbstractButton* button(const QString& text) const { return tests::button(page_.get(), text); }
   void condition(const char* box, const QString& text) {
     if (!panel_->isVisible()) driver_.click(button("条件过滤"));
     input(panel_->findChild<QLineEdit*>(box), text);

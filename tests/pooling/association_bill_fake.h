@@ -53,20 +53,16 @@ class AssociationOperator : public NodeHost<Base> {
 
 class FakeLeftOperator : public AssociationOperator<domain::qce::QCEAssociationBillLeftOperator> {
  public:
-  FakeLeftOperator() {
-    table.getHeader()->addColumn(domain::keys::SEName, {"分部", 0, {}, {}, {}, false});
-  }
+  FakeLeftOperator() { column(domain::keys::SEName, "分部"); }
 };
 
 class FakeRightOperator : public AssociationOperator<domain::qce::QCEAssociationBillRightOperator> {
  public:
   FakeRightOperator() {
-    using namespace domain;
-    DisplayRow& header = *table.getHeader();
-    header.addColumn(keys::SECode, {"编码", StringField, {}, {}, {}, false}).width = 150;
-    header.addColumn(keys::SEName, {"名称", StringField, {}, {}, {}, false}).width = 150;
-    header.addColumn(keys::SEProjFeatures, {"特征", StringField, {}, {}, {}, false});
-    header.addColumn(keys::SEAmount, {"工程量", FloatingPointField, 2, {}, {}, false});
+    column(domain::keys::SECode, "编码").width = 150;
+    column(domain::keys::SEName, "名称").width = 150;
+    column(domain::keys::SEProjFeatures, "特征");
+    column(domain::keys::SEAmount, "工程量", domain::FloatingPointField, 2);
   }
   void setBaseResItem(const Elements& items) override { baseItems = items; }
   bool isBill(const proxy::Element* row) const override { return tests::isBill(row); }

@@ -313,12 +313,7 @@ class AssociationBillViewTest : public QObject {
   Widget* find(const char* name) const {
     return dialog_->findChild<Widget*>(QString("AssociationBill_") + name);
   }
-  QPushButton* button(const QString& text) const {
-    for (auto* button : dialog_->findChildren<QPushButton*>()) {
-      if (button->text() == text) return button;
-    }
-    qFatal("no such button");
-  }
+  QAbstractButton* button(const QString& text) const { return tests::button(dialog_, text); }
   void press(const QString& text) { driver_.click(button(text)); }
   gui::TreeGridView* tree() const { return find<gui::TreeGridView>("right"); }
   /// The numbers of the checked bills, shown or not.

@@ -265,12 +265,7 @@ class NotionalPoolingViewTest : public QObject {
   static gui::TreeGridView* grid() { return find<gui::TreeGridView>("tree"); }
   // Clicks the check box of a top-level row.
   void check(int row) { driver_.clickCell(grid(), grid()->model()->index(row, 0)); }
-  static QPushButton* button(const QString& text) {
-    for (auto* button : current()->findChildren<QPushButton*>()) {
-      if (button->text() == text) return button;
-    }
-    qFatal("no such button");
-  }
+  static QAbstractButton* button(const QString& text) { return tests::button(current(), text); }
   void press(const QString& text) { driver_.click(button(text)); }
 
   std::unique_ptr<tests::ProjectFixture> fixture_;

@@ -465,12 +465,7 @@ class TestView : public QObject {
     grid_->header()->setSortIndicator(filter_->getColumnIndex(keys::BRICode), Qt::AscendingOrder);
     QVERIFY(sorted.wait());
   }
-  QToolButton* button(const QString& text) const {
-    for (auto* found : page_->findChildren<QToolButton*>()) {
-      if (found->text() == text) return found;
-    }
-    qFatal("no such button");
-  }
+  QAbstractButton* button(const QString& text) const { return tests::button(page_.get(), text); }
   void click(const QString& text) {
     QVERIFY(button(text)->isEnabled());
     driver_.click(button(text));

@@ -15,13 +15,10 @@ namespace tests {
 class FakePoolingOperator : public NodeHost<domain::qce::QCENotionalPoolingOperator> {
  public:
   FakePoolingOperator() {
-    using namespace domain;
-    DisplayRow& header = *table.getHeader();
-    header.addColumn(keys::NPCode, {"编码", StringField, {}, {}, {}, false}).width = 120;
-    header.addColumn(keys::NPChoose, {"选择", BoolField, {}, {}, {}, false}).width = 60;
-    header.addColumn(keys::NPName, {"名称", StringField, {}, {}, {}, false}).width = 160;
-    header.addColumn(keys::NPCollectionAmount, {"归集数量", FloatingPointField, 3, {}, {}, false})
-        .width = 100;
+    column(domain::keys::NPCode, "编码").width = 120;
+    column(domain::keys::NPChoose, "选择", domain::BoolField).width = 60;
+    column(domain::keys::NPName, "名称").width = 160;
+    column(domain::keys::NPCollectionAmount, "归集数量", domain::FloatingPointField, 3).width = 100;
   }
   /// A bill and its row.
   Node* bill(const std::string& code) {

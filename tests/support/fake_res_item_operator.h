@@ -13,18 +13,16 @@ namespace tests {
 class FakeResItemOperator : public NodeHost<domain::qce::QCEResItemOperator> {
  public:
   FakeResItemOperator() {
-    using namespace domain;
-    DisplayRow& header = *table.getHeader();
-    header.addColumn(keys::BRICode, text("编码"));
-    header.addColumn(keys::BRIName, text("名称"));
-    header.addColumn(keys::BRISpec, text("规格型号"));
-    header.addColumn(keys::BRIUnit, text("单位"));
-    header.addColumn(keys::BRIAmount, number("数量", 3));
-    header.addColumn(keys::BRIExcludedTaxFee, number("不含税单价", 2));
-    header.addColumn(keys::BRIExcludedTaxTotalCost, number("不含税合价", 2));
-    header.addColumn(keys::CostAccount, text("成本科目"));
-    header.addColumn(keys::BRIAssociation, text("关联"));
-    header.addColumn(keys::BRIIsProvidedByJia, {"甲供", BoolField, {}, {}, {}, false});
+    column(domain::keys::BRICode, "编码");
+    column(domain::keys::BRIName, "名称");
+    column(domain::keys::BRISpec, "规格型号");
+    column(domain::keys::BRIUnit, "单位");
+    column(domain::keys::BRIAmount, "数量", domain::FloatingPointField, 3);
+    column(domain::keys::BRIExcludedTaxFee, "不含税单价", domain::FloatingPointField, 2);
+    column(domain::keys::BRIExcludedTaxTotalCost, "不含税合价", domain::FloatingPointField, 2);
+    column(domain::keys::CostAccount, "成本科目");
+    column(domain::keys::BRIAssociation, "关联");
+    column(domain::keys::BRIIsProvidedByJia, "甲供", domain::BoolField);
   }
 
   /// A grouping row; its caption is shown as code and name.
@@ -104,14 +102,6 @@ class FakeResItemOperator : public NodeHost<domain::qce::QCEResItemOperator> {
   int rebuilt = 0;
   int filterType = domain::qce::FilterAll;
   mutable int fieldReads = 0;
-
- private:
-  static domain::DataField text(const char* name) {
-    return {name, domain::StringField, {}, {}, {}, false};
-  }
-  static domain::DataField number(const char* name, int precision) {
-    return {name, domain::FloatingPointField, precision, {}, {}, false};
-  }
 };
 
 }  // namespace tests

@@ -13,17 +13,15 @@ namespace tests {
 class FakeSubEngineeringOperator : public NodeHost<domain::SubEngineeringOperator> {
  public:
   FakeSubEngineeringOperator() {
-    using namespace domain;
-    DisplayRow& header = *table.getHeader();
-    header.addColumn(keys::SECode, text("编码"));
-    header.addColumn(keys::SEName, text("名称"));
-    header.addColumn(keys::SEProjFeatures, text("项目特征"));
-    header.addColumn(keys::SEUnit, text("单位"));
-    header.addColumn(keys::SECalcExpr, text("计算式"));
-    header.addColumn(keys::SEQuantity, number("成本工程量"));
-    header.addColumn(keys::SEType, text("类型"));
-    header.addColumn(keys::CostAccount, text("成本科目"));
-    header.addColumn(keys::SERemark, text("备注")).visible = false;
+    column(domain::keys::SECode, "编码");
+    column(domain::keys::SEName, "名称");
+    column(domain::keys::SEProjFeatures, "项目特征");
+    column(domain::keys::SEUnit, "单位");
+    column(domain::keys::SECalcExpr, "计算式");
+    column(domain::keys::SEQuantity, "成本工程量", domain::FloatingPointField, 2);
+    column(domain::keys::SEType, "类型");
+    column(domain::keys::CostAccount, "成本科目");
+    column(domain::keys::SERemark, "备注").visible = false;
   }
 
   /// A row shows its code and has its name in column 0 of no table: the code names it in texts.
@@ -84,14 +82,6 @@ class FakeSubEngineeringOperator : public NodeHost<domain::SubEngineeringOperato
   }
 
   mutable int reads = 0;
-
- private:
-  static domain::DataField text(const char* name) {
-    return {name, domain::StringField, {}, {}, {}, false};
-  }
-  static domain::DataField number(const char* name) {
-    return {name, domain::FloatingPointField, 2, {}, {}, false};
-  }
 };
 
 }  // namespace tests

@@ -72,6 +72,9 @@ class Tree : public proxy::ElementGroup {
   std::vector<scoped_refptr<Node>> members_;
 };
 
+domain::DataField field(int type, std::optional<int> precision = {}, bool thousands = false,
+                        const char* title = "");
+
 /// A host in memory: answers what the nodes of a tree hold and takes what is written.
 template <class Base>
 class NodeHost : public Base {
@@ -87,6 +90,11 @@ class NodeHost : public Base {
                 int /*role*/) override {
     static_cast<Node*>(element)->set(key, value);
     return true;
+  }
+  domain::ColumnDescriptor& column(const std::string& key, const char* title,
+                                   int type = domain::StringField,
+                                   std::optional<int> precision = {}) {
+    return table.getHeader()->addColumn(key, field(type, precision, false, title));
   }
 
   Tree tree;
@@ -120,9 +128,6 @@ class NodeOperator : public NodeHost<domain::Operator> {
   domain::Value lastWritten;
   int lastRole = -1;
 };
-
-domain::DataField field(int type, std::optional<int> precision = {}, bool thousands = false,
-                        const char* title = "");
 
 /// "a(b c) d" as a model shows it in column 0, for comparing a tree as one short text.
 std::string treeText(const QAbstractItemModel& model);

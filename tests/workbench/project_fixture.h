@@ -62,12 +62,8 @@ class ProjectFixture {
   static std::vector<records::ResourceItem*> itemsOf(records::Project& project) {
     std::vector<records::ResourceItem*> all;
     for (const records::StructureNode* node : project.unitWorks()) {
-      for (int i = 0; i < records::CategoryCount; ++i) {
-        const auto* group = project.categoryGroup(*node, static_cast<records::Category>(i));
-        for (int row = 0; row < group->rows().size(); ++row) {
-          all.push_back(static_cast<records::ResourceItem*>(group->rows().at(row)));
-        }
-      }
+      const auto items = below<records::ResourceItem>(*project.subProject(*node));
+      all.insert(all.end(), items.begin(), items.end());
     }
     return all;
   }

@@ -138,14 +138,7 @@ struct Plain {
   }
 
   static std::vector<ResourceItem*> itemsOf(Project& project, const StructureNode& work) {
-    std::vector<ResourceItem*> items;
-    const records::ResourceGroup& top = *project.subProject(work);
-    for (int i = 0; i < top.childCount(); ++i) {
-      for (int row = 0; row < top.child(i)->childCount(); ++row) {
-        items.push_back(static_cast<ResourceItem*>(top.child(i)->child(row)));
-      }
-    }
-    return items;
+    return tests::ProjectFixture::below<ResourceItem>(*project.subProject(work));
   }
 
   /// To a bill and what lies above it, up to its unit work.
@@ -435,17 +428,7 @@ void editRandomly(Project& project, std::mt19937& random) {
       project.set(item, records::ItemField::Price, costing::PackedDecimal(price));
       return;
     }
-    std::vector<Bill*> bills;
-    const std::function<void(const records::RowList&)> collect = [&](const records::RowList& rows) {
-      for (int row = 0; row < rows.size(); ++row) {
-        if (auto* bill = dynamic_cast<Bill*>(rows.at(row))) {
-          bills.push_back(bill);
-        } else {
-          collect(static_cast<records::Branch*>(rows.at(row))->rows());
-        }
-      }
-    };
-    collect(work.rows());
+    const auto bills = tests::ProjectFixture::below<Bill>(work);
     Bill& bill = *pick(bills);
     if (random() % 2 == 0) {
       records::SubcontractData data;

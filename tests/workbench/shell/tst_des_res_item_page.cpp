@@ -1,33 +1,19 @@
-#include <QLabel>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTabBar>
-#include <QUndoStack>
-#include <QtTest>
 #include <map>
 #include <tuple>
 
 #include "destructors/res_item_summary_models.h"
 #include "destructors/res_item_summary_view.h"
 #include "destructors/res_item_view.h"
-#include "host/app/scoped_undo.h"
 #include "host/base/number_text.h"
 #include "host/bwidgets/table_view.h"
 #include "host/domain/field_keys.h"
 #include "host/domain/qce/destructors/des_res_item_keys.h"
 #include "host/gui/tree_grid_view.h"
 #include "host/gui/view_model.h"
-#include "tests/support/tester_proxy.h"
+#include "tests/workbench/project_fixture.h"
+#include "tests/workbench/window_fixture.h"
 #include "workbench/controllers/des_res_item_controller.h"
-#include "workbench/controllers/open_project.h"
-#include "workbench/exchange/sample_generator.h"
 #include "workbench/records/bill_costs.h"
-#include "workbench/services/install.h"
-#include "workbench/shell/application.h"
-#include "workbench/shell/main_window.h"
-#include "workbench/shell/page_stack.h"
-#include "workbench/shell/session.h"
 
 namespace keys = domain::keys;
 using costing::Decimal;
@@ -40,28 +26,15 @@ class TestDesResItemPage : public QObject {
   Q_OBJECT
 
  private slots:
-  void initTestCase() { shell::setUpApplication(*qApp); }
-
   void init() {
-    dir_ = std::make_unique<QTemporaryDir>();
-    auto channel = std::make_unique<services::RecordingChannel>();
-    channel_ = channel.get();
-    services_ = services::install(std::make_unique<services::PathManager>(dir_->path()),
-                                  std::move(channel));
-    const exchange::SourceDocument source =
-        exchange::SampleGenerator::officeBuilding(exchange::SourceKind::Bid);
-    store::Failure failure;
-    QVERIFY(store::ProjectFile::create(path(), &source, {"办公楼", "投标成本测算", {}}, failure));
-    window_ = std::make_unique<shell::MainWindow>(*services_);
+    f_ = std::make_unique<tests::WindowFixture>();
+    window_ = f_->window.get();
     window_->resize(1440, 700);
-    window_->show();
-    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
-    QVERIFY(window_->openProject(path()));
+    f_->open("design-resources");
     page_ = window_->session()->page("design-resources")->widget;
     view_ = page_->findChild<DesResItemViewImpl*>();
     grid_ = view_->findChild<gui::TreeGridView*>();
     tests::attachTester(grid_->model());
-    open();
     rows_ = std::make_unique<DesResItemOperator>(project(), openProject().resItemOperator());
     rows_->rebuildGroup();
     controller_ = std::make_unique<controllers::DesResItemController>(
@@ -71,8 +44,7 @@ class TestDesResItemPage : public QObject {
   void cleanup() {
     controller_.reset();
     rows_.reset();
-    window_.reset();
-    services_.reset();
+    f_.reset();
   }
 
   void collectsIntoANewEntryOrOneThatIsThere() {
@@ -135,20 +107,20 @@ class TestDesResItemPage : public QObject {
     const Decimal collected = total();
     const Decimal lump =
         static_cast<const records::Subcontract*>(project().subcontracts().rows().at(1))->amount();
-    QUndoStack& undo = window_->session()->undoStack();
+    QUndoStack& undo = f_->stack();
     const Rows all{pair[0], pair[1], mixed[0], mixed[1], row(material[1])};
-    channel_->clear();
+    f_->channel->clear();
     controller_->cancelCollection(pair);  // one is left in the entry
-    QVERIFY(channel_->messages().empty());
+    QVERIFY(f_->channel->messages().empty());
     undo.undo();
-    channel_->answerNext(QMessageBox::No);
+    f_->channel->answerNext(QMessageBox::No);
     controller_->cancelCollection(mixed);
     QVERIFY2(message().contains("是否同时删除"), qPrintable(message()));
     QCOMPARE(project().subcontracts().size(), 2);
     QVERIFY(total() == collected + lump);
     undo.undo();
     const int step = undo.index();
-    channel_->answerNext(QMessageBox::Yes);
+    f_->channel->answerNext(QMessageBox::Yes);
     controller_->cancelCollection(all);
     QCOMPARE(undo.index(), step + 1);
     QCOMPARE(project().subcontracts().size(), 0);
@@ -160,7 +132,7 @@ class TestDesResItemPage : public QObject {
     QVERIFY(message().contains("没有归集"));
     controller_->linkToCost(pair);
     QVERIFY(message().contains("无需关联"));
-    while (window_->session()->undoStack().canUndo()) window_->session()->undoStack().undo();
+    while (f_->stack().canUndo()) f_->stack().undo();
     QVERIFY(project().dump() == before);
   }
 
@@ -214,9 +186,9 @@ class TestDesResItemPage : public QObject {
     QVERIFY(controller_->setCollection(selected, {entry, nullptr, "", ""}));
     QVERIFY(window_->pages()->setCurrentPage("subcontracts"));
     QTRY_VERIFY(!hint->isVisible());
-    window_->session()->undoStack().undo();
+    f_->stack().undo();
     QTRY_VERIFY(says(twice()) && says(QString(" %1 项").arg(selected.size())));
-    window_->session()->undoStack().redo();
+    f_->stack().redo();
     QTRY_VERIFY(!hint->isVisible());
   }
 
@@ -235,12 +207,12 @@ class TestDesResItemPage : public QObject {
 
     using Key = std::tuple<std::string, std::string, std::string, std::string, double>;
     std::map<Key, double> quantities;
-    for (const ResourceItem* item : allItems()) {
+    for (const ResourceItem* item : tests::ProjectFixture::itemsOf(project())) {
       quantities[{records::nameOf(item->category()), item->name().str(), item->spec().str(),
                   item->unit().str(), item->price().toDouble()}] += item->quantity().toDouble();
     }
     QCOMPARE(table.rowCount(), int(quantities.size()));
-    QVERIFY(quantities.size() < allItems().size());
+    QVERIFY(quantities.size() < tests::ProjectFixture::itemsOf(project()).size());
     const auto cell = [&](int at, const std::string& key) {
       return table.index(at, summary->tableView()->table()->viewModel()->getColumnIndex(key))
           .data(Qt::EditRole);
@@ -286,8 +258,8 @@ class TestDesResItemPage : public QObject {
     guide.setCurrentIndex(guide.model()->index(1, 0));  // what waits
     QCOMPARE(table.rowCount(), 1);
     QCOMPARE(cell(0, keys::BRIName).toString().toStdString(), labour[0]->name().str());
-    window_->session()->undoStack().undo();
-    window_->session()->undoStack().undo();
+    f_->stack().undo();
+    f_->stack().undo();
     QTRY_COMPARE(table.rowCount(), 0);
   }
 
@@ -296,7 +268,8 @@ class TestDesResItemPage : public QObject {
     const std::string before = project().dump();
     const auto rowOrder = [&] {
       std::vector<std::int64_t> ids;
-      for (const ResourceItem* each : allItems()) ids.push_back(each->id());
+      for (const ResourceItem* each : tests::ProjectFixture::itemsOf(project()))
+        ids.push_back(each->id());
       return ids;
     };
     const auto order = rowOrder();
@@ -388,43 +361,19 @@ class TestDesResItemPage : public QObject {
  private:
   using Rows = std::vector<proxy::Element*>;
 
-  QString path() const { return dir_->filePath("办公楼.qcp"); }
   controllers::OpenProject& openProject() { return window_->session()->project(); }
   records::Project& project() { return openProject().project(); }
   void open() { QVERIFY(window_->pages()->setCurrentPage("design-resources")); }
   proxy::Element* row(const ResourceItem* item) const { return rows_->rowOf(*item); }
-  QString message() const {
-    return channel_->messages().empty() ? QString()
-                                        : QString::fromStdString(channel_->messages().back().text);
-  }
+  QString message() const { return f_->message(); }
   /// Of the first unit work.
   std::vector<ResourceItem*> itemsOf(records::Category category) {
-    std::vector<ResourceItem*> items;
-    const auto& rows = project().categoryGroup(*project().unitWorks().front(), category)->rows();
-    items.reserve(std::size_t(rows.size()));
-    for (int at = 0; at < rows.size(); ++at) {
-      items.push_back(static_cast<ResourceItem*>(rows.at(at)));
-    }
-    return items;
-  }
-  std::vector<ResourceItem*> allItems() {
-    std::vector<ResourceItem*> items;
-    for (const records::StructureNode* work : project().unitWorks()) {
-      for (int i = 0; i < records::CategoryCount; ++i) {
-        const auto& rows =
-            project().categoryGroup(*work, static_cast<records::Category>(i))->rows();
-        for (int at = 0; at < rows.size(); ++at) {
-          items.push_back(static_cast<ResourceItem*>(rows.at(at)));
-        }
-      }
-    }
-    return items;
+    return tests::ProjectFixture::below<ResourceItem>(
+        *project().categoryGroup(*project().unitWorks().front(), category));
   }
 
-  std::unique_ptr<QTemporaryDir> dir_;
-  services::RecordingChannel* channel_ = nullptr;
-  std::unique_ptr<services::Installed> services_;
-  std::unique_ptr<shell::MainWindow> window_;
+  std::unique_ptr<tests::WindowFixture> f_;
+  shell::MainWindow* window_ = nullptr;
   std::unique_ptr<DesResItemOperator> rows_;
   std::unique_ptr<controllers::DesResItemController> controller_;
   QWidget* page_ = nullptr;
