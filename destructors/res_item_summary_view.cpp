@@ -9,11 +9,11 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QSplitter>
-#include <QTimer>
 #include <QVBoxLayout>
 #include <cmath>
 
 #include "destructors/res_item_summary_models.h"
+#include "framework/delay.h"
 #include "host/app/services.h"
 #include "host/app/spreadsheet.h"
 #include "host/base/log.h"
@@ -82,7 +82,7 @@ DesResItemSummaryTableViewImpl::DesResItemSummaryTableViewImpl(QWidget* parent)
       table_(new bwidgets::TableView(this)),
       text_(new QLineEdit(this)),
       status_(new QLabel(this)),
-      statusTimer_(new QTimer(this)) {
+      statusTimer_(gui::makeDelay(this, 0, &DesResItemSummaryTableViewImpl::refreshStatus)) {
   table_->setObjectName("DesResItemSummary_table");
   table_->setItemDelegate(new gui::StyledItemDelegate(table_));
   table_->setEmptyText(NoMatch);
@@ -100,9 +100,6 @@ DesResItemSummaryTableViewImpl::DesResItemSummaryTableViewImpl(QWidget* parent)
   connect(button, &QPushButton::clicked, this, &DesResItemSummaryTableViewImpl::filter);
   status_->setObjectName("DesResItemSummary_status");
   status_->setContentsMargins(6, 3, 6, 3);
-  statusTimer_->setSingleShot(true);
-  statusTimer_->setInterval(0);
-  connect(statusTimer_, &QTimer::timeout, this, &DesResItemSummaryTableViewImpl::refreshStatus);
 
   auto* bar = new QHBoxLayout;
   bar->setContentsMargins(6, 4, 6, 4);
@@ -136,14 +133,6 @@ void DesResItemSummaryTableViewImpl::filter() {
 void DesResItemSummaryTableViewImpl::updateView() {
   BasePage::updateView();
   if (!statusTimer_->isActive()) statusTimer_->start();
-}
-
-void DesResItemSummaryTableViewImpl::onModelReset() {
-  updateView();
-}
-
-void DesResItemSummaryTableViewImpl::onDataChanged() {
-  updateView();
 }
 
 void DesResItemSummaryTableViewImpl::refreshStatus() {
@@ -203,7 +192,7 @@ DesResItemSummaryViewImpl::DesResItemSummaryViewImpl(QWidget* parent)
     : BasePage(parent),
       guide_(new DesResItemSummaryGuideViewImpl(this)),
       table_(new DesResItemSummaryTableViewImpl(this)),
-      timer_(new QTimer(this)) {
+      timer_(gui::makeDelay(this, 80, &DesResItemSummaryViewImpl::rebuild)) {
   setWindowTitle("汇总");
   auto* splitter = new QSplitter(this);
   splitter->setHandleWidth(8);
@@ -216,9 +205,6 @@ DesResItemSummaryViewImpl::DesResItemSummaryViewImpl(QWidget* parent)
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(splitter);
-  timer_->setSingleShot(true);
-  timer_->setInterval(80);
-  connect(timer_, &QTimer::timeout, this, &DesResItemSummaryViewImpl::rebuild);
   connect(guide_->tree(), &gui::TreeGridView::currentElementChanged, this,
           &DesResItemSummaryViewImpl::onGuideChanged);
 }

@@ -61,8 +61,6 @@ class QCE_EXPORT DesResItemSummaryTableViewImpl : public gui::BasePage {
   void exportExcel();
 
  protected:
-  void onModelReset() override;
-  void onDataChanged() override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:

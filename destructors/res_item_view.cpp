@@ -13,7 +13,6 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSplitter>
-#include <QTimer>
 #include <QToolButton>
 #include <algorithm>
 #include <cmath>
@@ -23,6 +22,7 @@
 #include "destructors/source_bill_view.h"
 #include "framework/cell_value.h"
 #include "framework/commands.h"
+#include "framework/delay.h"
 #include "framework/des_filter_view.h"
 #include "host/app/services.h"
 #include "host/app/spreadsheet.h"
@@ -44,14 +44,8 @@ namespace keys = domain::keys;
 
 DesResItemViewImpl::DesResItemViewImpl(QWidget* parent) : ResItemViewImpl(parent) {
   setWindowTitle("人材机归集");
-  timer_ = new QTimer(this);
-  timer_->setSingleShot(true);
-  timer_->setInterval(RefreshDelay);
-  connect(timer_, &QTimer::timeout, this, &DesResItemViewImpl::onTimeOut);
-  statusTimer_ = new QTimer(this);
-  statusTimer_->setSingleShot(true);
-  statusTimer_->setInterval(0);
-  connect(statusTimer_, &QTimer::timeout, this, &DesResItemViewImpl::refreshStatus);
+  timer_ = gui::makeDelay(this, RefreshDelay, &DesResItemViewImpl::onTimeOut);
+  statusTimer_ = gui::makeDelay(this, 0, &DesResItemViewImpl::refreshStatus);
   init();
 }
 
@@ -82,25 +76,14 @@ void DesResItemViewImpl::init() {
   itemPageAction_ = addCommand("到人材机页添加", "转到人材机页的当前人材机处，在那里添加人材机",
                                "Ctrl+Shift+I", &Page::showItemPage);
   regroupAction_ = addCommand("恢复原顺序", "恢复排序前的顺序", "F5", &Page::regroup);
-  groupedAction_ = addSwitch("按工程和类别分组", "按工程和类别分组，或列为一张清单", "Ctrl+Shift+D",
-                             &Page::setGrouped);
+  groupedAction_ = gui::addCommand(this, "按工程和类别分组", "按工程和类别分组，或列为一张清单",
+                                   {QKeySequence("Ctrl+Shift+D")});
+  groupedAction_->setCheckable(true);
   groupedAction_->setChecked(true);
-  conditionAction_ = addSwitch("条件过滤", "按成本科目、编码、名称、规格型号、单位过滤",
-                               "Ctrl+Shift+F", &Page::showConditions);
+  connect(groupedAction_, &QAction::triggered, this, &Page::setGrouped);
+  conditionAction_ = gui::addCommand(this, "条件过滤", "按成本科目、编码、名称、规格型号、单位过滤",
+                                     {QKeySequence("Ctrl+Shift+F")});
   ResItemViewImpl::init();
-}
-
-QAction* DesResItemViewImpl::addSwitch(const QString& text, const QString& toolTip,
-                                       const QString& keys,
-                                       void (DesResItemViewImpl::*slot)(bool)) {
-  auto* action = new QAction(text, this);
-  action->setCheckable(true);
-  action->setShortcut(QKeySequence(keys));
-  action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-  action->setToolTip(QString("%1（%2）").arg(toolTip, keys));
-  connect(action, &QAction::triggered, this, slot);
-  addAction(action);
-  return action;
 }
 
 QAction* DesResItemViewImpl::addCommand(const QString& text, const QString& toolTip,
@@ -162,7 +145,7 @@ void DesResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
 QWidget* DesResItemViewImpl::createContent(gui::TreeGridView* grid) {
   grid->setEmptyText("没有符合条件的人材机。请放宽筛选条件，清空过滤的文字，或取消条件过滤。");
   conditions_ = new DesFilterView(DesFilterView::ResItem, this);
-  conditions_->hide();
+  conditions_->setSwitch(conditionAction_, grid);
   connect(conditions_->startButton(), &QPushButton::clicked, this,
           &DesResItemViewImpl::startFilter);
   connect(conditions_->cancelButton(), &QPushButton::clicked, this,
@@ -189,12 +172,12 @@ QWidget* DesResItemViewImpl::createFooter() {
   status_->setMinimumWidth(1);
   currentBill_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   currentBill_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  conditionButton_ = new QToolButton(footer);
-  conditionButton_->setObjectName("ResItem_conditions");
-  conditionButton_->setDefaultAction(conditionAction_);
+  auto* conditionButton = new QToolButton(footer);
+  conditionButton->setObjectName("ResItem_conditions");
+  conditionButton->setDefaultAction(conditionAction_);
   auto* layout = new QHBoxLayout(footer);
   layout->setContentsMargins(6, 3, 6, 3);
-  layout->addWidget(conditionButton_);
+  layout->addWidget(conditionButton);
   layout->addWidget(status_);
   layout->addWidget(currentBill_, 1);
   return footer;
@@ -216,11 +199,6 @@ void DesResItemViewImpl::fillContextMenu(QMenu* menu) {
 // ---------------------------------------------------------------------------------------------
 // Conditions
 
-void DesResItemViewImpl::showConditions(bool show) {
-  conditions_->setVisible(show);
-  (show ? static_cast<QWidget*>(conditions_) : treeGrid())->setFocus();
-}
-
 void DesResItemViewImpl::startFilter() {
   filterByConditions(true);
 }
@@ -229,18 +207,11 @@ void DesResItemViewImpl::cancelFilter() {
   filterByConditions(false);
 }
 
-// Hiding the panel keeps the filter: the button and the status line tell that it is on.
 void DesResItemViewImpl::filterByConditions(bool on) {
   if (model_ == nullptr) return;
-  std::vector<std::string> conditions = conditions_->conditions();
-  model_->setFilterField(conditions);
-  model_->setIsFilterByCondition(on);
+  conditions_->apply(*model_, on);
   expandAll();
   if (!on) treeGrid()->scrollTo(treeGrid()->currentIndex());
-  conditionsOn_ = on;
-  QPalette colors = palette();
-  if (on) colors.setColor(QPalette::ButtonText, QColor(198, 40, 40));
-  conditionButton_->setPalette(colors);
   refreshStatusLater();
 }
 
@@ -256,8 +227,6 @@ void DesResItemViewImpl::setModel(abst::BaseModel* model) {
   groupedAction_->setChecked(model_->isGrouped());
   connect(treeGrid()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
           &DesResItemViewImpl::refreshStatusLater);
-  wasEmpty_ = treeGrid()->model()->rowCount() == 0;
-  expandAll();
   refreshStatusLater();
 }
 
@@ -286,11 +255,8 @@ void DesResItemViewImpl::updateView() {
   refreshStatusLater();
 }
 
-// The grid keeps open what was open; a model that was empty had nothing to keep.
 void DesResItemViewImpl::onModelReset() {
-  if (wasEmpty_) expandAll();
-  wasEmpty_ = treeGrid()->model()->rowCount() == 0;
-  updateView();
+  ResItemViewImpl::onModelReset();
   refreshActions();  // the grid tells of the current row itself
 }
 
@@ -491,7 +457,7 @@ void DesResItemViewImpl::regroup() {
 
 void DesResItemViewImpl::showItems(const std::vector<proxy::Element*>& items) {
   clearTextFilter();
-  if (conditionsOn_) cancelFilter();
+  if (conditions_->isOn()) cancelFilter();
   treeGrid()->selectElements(items);
   treeGrid()->setFocus();
 }
@@ -533,7 +499,7 @@ void DesResItemViewImpl::refreshStatus() {
                        .arg(waiting == 0 ? note : "<b style=\"color:#b06000\">" + note + "</b>")
                        .arg(items.size())
                        .arg(money(market), money(counted),
-                            conditionsOn_ ? QString("（条件过滤中）") : QString()));
+                            conditions_->isOn() ? QString("（条件过滤中）") : QString()));
 }
 
 }  // namespace gui::qce::destructors

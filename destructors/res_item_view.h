@@ -12,7 +12,6 @@ class QCheckBox;
 class QLabel;
 class QPushButton;
 class QTimer;
-class QToolButton;
 
 namespace gui {
 class ViewModel;
@@ -108,9 +107,6 @@ class QCE_EXPORT DesResItemViewImpl : public gui::ResItemViewImpl {
   QAction* addCommand(const QString& text, const QString& toolTip, const QString& keys,
                       void (DesResItemViewImpl::*slot)());
   QPushButton* addButton(QLayout* toolBar, QAction* action, const QString& name);
-  QAction* addSwitch(const QString& text, const QString& toolTip, const QString& keys,
-                     void (DesResItemViewImpl::*slot)(bool));
-  void showConditions(bool show);
   void filterByConditions(bool on);
   bool isSeen() const { return isActive() && isVisible(); }
   /// False after telling the user that nothing is selected.
@@ -136,14 +132,11 @@ class QCE_EXPORT DesResItemViewImpl : public gui::ResItemViewImpl {
   QAction* conditionAction_ = nullptr;
   QAction* regroupAction_ = nullptr;
   QCheckBox* localBox_ = nullptr;
-  QToolButton* conditionButton_ = nullptr;
   DesFilterView* conditions_ = nullptr;
   QLabel* currentBill_ = nullptr;
   QLabel* status_ = nullptr;
   QTimer* timer_ = nullptr;        // of the current row
   QTimer* statusTimer_ = nullptr;  // of the status line
-  bool wasEmpty_ = true;
-  bool conditionsOn_ = false;
 };
 
 }  // namespace gui::qce::destructors

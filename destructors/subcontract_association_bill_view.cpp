@@ -100,14 +100,6 @@ void DesSetSubcontractAssociationBillViewImpl::refresh(const QString& entry) {
   if (filter_ != nullptr) filter_->refresh();
 }
 
-void DesSetSubcontractAssociationBillViewImpl::onModelReset() {
-  updateView();
-}
-
-void DesSetSubcontractAssociationBillViewImpl::onDataChanged() {
-  updateView();
-}
-
 // ---------------------------------------------------------------------------------------------
 // Commands
 

@@ -51,10 +51,6 @@ class QCE_EXPORT DesSetSubcontractAssociationBillViewImpl : public gui::BasePage
   void disassociate();
   void toggle();
 
- protected:
-  void onModelReset() override;
-  void onDataChanged() override;
-
  private:
   void createActions();
   std::vector<proxy::Element*> selected(bool associated) const;

@@ -6,7 +6,6 @@
 #include <QPushButton>
 #include <QSplitter>
 #include <QToolBar>
-#include <QToolButton>
 #include <vector>
 
 #include "engineering/delegate.h"
@@ -54,7 +53,7 @@ void QCESubEngineeringViewImpl::init() {
   if (conditions_ != nullptr) return;  // built already
   gui::SubEngineeringViewImpl::init();
   conditions_ = new destructors::DesFilterView(destructors::DesFilterView::SubEngineering, this);
-  conditions_->hide();
+  conditions_->setSwitch(conditionAction_, treeGrid());
   connect(conditions_->startButton(), &QPushButton::clicked, this,
           &QCESubEngineeringViewImpl::startFilter);
   connect(conditions_->cancelButton(), &QPushButton::clicked, this,
@@ -81,8 +80,6 @@ void QCESubEngineeringViewImpl::fillToolBar(QToolBar* toolBar) {
   conditionAction_ = gui::addCommand(
       this, "条件过滤", "显示或隐藏条件面板，按成本科目、编码、名称、项目特征、单位过滤",
       {QKeySequence("Ctrl+Shift+F")});
-  conditionAction_->setCheckable(true);
-  connect(conditionAction_, &QAction::toggled, this, &QCESubEngineeringViewImpl::showConditions);
   toolBar->addAction(conditionAction_);
 }
 
@@ -93,7 +90,7 @@ void QCESubEngineeringViewImpl::fillContextMenu(QMenu* menu) {
 }
 
 QString QCESubEngineeringViewImpl::statusNote() const {
-  return conditionsOn_ ? QString("（条件过滤中）") : QString();
+  return conditions_->isOn() ? QString("（条件过滤中）") : QString();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -135,46 +132,25 @@ void QCESubEngineeringViewImpl::filterByConditionView() {
   conditionAction_->setChecked(true);
 }
 
-void QCESubEngineeringViewImpl::showConditions(bool show) {
-  conditions_->setVisible(show);
-  (show ? static_cast<QWidget*>(conditions_) : treeGrid())->setFocus();
-}
-
-// The filter stays on while its panel is hidden: the button and the status line tell.
-void QCESubEngineeringViewImpl::setConditionMark(bool on) {
-  conditionsOn_ = on;
-  for (QWidget* shown : conditionAction_->associatedWidgets()) {
-    auto* bar = qobject_cast<QToolBar*>(shown);
-    QWidget* button = bar != nullptr ? bar->widgetForAction(conditionAction_) : nullptr;
-    if (button == nullptr) continue;
-    QPalette colors = palette();
-    if (on) colors.setColor(QPalette::ButtonText, QColor(198, 40, 40));
-    button->setPalette(colors);
-  }
-  rowsChanged();
-}
-
 void QCESubEngineeringViewImpl::startFilter() {
   auto* filter = filterOf(*treeGrid());
   if (filter == nullptr) return;
-  std::vector<std::string> conditions = conditions_->conditions();
-  filter->setFilterField(conditions);
-  filter->setIsFilterByCondition(true);
+  conditions_->apply(*filter, true);
   expandAll();
-  setConditionMark(true);
+  rowsChanged();
 }
 
 void QCESubEngineeringViewImpl::cancelFilter() {
   auto* filter = filterOf(*treeGrid());
   if (filter == nullptr) return;
-  filter->setIsFilterByCondition(false);
+  conditions_->apply(*filter, false);
   expandAll();
   treeGrid()->scrollTo(treeGrid()->currentIndex());
-  setConditionMark(false);
+  rowsChanged();
 }
 
 void QCESubEngineeringViewImpl::showElements(const std::vector<proxy::Element*>& elements) {
-  if (conditionsOn_) cancelFilter();
+  if (conditions_->isOn()) cancelFilter();
   SubEngineeringViewImpl::showElements(elements);
 }
 

@@ -55,12 +55,9 @@ class QCE_EXPORT QCESubEngineeringViewImpl : public gui::SubEngineeringViewImpl 
   std::string getSEUnitKey() override;
 
   void freezeLeadingColumns();
-  void showConditions(bool show);
-  void setConditionMark(bool on);
 
   destructors::DesFilterView* conditions_ = nullptr;
   QAction* conditionAction_ = nullptr;
-  bool conditionsOn_ = false;
 };
 
 }  // namespace gui::qce

@@ -1,5 +1,6 @@
 #include "framework/des_filter_view.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QFormLayout>
 #include <QFrame>
@@ -8,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace gui::qce::destructors {
@@ -121,6 +123,25 @@ std::string DesFilterView::getUnit() const {
 
 std::vector<std::string> DesFilterView::conditions() const {
   return {getCbkm(), getCode(), getName(), getFeature(), getUnit()};
+}
+
+void DesFilterView::setSwitch(QAction* action, QWidget* grid) {
+  switch_ = action;
+  action->setCheckable(true);
+  setVisible(action->isChecked());
+  connect(action, &QAction::toggled, this, [this, grid](bool shown) {
+    setVisible(shown);
+    (shown ? this : grid)->setFocus();
+  });
+}
+
+void DesFilterView::setOn(bool on) {
+  on_ = on;
+  QPalette colors;
+  if (on) colors.setColor(QPalette::ButtonText, QColor(198, 40, 40));
+  for (QWidget* shown : switch_->associatedWidgets()) {
+    if (auto* button = qobject_cast<QToolButton*>(shown)) button->setPalette(colors);
+  }
 }
 
 void DesFilterView::resetConditions() {

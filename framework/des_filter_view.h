@@ -6,6 +6,7 @@
 #include "host/bwidgets/widget.h"
 #include "qce_export.h"
 
+class QAction;
 class QCheckBox;
 class QFormLayout;
 class QLineEdit;
@@ -14,8 +15,8 @@ class QPushButton;
 namespace gui::qce::destructors {
 
 /// The panel with which a page narrows its tree to the rows whose fields contain the given texts.
-/// It holds the conditions and nothing else: the page connects the buttons and check boxes, reads
-/// the five texts in the order of the getters and hands them to its filter model.
+/// It holds the conditions, knows whether they are in force, and shows and hides itself with an
+/// action of the page; the page connects the buttons and check boxes.
 ///
 /// Return and Enter click the start button, whichever box or button has the focus. A space is typed
 /// into a box and presses a focused button or check box; one that nobody used ends at the panel.
@@ -44,6 +45,20 @@ class QCE_EXPORT DesFilterView : public bwidgets::Widget {
   /// The five texts, in the order of the getters: what a filter model is given.
   std::vector<std::string> conditions() const;
 
+  /// Shows and hides the panel with `action`; the keyboard goes along, and back to `grid`.
+  void setSwitch(QAction* action, QWidget* grid);
+
+  /// Hands the conditions to `filter`, a filter model, and puts them in force, or takes them out of
+  /// force. They stay so while the panel is hidden: the tool buttons of the action are red then.
+  template <class Filter>
+  void apply(Filter& filter, bool on) {
+    std::vector<std::string> texts = conditions();
+    if (on) filter.setFilterField(texts);
+    filter.setIsFilterByCondition(on);
+    setOn(on);
+  }
+  bool isOn() const { return on_; }
+
   /// Puts a text into the box of the cost account. A filter that is on stays as it is.
   void setCbkm(const std::string& text);
 
@@ -61,9 +76,12 @@ class QCE_EXPORT DesFilterView : public bwidgets::Widget {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  void setOn(bool on);
   QLineEdit* addBox(QFormLayout* form, const QString& label, const QString& name);
 
   ViewType viewType_;
+  QAction* switch_ = nullptr;
+  bool on_ = false;
   QLineEdit* cbkmEdit_ = nullptr;
   QLineEdit* codeEdit_ = nullptr;
   QLineEdit* nameEdit_ = nullptr;

@@ -11,10 +11,10 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSplitter>
-#include <QTimer>
 #include <QVBoxLayout>
 
 #include "framework/base_page.h"
+#include "framework/delay.h"
 #include "host/abst/qce/association_bill_controller.h"
 #include "host/abst/qce/association_bill_right_filter_model.h"
 #include "host/bwidgets/screen.h"
@@ -105,10 +105,7 @@ QCEAssociationBillViewImpl::QCEAssociationBillViewImpl(QWidget* parent) : Dialog
   layout->addWidget(buttons);
 
   // Checking a section changes many rows; they are counted once.
-  countTimer_ = new QTimer(this);
-  countTimer_->setSingleShot(true);
-  countTimer_->setInterval(0);
-  connect(countTimer_, &QTimer::timeout, this, &QCEAssociationBillViewImpl::refreshCounts);
+  countTimer_ = gui::makeDelay(this, 0, &QCEAssociationBillViewImpl::refreshCounts);
 }
 
 QCEAssociationBillViewImpl::~QCEAssociationBillViewImpl() = default;

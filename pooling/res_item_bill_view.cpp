@@ -8,7 +8,6 @@
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QMenu>
-#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -18,6 +17,7 @@
 
 #include "framework/cell_value.h"
 #include "framework/commands.h"
+#include "framework/delay.h"
 #include "host/app/scoped_undo.h"
 #include "host/app/services.h"
 #include "host/base/number_text.h"
@@ -59,13 +59,8 @@ QCEResItemBillViewImpl::QCEResItemBillViewImpl(QWidget* parent) : BasePage(paren
           &QCEResItemBillViewImpl::keyDeleteAction);
   setGrid(grid, keys::SEName, keys::SECode);
 
-  followTimer_ = new QTimer(this);
-  followTimer_->setSingleShot(true);
-  connect(followTimer_, &QTimer::timeout, this, &QCEResItemBillViewImpl::follow);
-  refreshTimer_ = new QTimer(this);
-  refreshTimer_->setSingleShot(true);
-  refreshTimer_->setInterval(0);
-  connect(refreshTimer_, &QTimer::timeout, this, &QCEResItemBillViewImpl::refresh);
+  followTimer_ = gui::makeDelay(this, FollowDelay, &QCEResItemBillViewImpl::follow);
+  refreshTimer_ = gui::makeDelay(this, 0, &QCEResItemBillViewImpl::refresh);
 
   status_ = new QLabel(this);
   status_->setObjectName("ResItemBill_status");
@@ -237,10 +232,6 @@ void QCEResItemBillViewImpl::updateView() {
 
 void QCEResItemBillViewImpl::onModelReset() {
   for (const std::string& key : hidden_) setColumnHidden(key, true);
-  updateView();
-}
-
-void QCEResItemBillViewImpl::onDataChanged() {
   updateView();
 }
 

@@ -95,7 +95,6 @@ class QCE_EXPORT QCEResItemBillViewImpl : public gui::BasePage,
 
  protected:
   void onModelReset() override;
-  void onDataChanged() override;
   void showEvent(QShowEvent* event) override;
 
  private:

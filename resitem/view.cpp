@@ -14,13 +14,13 @@
 #include <QPushButton>
 #include <QSplitter>
 #include <QStackedWidget>
-#include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
 #include <algorithm>
 
 #include "framework/cell_value.h"
 #include "framework/commands.h"
+#include "framework/delay.h"
 #include "framework/des_filter_view.h"
 #include "host/abst/qce/res_item_bill_view.h"
 #include "host/app/services.h"
@@ -66,10 +66,7 @@ QFrame* createSeparator(QWidget* parent) {
 
 QCEResItemViewImpl::QCEResItemViewImpl(QWidget* parent) : ResItemViewImpl(parent) {
   setWindowTitle("人材机");
-  refreshTimer_ = new QTimer(this);
-  refreshTimer_->setSingleShot(true);
-  refreshTimer_->setInterval(0);
-  connect(refreshTimer_, &QTimer::timeout, this, [this] {
+  refreshTimer_ = gui::makeDelay(this, 0, [this] {
     refreshActions();
     refreshStatus();
   });
@@ -129,15 +126,9 @@ void QCEResItemViewImpl::createActions() {
   regroupAction_ = gui::addCommand(this, "刷新分组", "重新生成分组，恢复排序前的顺序",
                                    {QKeySequence("F5")}, &Page::regroup);
 
-  conditionAction_ = new QAction("条件过滤", this);
-  conditionAction_->setCheckable(true);
-  conditionAction_->setShortcut(QKeySequence("Ctrl+Shift+F"));
-  conditionAction_->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-  connect(conditionAction_, &QAction::toggled, this, &Page::showConditions);
-  conditionAction_->setToolTip(
-      QString("显示或隐藏条件面板，按成本科目、编码、名称、规格型号、单位过滤（%1）")
-          .arg(conditionAction_->shortcut().toString()));
-  addAction(conditionAction_);
+  conditionAction_ = gui::addCommand(
+      this, "条件过滤", "显示或隐藏条件面板，按成本科目、编码、名称、规格型号、单位过滤",
+      {QKeySequence("Ctrl+Shift+F")});
 
   flags_ = new QActionGroup(this);
   addChoiceAction(flags_, "全部", "不按标志过滤", domain::qce::FilterAll)->setChecked(true);
@@ -191,7 +182,6 @@ void QCEResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
   auto* insertButton = qobject_cast<QToolButton*>(commands->widgetForAction(insertAction_));
   insertButton->setMenu(insertMenu_);
   insertButton->setPopupMode(QToolButton::MenuButtonPopup);
-  conditionButton_ = qobject_cast<QToolButton*>(commands->widgetForAction(conditionAction_));
   QAction* findAction = commands->addAction("查找", this, &QCEResItemViewImpl::find);
   findAction->setToolTip("在表格中查找，可输入拼音首字母（Ctrl+F）");
   QAction* exportAction = commands->addAction("导出Excel", this, &QCEResItemViewImpl::exportExcel);
@@ -201,7 +191,7 @@ void QCEResItemViewImpl::fillToolBar(QBoxLayout* toolBar) {
 
 QWidget* QCEResItemViewImpl::createContent(gui::TreeGridView* grid) {
   conditions_ = new destructors::DesFilterView(destructors::DesFilterView::ResItem, this);
-  conditions_->hide();
+  conditions_->setSwitch(conditionAction_, grid);
   connect(conditions_->startButton(), &QPushButton::clicked, this,
           &QCEResItemViewImpl::startFilter);
   connect(conditions_->cancelButton(), &QPushButton::clicked, this,
@@ -287,8 +277,6 @@ void QCEResItemViewImpl::setModel(abst::BaseModel* model) {
           &QCEResItemViewImpl::refreshLater);
   connect(treeGrid()->selectionModel(), &QItemSelectionModel::currentChanged, this,
           &QCEResItemViewImpl::refreshLater);
-  expandAll();
-  wasEmpty_ = treeGrid()->model()->rowCount() == 0;
   refreshLater();
 }
 
@@ -323,17 +311,6 @@ void QCEResItemViewImpl::addSubView(const std::string& key, abst::BaseView* view
 void QCEResItemViewImpl::updateView() {
   ResItemViewImpl::updateView();
   refreshLater();
-}
-
-// The grid keeps open what was open; a model that was empty had nothing to keep.
-void QCEResItemViewImpl::onModelReset() {
-  if (wasEmpty_) expandAll();
-  wasEmpty_ = treeGrid()->model()->rowCount() == 0;
-  updateView();
-}
-
-void QCEResItemViewImpl::onDataChanged() {
-  updateView();
 }
 
 // Where rows cannot move any further, the keys that move them must not walk through the grid.
@@ -398,11 +375,6 @@ void QCEResItemViewImpl::applyFilters() {
   refreshLater();
 }
 
-void QCEResItemViewImpl::showConditions(bool show) {
-  conditions_->setVisible(show);
-  (show ? static_cast<QWidget*>(conditions_) : treeGrid())->setFocus();
-}
-
 void QCEResItemViewImpl::showPane(bool show) {
   if (!show) keepPaneHeight();
   subViews_->setVisible(show);
@@ -419,30 +391,18 @@ void QCEResItemViewImpl::keepPaneHeight() const {
   app::GetGlobalConfig()->setValue(PaneHeightSetting, std::to_string(subViews_->height()));
 }
 
-// The condition filter stays on while its panel is hidden: the button and the status line tell.
-void QCEResItemViewImpl::setConditionMark(bool on) {
-  conditionsOn_ = on;
-  QPalette palette = this->palette();
-  if (on) palette.setColor(QPalette::ButtonText, QColor(198, 40, 40));
-  conditionButton_->setPalette(palette);
-}
-
 void QCEResItemViewImpl::startFilter() {
   if (filter_ == nullptr) return;
-  std::vector<std::string> keywords = conditions_->conditions();
-  filter_->setFilterField(keywords);
-  filter_->setIsFilterByCondition(true);
+  conditions_->apply(*filter_, true);
   expandAll();
-  setConditionMark(true);
   refreshLater();
 }
 
 void QCEResItemViewImpl::cancelFilter() {
   if (filter_ == nullptr) return;
-  filter_->setIsFilterByCondition(false);
+  conditions_->apply(*filter_, false);
   expandAll();
   treeGrid()->scrollTo(treeGrid()->currentIndex());
-  setConditionMark(false);
   refreshLater();
 }
 
@@ -661,7 +621,7 @@ void QCEResItemViewImpl::refreshStatus() {
   status_->setText(QString("显示 %1 项，共 %2 项%3　　已选 %4 项　　不含税合价 %5 元")
                        .arg(shownItemCount(*model, *view, isItem))
                        .arg(itemCount(filter_->getRoot(), isItem))
-                       .arg(conditionsOn_ ? "（条件过滤中）" : "")
+                       .arg(conditions_->isOn() ? "（条件过滤中）" : "")
                        .arg(items.size())
                        .arg(QString::fromStdString(base::ToThousandthsString(sum, 2))));
 }

@@ -17,7 +17,6 @@ class QLabel;
 class QSplitter;
 class QStackedWidget;
 class QTimer;
-class QToolButton;
 
 namespace domain::qce {
 class QCEResItemOperator;
@@ -90,8 +89,6 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   QWidget* createContent(gui::TreeGridView* grid) override;
   QWidget* createFooter() override;
   void fillContextMenu(QMenu* menu) override;
-  void onModelReset() override;
-  void onDataChanged() override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -105,10 +102,8 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   void setFlag(int filterType);
   void setAssociation(int choice);
   void applyFilters();
-  void showConditions(bool show);
   void showPane(bool show);
   void keepPaneHeight() const;
-  void setConditionMark(bool on);
 
   void move(bool up);
   void report(const std::string& refusal);
@@ -127,9 +122,6 @@ class QCE_EXPORT QCEResItemViewImpl : public gui::ResItemViewImpl {
   QActionGroup* flags_ = nullptr;
   QActionGroup* associations_ = nullptr;
   QAction* conditionAction_ = nullptr;
-  QToolButton* conditionButton_ = nullptr;
-  bool conditionsOn_ = false;
-  bool wasEmpty_ = true;
   QAction* batchPriceAction_ = nullptr;
   QAction* insertAction_ = nullptr;
   QAction* deleteAction_ = nullptr;

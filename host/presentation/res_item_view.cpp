@@ -69,6 +69,16 @@ void ResItemViewImpl::setModel(abst::BaseModel* model) {
   BasePage::setModel(model);
   textFilter_ = dynamic_cast<ResItemTextFilter*>(abstractModel());
   if (textFilter_ != nullptr) hideKeptColumns();
+  if (abstractModel() == nullptr) return;
+  wasEmpty_ = treeGrid_->model()->rowCount() == 0;
+  expandAll();
+}
+
+// The grid keeps open what was open; a model that was empty had nothing to keep.
+void ResItemViewImpl::onModelReset() {
+  if (wasEmpty_) expandAll();
+  wasEmpty_ = treeGrid_->model()->rowCount() == 0;
+  updateView();
 }
 
 // ---------------------------------------------------------------------------------------------

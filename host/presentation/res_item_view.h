@@ -69,6 +69,7 @@ class QCE_EXPORT ResItemViewImpl : public BasePage {
 
   gui::TreeGridView* treeGrid() const { return treeGrid_; }
 
+  void onModelReset() override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
@@ -87,6 +88,7 @@ class QCE_EXPORT ResItemViewImpl : public BasePage {
   QLineEdit* textEdit_ = nullptr;
   QActionGroup* types_ = nullptr;
   QMenu* columnMenu_ = nullptr;
+  bool wasEmpty_ = true;
 };
 
 }  // namespace gui

@@ -9,7 +9,6 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QSplitter>
-#include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -17,6 +16,7 @@
 #include <utility>
 
 #include "framework/commands.h"
+#include "framework/delay.h"
 #include "host/app/scoped_undo.h"
 #include "host/app/services.h"
 #include "host/bwidgets/dialog.h"
@@ -47,10 +47,7 @@ int rowsBelow(const QAbstractItemModel& model, const QModelIndex& parent) {
 }  // namespace
 
 SubEngineeringViewImpl::SubEngineeringViewImpl(QWidget* parent) : BasePage(parent) {
-  refreshTimer_ = new QTimer(this);
-  refreshTimer_->setSingleShot(true);
-  refreshTimer_->setInterval(0);
-  connect(refreshTimer_, &QTimer::timeout, this, [this] {
+  refreshTimer_ = makeDelay(this, 0, [this] {
     refreshActions();
     refreshStatus();
   });
