@@ -115,6 +115,7 @@ class Parser {
   [[noreturn]] void refuseXml() const;
   [[noreturn]] void refuseElement(const ElementName& parent, const QString& expected) const;
   void limit(std::size_t& count, int most, const ElementName& element);
+  void limitDepth(int depth, int most, const Attributes& attributes);
 
   void readFacts(ProjectFacts& facts);
   void readAccounts();
@@ -256,6 +257,11 @@ void Parser::limit(std::size_t& count, int most, const ElementName& element) {
   }
 }
 
+void Parser::limitDepth(int depth, int most, const Attributes& attributes) {
+  if (depth <= most) return;
+  refuse(QStringLiteral("%1的嵌套超过 %2 层：请减少层次").arg(attributes.where()).arg(most));
+}
+
 std::string Parser::claimId(Attributes& attributes) {
   std::string id = attributes.id();
   if (!ids_.insert(id).second) {
@@ -391,11 +397,7 @@ void Parser::readAccounts() {
 
 CostAccount Parser::readAccount(int depth) {
   Attributes attributes(xml_, Account, line_, column_);
-  if (depth > SourceBounds::AccountDepth) {
-    refuse(QStringLiteral("%1的嵌套超过 %2 层：请减少层次")
-               .arg(attributes.where())
-               .arg(SourceBounds::AccountDepth));
-  }
+  limitDepth(depth, SourceBounds::AccountDepth, attributes);
   limit(accountCount_, SourceBounds::Accounts, Account);
   CostAccount account;
   account.id = claimId(attributes);
@@ -495,11 +497,7 @@ UnitWork Parser::readWork() {
 
 Section Parser::readSection(int depth) {
   Attributes attributes(xml_, Part, line_, column_);
-  if (depth > SourceBounds::SectionDepth) {
-    refuse(QStringLiteral("%1的嵌套超过 %2 层：请减少层次")
-               .arg(attributes.where())
-               .arg(SourceBounds::SectionDepth));
-  }
+  limitDepth(depth, SourceBounds::SectionDepth, attributes);
   limit(sectionCount_, SourceBounds::Sections, Part);
   Section section;
   section.id = claimId(attributes);
@@ -629,11 +627,7 @@ void Parser::readFees() {
 
 IndirectFeeGroup Parser::readFeeGroup(int depth, const std::string& workId) {
   Attributes attributes(xml_, FeeGroup, line_, column_);
-  if (depth > SourceBounds::FeeGroupDepth) {
-    refuse(QStringLiteral("%1的嵌套超过 %2 层：请减少层次")
-               .arg(attributes.where())
-               .arg(SourceBounds::FeeGroupDepth));
-  }
+  limitDepth(depth, SourceBounds::FeeGroupDepth, attributes);
   limit(feeCount_, SourceBounds::FeeItems, FeeGroup);
   IndirectFeeGroup group;
   group.id = claimId(attributes);

@@ -39,6 +39,13 @@ Category categoryOf(exchange::ResourceCategory category) {
   return Category::Material;
 }
 
+template <class Record, class Source>
+void identify(Record& record, const Source& source) {
+  record.sourceId = source.id;
+  record.code = source.code;
+  record.name = source.name;
+}
+
 class Filler {
  public:
   Filler(Project& project, const std::function<bool(std::size_t)>& progress)
@@ -49,9 +56,7 @@ class Filler {
     for (const auto& account : source.accounts) add(nullptr, account);
     for (const auto& single : source.projects) {
       StructureNode& node = builder_.addNode(nullptr, 0, StructureKind::SingleProject);
-      node.sourceId = single.id;
-      node.code = single.code;
-      node.name = single.name;
+      identify(node, single);
       for (const auto& work : single.unitWorks) {
         if (!add(node, work)) return false;
       }
@@ -108,9 +113,7 @@ class Filler {
 
   bool add(StructureNode& parent, const exchange::UnitWork& source) {
     StructureNode& node = builder_.addNode(&parent, 0, StructureKind::UnitWork);
-    node.sourceId = source.id;
-    node.code = source.code;
-    node.name = source.name;
+    identify(node, source);
     node.specialty = source.specialty;
     node.declaredBills = source.declared.bills;
     node.declaredResources = source.declared.resources;
@@ -132,9 +135,7 @@ class Filler {
 
   bool add(StructureNode& parent, const exchange::Section& source) {
     StructureNode& node = builder_.addNode(&parent, 0, StructureKind::Section);
-    node.sourceId = source.id;
-    node.code = source.code;
-    node.name = source.name;
+    identify(node, source);
     for (const auto& section : source.sections) {
       if (!add(node, section)) return false;
     }
@@ -223,17 +224,13 @@ class Filler {
 
   void add(IndirectFeeGroup* parent, const exchange::IndirectFeeGroup& source) {
     IndirectFeeGroup& group = builder_.addFeeGroup(parent, 0);
-    group.sourceId = source.id;
-    group.code = source.code;
-    group.name = source.name;
+    identify(group, source);
     const auto node = nodes_.find(source.unitWorkId);
     if (node != nodes_.end()) group.unitWork = node->second;
     for (const auto& child : source.groups) add(&group, child);
     for (const auto& fee : source.items) {
       IndirectFeeItem& item = builder_.addFeeItem(group, 0);
-      item.sourceId = fee.id;
-      item.code = fee.code;
-      item.name = fee.name;
+      identify(item, fee);
       item.basis = fee.basis;
       item.account = account(fee.accountId);
       item.base = fee.base;
