@@ -428,9 +428,9 @@ QVariant TViewModel<T>::data(const QModelIndex& index, int role) const {
     }
     return numberText(*column->field, 0.0);
   }
-  const QVariant answer = role == Qt::DisplayRole      ? displayData(*column, value)
-                          : role == Qt::CheckStateRole ? toCheckState(Visit(value))
-                                                       : Visit(value);
+  QVariant answer = role == Qt::DisplayRole      ? displayData(*column, value)
+                    : role == Qt::CheckStateRole ? toCheckState(Visit(value))
+                                                 : Visit(value);
   // An object lives as long as what was answered, and no longer.
   if (std::holds_alternative<scoped_refptr<base::Object>>(value)) value = std::monostate();
   return answer;
