@@ -21,7 +21,7 @@ class QToolBar;
 namespace domain {
 struct ColumnDescriptor;
 class SubEngineeringOperator;
-}
+}  // namespace domain
 
 namespace gui {
 
