@@ -53,6 +53,7 @@ QString money(const costing::Decimal& value) {
 
 std::vector<const records::Bill*> billsOf(const records::Subcontract& entry) {
   std::vector<const records::Bill*> bills;
+  bills.reserve(static_cast<std::size_t>(entry.childCount()));
   for (int row = 0; row < entry.childCount(); ++row) bills.push_back(&entry.billAt(row).bill);
   return bills;
 }
