@@ -201,7 +201,7 @@ DesResItemSummaryViewImpl::DesResItemSummaryViewImpl(QWidget* parent)
   splitter->addWidget(table_);
   splitter->setStretchFactor(0, 20);
   splitter->setStretchFactor(1, 80);
-  splitter->setSizes({390, 1000});  // the guide's amounts are to be seen, beside their names
+  splitter->setSizes({400, 800});  // the guide's amounts are to be seen, beside their names
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(splitter);

@@ -34,6 +34,8 @@ ResItemLegend::ResItemLegend(QWidget* parent) : QWidget(parent) {
       createMark("甲供", "底色：由甲方供应的项", QPalette::Window, marks::ProvidedByJia, this));
   layout->addWidget(
       createMark("暂估", "字色：价格为暂估价的项", QPalette::WindowText, marks::Provisional, this));
+  layout->addWidget(createMark("不计入", "字色：未关联到成本，或已归集到分包的项，成本合价为 0",
+                               QPalette::WindowText, marks::NotCounted, this));
   layout->addWidget(createMark("批注", "名称底色：带批注的项，鼠标停留可查看批注", QPalette::Window,
                                marks::Annotated, this));
 }

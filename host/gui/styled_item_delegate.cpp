@@ -6,13 +6,16 @@
 #include <QCompleter>
 #include <QHelpEvent>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QRegularExpression>
+#include <QTimer>
 #include <QToolTip>
 #include <QValidator>
 #include <algorithm>
 
+#include "host/app/services.h"
 #include "host/base/number_text.h"
 #include "host/bwidgets/cell_text.h"
 #include "host/bwidgets/grid_clipboard.h"
@@ -95,6 +98,29 @@ void tellOfNumber(QLineEdit* editor) {
 }  // namespace
 
 StyledItemDelegate::StyledItemDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
+
+// The toolkit drops what cannot be accepted when the focus leaves an editor, without a word.
+bool StyledItemDelegate::eventFilter(QObject* object, QEvent* event) {
+  auto* line = qobject_cast<QLineEdit*>(object);
+  if (event->type() != QEvent::FocusOut || line == nullptr || line->hasAcceptableInput()) {
+    return QStyledItemDelegate::eventFilter(object, event);
+  }
+  const QString typed = line->text();
+  bool closed = false;
+  const QMetaObject::Connection heard =
+      connect(this, &QAbstractItemDelegate::closeEditor, this, [&closed] { closed = true; });
+  const bool handled = QStyledItemDelegate::eventFilter(object, event);
+  disconnect(heard);
+  if (closed) {
+    // Not from inside the change of the focus.
+    QTimer::singleShot(0, this, [typed] {
+      app::qce::GetQCEChannel()->message(
+          "“" + typed.toStdString() + "”不是数字，没有写入，单元格保留原值。请重新输入数字。",
+          QMessageBox::Ok);
+    });
+  }
+  return handled;
+}
 
 void StyledItemDelegate::initStyleOption(QStyleOptionViewItem* option,
                                          const QModelIndex& index) const {

@@ -14,6 +14,7 @@ namespace gui {
 /// (domain::ChoicesRole) gets a list of them, in which a part of the text finds the entry. A text
 /// that was not changed is not written. A check box without a text stands in the middle; a click on
 /// it or Space toggles it. A text that does not fit its cell shows in full as its tool tip.
+/// What is no number and is left by a click elsewhere is not written, and the user is told.
 class QCE_HOST_WIDGETS_EXPORT StyledItemDelegate : public QStyledItemDelegate {
   Q_OBJECT
 
@@ -37,6 +38,7 @@ class QCE_HOST_WIDGETS_EXPORT StyledItemDelegate : public QStyledItemDelegate {
 
  protected:
   void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
+  bool eventFilter(QObject* object, QEvent* event) override;
 };
 
 }  // namespace gui

@@ -306,6 +306,9 @@ class TestView : public QObject {
     QTest::keyClick(grid_, Qt::Key_Delete);
     QCOMPARE(text(bill_, keys::SEQuantity), text(bill_, keys::SEQuantityBillTendering));
     QVERIFY(!page_->useDetailCalc(fields));
+    this->type(bill_, keys::SEQuantity, "12.5");  // a quantity is its own calculation
+    QCOMPARE(text(bill_, keys::SECalcExpr), QString("12.5"));
+    QCOMPARE(text(bill_, keys::SEQuantity), QString("12.5"));
   }
 
   void goesOnFromTheCalculationThatIsThere() {

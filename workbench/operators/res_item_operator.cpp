@@ -379,12 +379,19 @@ bool ResItemOperator::getValue(const proxy::Element* element, const std::string&
       }
       return true;
     case domain::ForegroundRole:
-      if (!item->provisional()) return false;
-      out = domain::qce::marks::Provisional;
+      if (item->counts() && !item->provisional()) return false;
+      out = item->counts() ? domain::qce::marks::Provisional : domain::qce::marks::NotCounted;
       return true;
     case domain::ToolTipRole:
-      if (item->annotation().empty()) return false;
-      domain::AssignText(out, item->annotation().str());
+      if (!item->annotation().empty()) {
+        domain::AssignText(out, item->annotation().str());
+      } else if (item->subcontract() != nullptr) {
+        domain::AssignText(out, "已归集到分包，费用由分包计入成本，此处成本合价为 0");
+      } else if (!item->linked()) {
+        domain::AssignText(out, "未关联到成本，费用不计入成本，此处成本合价为 0");
+      } else {
+        return false;
+      }
       return true;
     default:
       return false;

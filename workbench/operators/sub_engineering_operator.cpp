@@ -6,6 +6,7 @@
 #include <typeinfo>
 
 #include "host/app/scoped_undo.h"
+#include "host/base/number_text.h"
 #include "host/domain/field_keys.h"
 #include "workbench/operators/cell_values.h"
 #include "workbench/operators/columns.h"
@@ -60,7 +61,7 @@ const std::array<ColumnInfo, ColumnCount>& columns() {
       {keys::SEUnit, "单位", StringField, 55, true},
       {keys::SEQuantityBillTendering, "招标工程量", FloatingPointField, 100},
       {keys::SECalcExpr, "计算式", StringField, 120, true},
-      {keys::SEQuantity, "成本工程量", FloatingPointField, 100},
+      {keys::SEQuantity, "成本工程量", FloatingPointField, 100, true},
       {keys::BRIBillUnitPrice, "单价（元）", FloatingPointField, 100, false, true},
       {keys::SEBudgetTotalCost, "预算合价（元）", FloatingPointField, 130, false, true},
       {keys::SECostTotalCost, "成本合价（元）", FloatingPointField, 130, false, true},
@@ -406,6 +407,8 @@ bool SubEngineeringOperator::setValue(proxy::Element* element, const std::string
   std::string text;
   if (const auto* typed = std::get_if<std::string>(&value)) {
     text = trimmed(*typed);
+  } else if (const auto* number = std::get_if<double>(&value)) {
+    text = base::ToPlainString(*number);
   } else if (!std::holds_alternative<std::monostate>(value)) {
     return false;
   }
@@ -434,6 +437,7 @@ bool SubEngineeringOperator::setValue(proxy::Element* element, const std::string
         return refuse("没有成本科目“" + text + "”，请输入已有科目的编码或名称。");
       }
       break;
+    case CostQuantity:  // a number typed here is the calculation that it takes
     case Expression:
       data.expression = project_.texts.intern(text);
       data.quantityLines.clear();

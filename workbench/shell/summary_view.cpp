@@ -210,11 +210,17 @@ void SummaryView::resizeEvent(QResizeEvent* event) {
 }
 
 void SummaryView::arrange() {
-  const bool wide = width() >= kTableWidth * zoom_ / 100 + panes_->handleWidth() + kPlotWidth;
+  const int table = kTableWidth * zoom_ / 100;
+  const bool wide = width() >= table + panes_->handleWidth() + kPlotWidth;
   const Qt::Orientation orientation = wide ? Qt::Horizontal : Qt::Vertical;
-  if (panes_->orientation() == orientation) return;
-  panes_->setOrientation(orientation);
-  panes_->setSizes(wide ? QList<int>{6000, 4000} : QList<int>{5000, 5000});
+  if (panes_->orientation() != orientation) {
+    panes_->setOrientation(orientation);
+    panes_->setSizes(wide ? QList<int>{6000, 4000} : QList<int>{5000, 5000});
+  }
+  // A number that is cut in the middle would be read as another one.
+  if (wide && plot_->isVisible() && panes_->sizes().value(0) < table) {
+    panes_->setSizes({table, width() - panes_->handleWidth() - table});
+  }
 }
 
 void SummaryView::setZoom(int percent) {

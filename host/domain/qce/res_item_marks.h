@@ -13,4 +13,7 @@ inline constexpr base::Color Provisional{192, 57, 43};
 /// Background of the name cell of an item with an annotation (批注).
 inline constexpr base::Color Annotated{217, 234, 211};
 
+/// Text of an item whose cost counts nowhere or in a subcontract: its cost amounts are 0.
+inline constexpr base::Color NotCounted{140, 146, 154};
+
 }  // namespace domain::qce::marks

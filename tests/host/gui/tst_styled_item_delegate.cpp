@@ -114,6 +114,19 @@ class TestStyledItemDelegate : public QObject {
     QTRY_COMPARE(g.text("0.0:price"), QString("100.00"));
   }
 
+  void tellsOfWhatIsNoNumberAndIsLeft() {
+    OpenGrid g;
+    const domain::Value before = *g.node(0, 0)->find("price", Qt::EditRole);
+    g.edit("0.0:price", "abc");
+    QTest::keyClick(g.editor(), Qt::Key_Escape);  // given up on purpose
+    QTRY_VERIFY(g.editor() == nullptr);
+    g.edit("0.0:price", "168*1.1");
+    g.click("0.1:price");
+    QTRY_COMPARE(g.message(),
+                 QString("“168*1.1”不是数字，没有写入，单元格保留原值。请重新输入数字。"));
+    QCOMPARE(*g.node(0, 0)->find("price", Qt::EditRole), before);
+  }
+
   void staysOnACellThatIsRefused() {
     OpenGrid g;
     g.op.refuse = true;
