@@ -495,11 +495,14 @@ void DesResItemViewImpl::refreshStatus() {
   // In the colour of the rows that wait.
   const int waiting = model_->getItemWaitForCollectNum();
   const QString note = QString("待归集：%1 项").arg(waiting);
-  status_->setText(QString("%5%1　　已选 %2 项　　不含税合价 %3 元，计入成本 %4 元")
+  QString filters;
+  if (isTextFiltered()) filters += "（筛选中）";
+  if (conditions_->isOn()) filters += "（条件过滤中）";
+  status_->setText(QString("<span style=\"white-space:pre\">%5%1　　已选 %2 项　　"
+                           "不含税合价 %3 元，计入成本 %4 元</span>")
                        .arg(waiting == 0 ? note : "<b style=\"color:#b06000\">" + note + "</b>")
                        .arg(items.size())
-                       .arg(money(market), money(counted),
-                            conditions_->isOn() ? QString("（条件过滤中）") : QString()));
+                       .arg(money(market), money(counted), filters));
 }
 
 }  // namespace gui::qce::destructors

@@ -193,6 +193,10 @@ void ResItemViewImpl::applyTextFilter() {
   updateView();  // also what is selected may be less
 }
 
+bool ResItemViewImpl::isTextFiltered() const {
+  return !textEdit_->text().isEmpty() || types_->checkedAction() != types_->actions().last();
+}
+
 void ResItemViewImpl::clearTextFilter() {
   const QSignalBlocker blocker(textEdit_);
   textEdit_->clear();

@@ -64,6 +64,8 @@ class QCE_EXPORT ResItemViewImpl : public BasePage {
   /// Shows a column or leaves it out; what is left out stays so in later sessions.
   void showColumn(const std::string& key, bool show);
 
+  /// Whether a text or a category leaves items out.
+  bool isTextFiltered() const;
   /// Shows all again: no text, and the type "所有".
   void clearTextFilter();
 

@@ -260,11 +260,11 @@ class TestDesResItemView : public QObject {
     QTest::keyClick(s.grid, Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
     QVERIFY(!panel->isVisible() && !conditions->isChecked());
     auto* status = s.page->findChild<QLabel*>("DesResItem_status");
-    QTRY_VERIFY(status->text().startsWith("（条件过滤中）"));
+    QTRY_VERIFY(status->text().contains("（筛选中）（条件过滤中）"));
     // An item that is to be shown is, whatever was filtered.
     s.page->showItems({s.wire});
     QCOMPARE(s.shown(), QString("工程(s w l)"));
-    QTRY_VERIFY(!status->text().contains("条件过滤中"));
+    QTRY_VERIFY(!status->text().contains("中）"));
     QTest::mouseClick(conditions, Qt::LeftButton);
     QCOMPARE(filter("code", "w"), QString("工程(w)"));
     QTest::mouseClick(panel->cancelButton(), Qt::LeftButton);

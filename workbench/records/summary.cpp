@@ -254,6 +254,7 @@ class Summarizer {
   SummaryLine feesLine(const FeeTemplate::Line& from) {
     SummaryLine line = makeLine(Kind::Fees, from.name, nullptr);
     collectFees(line, from, project_.feeGroups().rows(), nullptr);
+    if (!line.lines.empty()) line.source = line.lines.front().source;
     return line;
   }
 

@@ -19,7 +19,7 @@ struct SummaryLine {
     Structure,     ///< single project, unit work or section; the StructureNode
     Bill,          ///< the Bill
     LooseItems,    ///< resource items of a unit work that no bill stands behind; the StructureNode
-    Fees,          ///< indirect fees below a heading of their own; null
+    Fees,          ///< indirect fees below a heading of their own; the first of them
     FeeGroup,      ///< the IndirectFeeGroup
     FeeItem,       ///< the IndirectFeeItem
     Subcontracts,  ///< subcontract entries; null

@@ -565,8 +565,7 @@ void MainWindow::refreshTotals() {
                                    ? QString()
                                    : QStringLiteral("　　分包成本 ") + totals.subcontracts;
   totals_->setText(
-      QStringLiteral(
-          "预算合价 %1　　不含税成本合计 %2　　含税合计 %3　　间接费成本 %4%5　　共 %6 项")
+      QStringLiteral("预算合价 %1　　人材机成本 %2（含税 %3）　　间接费成本 %4%5　　共 %6 项")
           .arg(totals.budget, totals.excludingTax, totals.includingTax, totals.fees, subcontracts)
           .arg(totals.items));
   totals_->setToolTip(totals_->text());

@@ -123,9 +123,8 @@ class Follower {
       }
       case Kind::FeeGroup:
       case Kind::FeeItem:
-        return toFee(line.source);
       case Kind::Fees:
-        return toFee(nullptr);
+        return toFee(line.source);
       case Kind::Subcontract:
       case Kind::Subcontracts:
         return toSubcontract(line.source);

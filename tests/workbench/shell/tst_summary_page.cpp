@@ -1,3 +1,4 @@
+#include "engineering/indirect_fee_view.h"
 #include "framework/des_filter_view.h"
 #include "host/app/scoped_undo.h"
 #include "host/base/number_text.h"
@@ -187,6 +188,24 @@ class SummaryPageTest : public QObject {
     QTRY_COMPARE(f_->window->pages()->currentPage(), QString("resources"));
     QCOMPARE(page->findChild<QComboBox*>("ResItem_subProject")->currentIndex(),
              static_cast<int>(project().unitWorks().size()));
+
+    openPage();
+    SummaryView& bid = choose(0);
+    const SummaryRow* fees =
+        nullptr;  // the last heading of fees, which is not what is chosen there
+    for (const SummaryRow* each : all(bid)) {
+      if (each->line().kind == Kind::Fees && each->line().source != nullptr) fees = each;
+    }
+    QVERIFY(fees != nullptr);
+    f_->driver.doubleClickCell(bid.grid(), index(bid, *fees));
+    QTRY_VERIFY(f_->window->pages()->currentPage() != "summary");
+    QCOMPARE(f_->window->pages()
+                 ->currentWidget()
+                 ->findChild<gui::qce::QCEIndirectFeeViewImpl*>()
+                 ->leftTree()
+                 ->currentElement()
+                 ->id(),
+             fees->line().source->id());
   }
 
   void staysOnALineWithoutASource() {
