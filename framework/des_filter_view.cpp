@@ -137,6 +137,7 @@ void DesFilterView::setSwitch(QAction* action, QWidget* grid) {
 
 void DesFilterView::setOn(bool on) {
   on_ = on;
+  if (switch_ == nullptr) return;  // a page that always shows the panel has none
   QPalette colors;
   if (on) colors.setColor(QPalette::ButtonText, QColor(198, 40, 40));
   for (QWidget* shown : switch_->associatedWidgets()) {

@@ -28,6 +28,7 @@ namespace gui {
 namespace {
 
 constexpr char startText[] = "gui_startText";  // what an editor showed before the user typed
+constexpr char cellPlace[] = "gui_cellPlace";  // which cell it edits, in the user's words
 const QColor searchMark(0xff, 0xf1, 0xa8);
 const QColor refusedText(0xc6, 0x28, 0x28);
 
@@ -49,6 +50,16 @@ QString editText(const QModelIndex& index) {
     return bwidgets::clipboardText(index);
   }
   return value.toString();
+}
+
+// "“螺纹钢筋”的“数量”": the row by the column of the tree, else by its first one.
+QString placeOf(const QWidget* view, const QModelIndex& index) {
+  const auto* grid = qobject_cast<const bwidgets::TreeGridView*>(view);
+  const int naming = grid != nullptr ? std::max(grid->treePosition(), 0) : 0;
+  const QString row = index.sibling(index.row(), naming).data().toString().simplified();
+  const QString title =
+      index.model()->headerData(index.column(), Qt::Horizontal).toString().simplified();
+  return QString::fromUtf8(row.isEmpty() ? "%1“%2”" : "“%1”的“%2”").arg(row, title);
 }
 
 bool isCheckBoxAlone(const QStyleOptionViewItem& option) {
@@ -105,7 +116,9 @@ bool StyledItemDelegate::eventFilter(QObject* object, QEvent* event) {
   if (event->type() != QEvent::FocusOut || line == nullptr || line->hasAcceptableInput()) {
     return QStyledItemDelegate::eventFilter(object, event);
   }
-  const QString typed = line->text();
+  const QString text =
+      QString::fromUtf8("“%1”不是数字，没有写入%2，单元格保留原值。请重新输入数字。")
+          .arg(line->text(), line->property(cellPlace).toString());
   bool closed = false;
   const QMetaObject::Connection heard =
       connect(this, &QAbstractItemDelegate::closeEditor, this, [&closed] { closed = true; });
@@ -113,10 +126,8 @@ bool StyledItemDelegate::eventFilter(QObject* object, QEvent* event) {
   disconnect(heard);
   if (closed) {
     // Not from inside the change of the focus.
-    QTimer::singleShot(0, this, [typed] {
-      app::qce::GetQCEChannel()->message(
-          "“" + typed.toStdString() + "”不是数字，没有写入，单元格保留原值。请重新输入数字。",
-          QMessageBox::Ok);
+    QTimer::singleShot(0, this, [text] {
+      app::qce::GetQCEChannel()->message(text.toStdString(), QMessageBox::Ok);
     });
   }
   return handled;
@@ -172,7 +183,7 @@ QSize StyledItemDelegate::sizeHint(const QStyleOptionViewItem& option,
   return size;
 }
 
-QWidget* StyledItemDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
+QWidget* StyledItemDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                                           const QModelIndex& index) const {
   const QStringList choices = index.data(domain::ChoicesRole).toStringList();
   if (!choices.isEmpty()) {
@@ -192,6 +203,7 @@ QWidget* StyledItemDelegate::createEditor(QWidget* parent, const QStyleOptionVie
   if (isNumber(index)) {
     editor->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     editor->setValidator(new NumberValidator(editor));
+    editor->setProperty(cellPlace, placeOf(option.widget, index));
     QObject::connect(editor, &QLineEdit::textEdited, editor, [editor] { tellOfNumber(editor); });
   }
   return editor;

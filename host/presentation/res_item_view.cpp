@@ -129,6 +129,7 @@ void ResItemViewImpl::hideColumns(const std::set<std::string>& keys) {
   if (keys == textFilter_->blackList()) return;
   textFilter_->blackListOfColumn(keys);
   const auto* columns = dynamic_cast<const ViewModel*>(abstractModel());
+  if (columns == nullptr) return;
   treeGrid_->gridHeader()->readGroups();
   treeGrid_->setTreePosition(std::max(0, columns->getColumnIndex(domain::keys::BRIName)));
   treeGrid_->setFrozenColumnCount(

@@ -115,6 +115,7 @@ class Summarizer {
     SummaryLine ofProject = makeLine(Kind::Fees, "整个工程的费用", nullptr);
     addFeeGroups(ofProject, nullptr);
     if (!ofProject.lines.empty()) {
+      ofProject.source = ofProject.lines.front().source;
       addTax(ofProject, nullptr);
       addLine(total_, std::move(ofProject));
     }

@@ -67,6 +67,7 @@ ChangedRows::~ChangedRows() {
 }
 
 bool ChangedRows::show(const QWidget& page, const QString& step) const {
+  if (ids_.empty()) return false;
   QList<TreeGridView*> grids = page.findChildren<TreeGridView*>();
   std::stable_partition(grids.begin(), grids.end(),
                         [](const TreeGridView* grid) { return grid->hasFocus(); });

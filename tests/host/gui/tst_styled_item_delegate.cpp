@@ -120,10 +120,14 @@ class TestStyledItemDelegate : public QObject {
     g.edit("0.0:price", "abc");
     QTest::keyClick(g.editor(), Qt::Key_Escape);  // given up on purpose
     QTRY_VERIFY(g.editor() == nullptr);
+    const QString naming = g.cell("0.0:price").sibling(0, g.view->treePosition()).data().toString();
+    QVERIFY(!naming.isEmpty());
     g.edit("0.0:price", "168*1.1");
     g.click("0.1:price");
-    QTRY_COMPARE(g.message(),
-                 QString("“168*1.1”不是数字，没有写入，单元格保留原值。请重新输入数字。"));
+    QTRY_COMPARE(
+        g.message(),
+        QString("“168*1.1”不是数字，没有写入“%1”的“单价”，单元格保留原值。请重新输入数字。")
+            .arg(naming));
     QCOMPARE(*g.node(0, 0)->find("price", Qt::EditRole), before);
   }
 
